@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+#include <memory>
+
+#include "WebFileManAPI.h"
+#include "core/httprequestinput.h"
+
+class QFile;
+class QNetworkAccessManager;
+class QNetworkReply;
+
+/// Where a request's proxy comes from.
+enum _PROXY_MODE_ { kProxyNone = 0, kProxySystem = 1, kProxyManual = 2 };
+
+/// Runs one request to its end on the calling thread. Serves one request only.
+class TORVIAPI_EXPORT HttpRequestWorker : public QObject {
+    Q_OBJECT
+
+public:
+    explicit HttpRequestWorker(QObject* parent = nullptr);
+    ~HttpRequestWorker() override;
+
+    void setProxy(_PROXY_MODE_ mode, QString host, QString user, QString password);
+
+    int execute(HttpRequestInput* input);
+    int upload(HttpRequestInput* input, QString submitName, bool bNoFileData, WFMProgressCallback callback,
+               void* lpData);
+    int download(HttpRequestInput* input, qint64 total, qint64 offset, WFMProgressCallback callback, void* lpData,
+                 QFile* file);
+    int wait_for_finished(QNetworkReply* reply, int msec);
+
+    QByteArray response;
+    int error_type = 0;
+    QString error_str;
+    int http_status = 200;
+
+    quint32 dwProgress = 0;
+    qint64 llTotalFileSize = 0;
+    qint64 llBodyFileBytes = 0;
+    qint64 llTotalBytesTransferred = 0;
+    qint64 llLastSent = 0;
+    qint64 llStreamBytesTransferred = 0;
+    qint64 llStartOffset = 0;
+    qint64 llStreamSize = 0;
+    qint64 llHeadSize = 0;
+    qint64 llTailSize = 0;
+
+public slots:
+    void uploadProgress(qint64 bytesSent, qint64 bytesTotal);
+    void downloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+    void downloadReadyRead();
+
+private:
+    struct Proxy;  // complete in httprequestworker.cpp only
+    QNetworkAccessManager* manager;
+    QNetworkReply* reply = nullptr;
+    std::unique_ptr<Proxy> proxy;
+    WFMProgressCallback m_callback = nullptr;
+    void* m_lpData = nullptr;
+    QFile* m_file = nullptr;
+};
