@@ -9,8 +9,10 @@
 #include "core/httprequestinput.h"
 
 class QFile;
+class QIODevice;
 class QNetworkAccessManager;
 class QNetworkReply;
+class QNetworkRequest;
 
 /// Where a request's proxy comes from.
 enum _PROXY_MODE_ { kProxyNone = 0, kProxySystem = 1, kProxyManual = 2 };
@@ -28,9 +30,12 @@ public:
     int execute(HttpRequestInput* input);
     int upload(HttpRequestInput* input, QString submitName, bool bNoFileData, WFMProgressCallback callback,
                void* lpData);
-    int download(HttpRequestInput* input, qint64 total, qint64 offset, WFMProgressCallback callback, void* lpData,
-                 QFile* file);
+    int download(HttpRequestInput* input, qint64 total, qint64 offset, WFMProgressCallback callback,
+                 void* lpData, QFile* file);
     int wait_for_finished(QNetworkReply* reply, int msec);
+
+    /// The name under which a file goes out.
+    static QString requestFilename(const HttpRequestInputFileElement& element);
 
     QByteArray response;
     int error_type = 0;
@@ -55,10 +60,39 @@ public slots:
 
 private:
     struct Proxy;  // complete in httprequestworker.cpp only
+
+    /// A reply in flight, given up and gone at the end of its scope. Qt reads a request's body as long as the
+    /// reply lives, so a body device is declared before the reply that it goes out with.
+    class Exchange {
+    public:
+        Exchange(HttpRequestWorker& worker, QNetworkReply* reply);
+        ~Exchange();
+        Exchange(const Exchange&) = delete;
+        Exchange& operator=(const Exchange&) = delete;
+        void end();
+
+    private:
+        HttpRequestWorker& m_worker;
+    };
+
+    enum PragmaHeader { kWithoutPragma, kWithPragma };
+
+    void clearOutcome();
+    static QNetworkRequest makeRequest(const HttpRequestInput& input, const QByteArray& contentType,
+                                       PragmaHeader pragma);
+    void applyProxy(QNetworkRequest& request, bool hasBody);
+    /// Issues the request. `body` is open and must outlive the reply; GET, HEAD and DELETE leave it alone.
+    QNetworkReply* send(const HttpRequestInput& input, QNetworkRequest request, QIODevice& body);
+    static QByteArray makeBoundary();
+    /// key=value pairs joined by "&".
+    static QByteArray formText(const HttpRequestInput& input);
+    quint32 report(quint32 streamNumber, quint32 reason);
+
     QNetworkAccessManager* manager;
     QNetworkReply* reply = nullptr;
     std::unique_ptr<Proxy> proxy;
     WFMProgressCallback m_callback = nullptr;
     void* m_lpData = nullptr;
     QFile* m_file = nullptr;
+    bool m_sizeMismatch = false;
 };

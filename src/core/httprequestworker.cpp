@@ -1,0 +1,269 @@
+#include "core/httprequestworker.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QSslConfiguration>
+#include <QTimer>
+#include <QUrl>
+#include <utility>
+
+#include "core/onewaybody.h"
+
+struct HttpRequestWorker::Proxy {
+    _PROXY_MODE_ mode;
+    QString host;  // host:port
+    QString user;
+    QString password;
+};
+
+namespace {
+
+constexpr int kStatusTimeOut = 408;
+constexpr int kStatusProxyAuthentication = 407;
+
+bool hasBody(const QString& method) {
+    return method != QLatin1String("GET") && method != QLatin1String("HEAD") &&
+           method != QLatin1String("DELETE");
+}
+
+/// The parts of a form with the files' bytes in them.
+QByteArray multipartBody(const HttpRequestInput& input, const QByteArray& boundary) {
+    QByteArray body;
+    for (const auto& var : input.vars) {
+        body += "--" + boundary + "\r\nContent-Disposition: form-data; name=\"" + var.first.toUtf8() +
+                "\"\r\n\r\n" + var.second.toUtf8() + "\r\n";
+    }
+    for (const HttpRequestInputFileElement& element : input.files) {
+        if (element.local_filename.isEmpty() || element.variable_name.isEmpty()) continue;
+        const QFileInfo info(element.local_filename);
+        if (!info.exists() || !info.isFile() || !info.isReadable()) continue;
+        QFile file(element.local_filename);
+        if (!file.open(QIODevice::ReadOnly)) continue;
+
+        body += "--" + boundary + "\r\nContent-Disposition: form-data; name=\"" +
+                element.variable_name.toUtf8() + "\"; filename=\"" +
+                HttpRequestWorker::requestFilename(element).toUtf8() + "\"\r\n";
+        if (!element.mime_type.isEmpty()) body += "Content-Type: " + element.mime_type.toUtf8() + "\r\n";
+        body += "Content-Transfer-Encoding: binary\r\n\r\n";
+        body += file.readAll();
+        body += "\r\n";
+    }
+    body += "--" + boundary + "--";
+    return body;
+}
+
+}  // namespace
+
+HttpRequestWorker::HttpRequestWorker(QObject* parent)
+    : QObject(parent), manager(new QNetworkAccessManager(this)) {
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    qsrand(static_cast<uint>(QDateTime::currentSecsSinceEpoch()));
+    QT_WARNING_POP
+}
+
+HttpRequestWorker::~HttpRequestWorker() {
+    response.clear();
+}
+
+void HttpRequestWorker::setProxy(_PROXY_MODE_ mode, QString host, QString user, QString password) {
+    proxy.reset(new Proxy{mode, std::move(host), std::move(user), std::move(password)});
+}
+
+int HttpRequestWorker::execute(HttpRequestInput* input) {
+    clearOutcome();
+
+    if (!input->files.isEmpty()) {
+        input->var_layout = kVarsInMultipart;
+    } else if (input->var_layout == kVarsNotSet) {
+        const bool inUrl =
+            input->http_method == QLatin1String("GET") || input->http_method == QLatin1String("HEAD");
+        input->var_layout = inUrl ? kVarsInUrl : kVarsInForm;
+    }
+
+    QByteArray body;
+    QByteArray contentType;
+    if (input->var_layout == kVarsInUrl) {
+        // The URL isn't looked at: one that has a query gets a second "?".
+        if (!input->vars.isEmpty()) input->url_str += '?' + QString::fromLatin1(formText(*input));
+    } else if (input->var_layout == kVarsInForm) {
+        body = formText(*input);
+        contentType = "application/x-www-form-urlencoded;charset=UTF-8";
+    } else {
+        const QByteArray boundary = makeBoundary();
+        body = multipartBody(*input, boundary);
+        contentType = "multipart/form-data; boundary=" + boundary;
+    }
+
+    QBuffer buffer(&body);
+    buffer.open(QIODevice::ReadOnly);
+    OneWayBody oneWay(buffer);
+    Exchange exchange(*this, send(*input, makeRequest(*input, contentType, kWithPragma), oneWay));
+    return wait_for_finished(reply, input->timeout_msec);
+}
+
+int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
+    QEventLoop loop;
+    connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QTimer timer;
+    bool timedOut = false;
+    // A reply that has ended already sends no signal any more.
+    if (!reply->isFinished()) {
+        if (msec >= 0) {
+            timer.setSingleShot(true);
+            connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+            timer.start(msec);
+        }
+        loop.exec();
+        timedOut = msec >= 0 && !timer.isActive();
+        timer.stop();
+    }
+    disconnect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+
+    if (timedOut) {
+        reply->abort();
+        error_type = QNetworkReply::TimeoutError;
+        http_status = kStatusTimeOut;
+    } else {
+        // The loop was ended from outside, as an application that quits does to every loop of its thread.
+        if (!reply->isFinished()) reply->abort();
+        error_type = reply->error();
+        http_status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        response = reply->readAll();
+        error_str = reply->errorString();
+        // Inside a tunnel Qt keeps the proxy's 407 to itself.
+        if (error_type == QNetworkReply::ProxyAuthenticationRequiredError && http_status == 0) {
+            http_status = kStatusProxyAuthentication;
+        }
+        // Qt wanted to send the body again; what happened is that the host closed the connection.
+        if (error_type == QNetworkReply::ContentReSendError) {
+            error_type = QNetworkReply::RemoteHostClosedError;
+        }
+    }
+    reply->deleteLater();
+    return error_type;
+}
+
+HttpRequestWorker::Exchange::Exchange(HttpRequestWorker& worker, QNetworkReply* reply) : m_worker(worker) {
+    m_worker.reply = reply;
+}
+
+HttpRequestWorker::Exchange::~Exchange() {
+    end();
+}
+
+void HttpRequestWorker::Exchange::end() {
+    QNetworkReply* const reply = std::exchange(m_worker.reply, nullptr);
+    if (reply == nullptr) return;
+    reply->disconnect(&m_worker);
+    reply->abort();
+    delete reply;
+}
+
+void HttpRequestWorker::clearOutcome() {
+    response.clear();
+    error_type = QNetworkReply::NoError;
+    error_str.clear();
+    http_status = 200;
+}
+
+QNetworkRequest HttpRequestWorker::makeRequest(const HttpRequestInput& input, const QByteArray& contentType,
+                                               PragmaHeader pragma) {
+    QNetworkRequest request(QUrl(input.url_str, QUrl::TolerantMode));
+    if (input.secure) request.setSslConfiguration(QSslConfiguration::defaultConfiguration());
+    request.setHeader(QNetworkRequest::UserAgentHeader, input.agent_name);
+    if (!contentType.isEmpty()) request.setHeader(QNetworkRequest::ContentTypeHeader, contentType);
+    request.setRawHeader("Connection", "Keep-Alive");
+    request.setRawHeader("Cache-Control", "no-cache");
+    if (pragma == kWithPragma) request.setRawHeader("Pragma", "no-cache");
+    for (const auto& header : input.raw_headers) {
+        request.setRawHeader(header.first.toUtf8(), header.second.toUtf8());
+    }
+    return request;
+}
+
+void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
+    if (proxy == nullptr) return;
+    if (proxy->mode != kProxyManual) {
+        manager->setProxy(QNetworkProxy(QNetworkProxy::DefaultProxy));
+        return;
+    }
+    const int colon = proxy->host.lastIndexOf(':');
+    const QString host = colon < 0 ? proxy->host : proxy->host.left(colon);
+    // Signed on purpose: a port above 32767 counts as none, and that must stay.
+    const short port = colon < 0 ? short(0) : proxy->host.mid(colon + 1).toShort(nullptr, 10);
+    QNetworkProxy networkProxy(QNetworkProxy::HttpProxy, host, static_cast<quint16>(port));
+    if (hasBody && request.url().scheme() != QLatin1String("https")) {
+        // After a proxy's challenge Qt would send the body again, which goes out only once.
+        if (!proxy->user.isEmpty()) {
+            request.setRawHeader("Proxy-Authorization",
+                                 "Basic " + (proxy->user + ':' + proxy->password).toUtf8().toBase64());
+        }
+    } else {
+        networkProxy.setUser(proxy->user);
+        networkProxy.setPassword(proxy->password);
+    }
+    manager->setProxy(networkProxy);
+}
+
+QNetworkReply* HttpRequestWorker::send(const HttpRequestInput& input, QNetworkRequest request,
+                                       QIODevice& body) {
+    const QString& method = input.http_method;
+    const bool withBody = hasBody(method);
+    applyProxy(request, withBody);
+    if (withBody) request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
+
+    QNetworkReply* sent;
+    if (method == QLatin1String("GET")) {
+        sent = manager->get(request);
+    } else if (method == QLatin1String("POST")) {
+        sent = manager->post(request, &body);
+    } else if (method == QLatin1String("PUT")) {
+        sent = manager->put(request, &body);
+    } else if (method == QLatin1String("HEAD")) {
+        sent = manager->head(request);
+    } else if (method == QLatin1String("DELETE")) {
+        sent = manager->deleteResource(request);
+    } else {
+        sent = manager->sendCustomRequest(request, method.toLatin1(), &body);
+    }
+    // Certificates aren't verified: servers live on addresses that no certificate names.
+    if (input.secure) sent->ignoreSslErrors();
+    return sent;
+}
+
+QByteArray HttpRequestWorker::makeBoundary() {
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    const int random = qrand();
+    QT_WARNING_POP
+    return "__-----------------------" + QByteArray::number(QDateTime::currentMSecsSinceEpoch()) +
+           QByteArray::number(random);
+}
+
+QByteArray HttpRequestWorker::formText(const HttpRequestInput& input) {
+    QByteArray text;
+    for (const auto& var : input.vars) {
+        if (!text.isEmpty()) text += '&';
+        text += QUrl::toPercentEncoding(var.first) + '=' + QUrl::toPercentEncoding(var.second);
+    }
+    return text;
+}
+
+QString HttpRequestWorker::requestFilename(const HttpRequestInputFileElement& element) {
+    if (!element.request_filename.isEmpty()) return element.request_filename;
+    const QString name = QFileInfo(element.local_filename).fileName();
+    return name.isEmpty() ? QStringLiteral("file") : name;
+}
+
+quint32 HttpRequestWorker::report(quint32 streamNumber, quint32 reason) {
+    return m_callback(llTotalFileSize, llTotalBytesTransferred, llStreamSize, llStreamBytesTransferred,
+                      streamNumber, reason, nullptr, nullptr, m_lpData);
+}

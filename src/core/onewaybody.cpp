@@ -1,0 +1,30 @@
+#include "core/onewaybody.h"
+
+OneWayBody::OneWayBody(QIODevice& source) : m_source(source) {
+    // Unbuffered: Qt shall see the source's end and size as they are.
+    QIODevice::open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
+qint64 OneWayBody::size() const {
+    return m_source.size();
+}
+
+bool OneWayBody::reset() {
+    return false;
+}
+
+// QIODevice may seek to where it stands before it reads.
+bool OneWayBody::seek(qint64 position) {
+    return position == pos() && QIODevice::seek(position);
+}
+
+qint64 OneWayBody::readData(char* data, qint64 maxSize) {
+    const qint64 count = m_source.read(data, maxSize);
+    // A source that runs dry early (a file that can't be read any more) is an error: told 0, Qt would wait
+    // for bytes that never come.
+    return count > 0 || maxSize == 0 ? count : -1;
+}
+
+qint64 OneWayBody::writeData(const char*, qint64) {
+    return -1;
+}
