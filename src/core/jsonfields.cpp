@@ -1,0 +1,81 @@
+#include "core/jsonfields.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "core/Utils.h"
+
+namespace {
+
+const Json::Value* Member(const Json::Value& value, const char* key) {
+    return key ? value.find(key, key + std::strlen(key)) : nullptr;
+}
+
+template <class Number, class Read>
+Number GetNumber(const Json::Value& value, const char* key, Number def, Read read) {
+    const Json::Value* member = Member(value, key);
+    if (!member) {
+        return def;
+    }
+    if (member->isNumeric()) {
+        return member->asInt();
+    }
+    return member->isString() ? static_cast<Number>(read(member->asCString(), nullptr, 10)) : def;
+}
+
+/// The member's text in UTF-8, without a copy where it is one already.
+template <class Use>
+auto WithText(const Json::Value* member, Use use) {
+    if (!member) {
+        return use("");
+    }
+    return member->isString() ? use(member->asCString()) : use(member->asString().c_str());
+}
+
+}  // namespace
+
+int JsonGetInt(const Json::Value& value, const char* key, int def) {
+    return GetNumber(value, key, def, std::strtol);
+}
+
+long long JsonGetInt64(const Json::Value& value, const char* key, long long def) {
+    return GetNumber(value, key, def, std::strtoll);
+}
+
+void JsonGetString(const Json::Value& value, const char* key, wchar_t* out) {
+    if (!out) {
+        return;
+    }
+    WithText(Member(value, key), [out](const char* text) {
+        if (Utf8ToUnicode_1(text, out, jsonTextCapacity) != 1) {
+            out[0] = L'\0';
+        }
+    });
+}
+
+namespace Lattice {
+
+std::wstring JsonText(const Json::Value& value, const char* key) {
+    wchar_t buffer[jsonTextCapacity];
+    JsonGetString(value, key, buffer);
+    return buffer;
+}
+
+bool JsonTextIs(const Json::Value& value, const char* key, const char* expected) {
+    return WithText(Member(value, key),
+                    [expected](const char* text) { return std::strcmp(text, expected) == 0; });
+}
+
+bool ReadJson(const char* text, Json::Value& root) {
+    if (!text) {
+        return false;
+    }
+    // The newer reader refuses what some servers send behind the value.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    Json::Reader reader;
+    return reader.parse(text, text + std::strlen(text), root, false);
+#pragma GCC diagnostic pop
+}
+
+}  // namespace Lattice
