@@ -867,7 +867,7 @@ private:
             if (!writeAll(goOn.data(), goOn.size())) return false;
         }
         if (reply.m_readPiece > 0) {
-            const int small = 4096;  // or the kernel takes the whole body by itself
+            const int small = 64 << 10;  // or the kernel takes the whole body by itself
             ::setsockopt(m_fd, SOL_SOCKET, SO_RCVBUF, &small, sizeof(small));
         }
 
