@@ -21,6 +21,11 @@ int main(int argc, char** argv) {
                              "HTTPS_PROXY", "ALL_PROXY", "NO_PROXY"}) {
         unsetenv(name);
     }
+    // Qt names the locale in "Accept-Language", and its rules can switch debug output off.
+    setenv("LC_ALL", "C.UTF-8", 1);
+    unsetenv("LANGUAGE");
+    unsetenv("QT_LOGGING_RULES");
+    unsetenv("QT_MESSAGE_PATTERN");
     std::signal(SIGPIPE, SIG_IGN);
     if (std::getenv("TORVI_TEST_VERBOSE") == nullptr) qInstallMessageHandler(quietHandler);
     QCoreApplication application(argc, argv);
