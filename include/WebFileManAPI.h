@@ -1,3 +1,123 @@
+/// @file WebFileManAPI.h
+/// libTorviAPI: the client side of a NAS's file and sync service.
+///
+/// A session, from end to end:
+///
+///     WFMInitialization            the log (may be left out)
+///     TorviLogin                   makes a session: _WFM_AUTH_CONTEXT
+///     WFMUpdateTeamFolderInfo      tells it the team folders
+///     WFMCloneAuthContext          a copy for each worker thread
+///     ...                          list, stat, upload, download
+///     TorviLogout                  ends the session on the server
+///     WFMFreeAuthContext           frees the record, and each clone
+///     WFMUnInitialization          writes out and closes the log
+///
+/// @section numbers The two numbers of every call
+///
+/// A call returns `dwStatus`, which says how far the exchange got, and fills `*resultWord`, which says what
+/// the server answered. A call has done its work when both are 0; either may fail without the other. The
+/// calls report by numbers alone and throw nothing; a progress callback must not throw either.
+///
+/// | dwStatus | Meaning                                                                                  |
+/// |----------|------------------------------------------------------------------------------------------|
+/// | 0        | a reply came and was understood; whether it says yes is the result word                  |
+/// | 2        | not connected, connection lost, or time-out: network errors 1 to 99                      |
+/// | 6        | any other network error: HTTP 400 and above, a fault of proxy or protocol, a broken URL  |
+/// | 7        | the caller's list or buffer can't take the reply                                         |
+/// | 8        | an argument is refused, or there is no `QCoreApplication`: nothing sent, nothing written |
+/// | 10       | HTTP 404, in the calls that say so: the server doesn't have this service                 |
+/// | 11       | HTTP 407: the proxy wants other credentials                                              |
+/// | 12       | HTTP 503: the server is there and not ready                                              |
+/// | 14       | the reply wasn't understood (nor is a 3xx or an empty one), or a login was refused       |
+/// | 87, 122  | in place of 8 and 7: WFMGetUseNuboCGI, WFMGetSlaveID, WFMGetSid                          |
+///
+/// Every call may return 8, and every call that sends a request 2, 6, 11, 12 and 14; the tables below tell
+/// what is particular to a call.
+///
+/// The result word becomes 0xFFFFFFFF (-1) before anything else and stays so while `dwStatus` isn't 0, but
+/// for the cases that a call's table lists. -1 together with `dwStatus` 0 means that the server refused for a
+/// reason that the call has no number for; the log has it. The word is unsigned: compare it as `int32_t` with
+/// the negative ones.
+///
+/// | Client code | Meaning                          | Client code | Meaning                                 |
+/// |-------------|----------------------------------|-------------|-----------------------------------------|
+/// | -3          | permission denied                | -29         | the session has ended                   |
+/// | -4          | failed, or no such file          | -31         | data that can't be trusted              |
+/// | -6          | quota used up                    | -37         | the cluster node isn't ready            |
+/// | -7          | can't be opened, or illegal name | -40         | this node takes no logins               |
+/// | -8          | the server insists on HTTPS      | -42         | name too long                           |
+/// | -15         | exists already                   | -43         | a slice landed, call again              |
+/// | -23         | buffer too small                 | -44         | the user's home folder is not available |
+///
+/// Other codes are server statuses without a name (status in brackets): -2 (0), -5 (7), -9 (-1), -10 (-2),
+/// -11 (-4), -12 (-10), -13 (-15), -14 (-16), -17 (-20), -24 (8), -25 (-8), -26 (-12), -27 (-13), -28 (-14),
+/// -30 (-18), -32 to -35 (-40 to -43), -36 (-19), -41 (-6).
+///
+/// | System-style | Meaning                        | System-style | Meaning                                 |
+/// |--------------|--------------------------------|--------------|-----------------------------------------|
+/// | 2            | file not found                 | 112          | quota used up                           |
+/// | 3            | path not found                 | 1231         | this machine has no network             |
+/// | 5            | access denied                  | 1235         | stopped by the caller (listing, upload) |
+/// | 13           | the data don't fit each other  | 1237         | stopped by the caller (download)        |
+/// | 18           | no more files                  | 1244         | the session has ended                   |
+/// | 50           | not supported by the server    | 53           | the server can't be reached             |
+/// | 87           | the server's number is invalid |              |                                         |
+///
+/// Each call uses client codes or system-style numbers, never both for the same thing; its table says which.
+///
+/// @section arguments Arguments that are the same everywhere
+///
+/// - Texts are NUL-terminated `wchar_t` (UTF-32); every length and capacity counts wide characters, the
+///   terminator included. The library copies what it keeps: arguments may go when the call returns.
+/// - `server` is a host name or an address without scheme, an IPv6 address in square brackets. A context
+///   doesn't keep server and port; pass them to every call.
+/// - `slaveID` names the cluster node that a request is for; null or empty is the node of the session. It
+///   counts only in a session that has a slave id of its own (WFMGetSlaveID). The node that
+///   WFMUpdateTeamFolderInfo gave for a team folder goes before it.
+/// - Paths are absolute and separated by "/". Paths below "/home/.Torvi/" go to the team folder that was told
+///   for them; one that matches none is sent as it stands.
+/// - `agentName` becomes the User-Agent header.
+/// - `proxyMode` 2 is a manual HTTP proxy at `proxyHost`, which is "host:port" with a port up to 32767. 0
+///   (none given) and 1 (the system's) use the process's default, which is the `http_proxy` of the
+///   environment unless the application has set another by `QNetworkProxyFactory`; the proxy texts are then
+///   ignored. The three texts may be null.
+/// - `forwardedFor` is the address that a client on the NAS itself acts for; sent only if `server` is
+///   "127.0.0.1".
+/// - `reserved` arguments are ignored; pass 0 or null.
+/// - A URL is cut at 2047 characters without a word, and its last parameters are lost. In a path, letters,
+///   digits, "-", "." and "_" take one character of it and so does each character beyond ASCII; all others
+///   take three. The session id and 150 characters for the rest come on top.
+///
+/// @section network On the network
+///
+/// - Certificates are **not verified**, on any request. HTTPS keeps listeners out, not impostors.
+/// - Redirects aren't followed and nothing is retried by the library. The network stack may repeat a GET on a
+///   connection that died before an answer; a POST or PUT reaches a server once at most.
+/// - The time-out covers a whole exchange, from connecting to the last byte: 60 seconds unless a call says
+///   otherwise. Transfers have none.
+///
+/// @section threads Threads
+///
+/// - A call blocks and may come from any thread, `std::thread` included; the thread needs no event loop. The
+///   process needs a `QCoreApplication` (it doesn't have to be in `exec()`), or else the call returns 8.
+/// - While a call waits, timers, sockets and queued slots of the caller's own thread run too. In a user
+///   interface's thread that includes its events, so that a second call may begin inside the first.
+/// - A context isn't locked. Calls only read it, so several threads may use one, except while one of them
+///   runs WFMUpdateTeamFolderInfo or WFMFreeAuthContext on it. Give each worker thread a clone.
+/// - A `bool*` cancel or stop flag may be null, and may be set from another thread while the call runs. Where
+///   a call reads it is said there; none of them wakes a call that waits.
+///
+/// @section ownership Ownership
+///
+/// The caller owns contexts, `QFile` objects, buffers, records and every list that a call hands out. The
+/// library keeps no pointer of them. A list is an array from `new[]` of records from `new`; there is no free
+/// function:
+///
+///     for (uint32_t i = 0; i < count; ++i) delete list[i];
+///     delete[] list;
+///
+/// Texts in records are always terminated. A text from the server never overruns its field.
+
 #ifndef WEBFILEMANAPI_H
 #define WEBFILEMANAPI_H
 
@@ -5,44 +125,98 @@
 
 #include <cstdint>
 
+/// Marks what the library exports.
 #define TORVIAPI_EXPORT __attribute__((visibility("default")))
 
 class QFile;
 
+/// A session: what a login leaves behind. Opaque; made by TorviLogin and WFMCloneAuthContext, freed by
+/// WFMFreeAuthContext alone.
+///
+/// It holds the session id, the node's slave id, secure flag, agent name, proxy and team folders. **The proxy
+/// password stands in it in clear**, and the memory isn't wiped when it is freed.
 struct _WFM_AUTH_CONTEXT;
 
+/// Version of a server, filled by WFMGetVersion.
 struct _WFM_VERSION_INFORMATION {
-    wchar_t szVersion[260];
-    wchar_t szBuildNumber[260];
+    wchar_t szVersion[260];      ///< firmware version, as "5.2.1"; terminated
+    wchar_t szBuildNumber[260];  ///< build, as the server writes it; terminated
 };
 
+/// The addresses under which a server can be reached, by its own account; filled by TorviLogin.
+///
+/// What the server doesn't tell is empty or 0, and so is a text that doesn't fit. All texts are terminated.
 struct _WFM_NETWORK_INFORMATION {
-    wchar_t szPeltnetDomainName[260];
-    wchar_t szDdnsDomainName[260];
-    wchar_t szExternalIP[260];
-    wchar_t szLocalIP[260];
-    wchar_t szReserved[260];
-    wchar_t szLocalIPList[2080];
-    int32_t nPort;
-    int32_t nSslPort;
-    int32_t nExtPort;
-    int32_t nExtSslPort;
+    wchar_t szPeltnetDomainName[260];  ///< name at the maker's remote-access service
+    wchar_t szDdnsDomainName[260];     ///< dynamic DNS name
+    wchar_t szExternalIP[260];         ///< address towards the internet
+    wchar_t szLocalIP[260];            ///< address in the local network
+    wchar_t szReserved[260];           ///< always empty
+    wchar_t szLocalIPList[2080];       ///< all local addresses, one text as the server sends it
+    int32_t nPort;                     ///< HTTP port in the local network
+    int32_t nSslPort;                  ///< HTTPS port in the local network
+    int32_t nExtPort;                  ///< HTTP port towards the internet
+    int32_t nExtSslPort;               ///< HTTPS port towards the internet
 };
 
+/// One listed or stat-ed path. 17472 bytes, so that a page of 1000 takes 17 MB.
+///
+/// Only the fields that the call's `fieldMask` selects are filled, and only by the calls named; the others
+/// are 0, empty or false, nPrivilegeEx -1. Records of team folders that WFMGetNodeList puts into a listing
+/// are filled whatever the mask.
+///
+/// | Bit   | Selects        | Bit   | Selects                                                      |
+/// |-------|----------------|-------|--------------------------------------------------------------|
+/// | 0x001 | dwAccess       | 0x020 | szPathName                                                   |
+/// | 0x002 | llModifiedTime | 0x040 | dwNuboType, szShareID                                        |
+/// | 0x004 | llSecondTime   | 0x080 | nPrivilegeEx                                                 |
+/// | 0x008 | bIsFolder      | 0x100 | nPrivilegeEx, with the question whether an upload is allowed |
+/// | 0x010 | llSize         | 0x200 | bHasChild                                                    |
 struct _WFM_PATH_INFORMATION {
-    wchar_t szPathName[4096];
-    uint32_t dwAccess;
-    int32_t nPrivilegeEx;
-    bool bIsFolder;
-    bool bExists;
-    bool bHasChild;
-    int64_t llSize;
-    int64_t llModifiedTime;
-    int64_t llSecondTime;
-    uint32_t dwNuboType;
-    wchar_t szShareID[260];
+    wchar_t szPathName[4096];  ///< leaf name, 2047 characters at most, terminated
+    uint32_t dwAccess;         ///< 0 none, 1 read, 2 read and write
+    int32_t nPrivilegeEx;      ///< WFMGetPathInformation only: the server's number, 0 to 2; -1 unknown
+    bool bIsFolder;            ///< false is a file, if bit 0x008 was given
+    bool bExists;              ///< needs no bit; not set by WFMGetFolderList and WFMGetFolderInformation
+    bool bHasChild;  ///< WFMGetNodeList with bit 0x200 and type filter 6; else true for folders, or nothing
+    int64_t llSize;  ///< bytes; 0 from WFMGetFolderList and WFMGetFolderInformation
+    int64_t llModifiedTime;  ///< seconds since the epoch; 0 if the server has none
+    int64_t llSecondTime;    ///< the same time once more
+    uint32_t dwNuboType;     ///< WFMGetNodeList only: the server's kind of share, 8 for a team folder
+    wchar_t szShareID[260];  ///< WFMGetNodeList only: id of the share, empty if there is none; terminated
 };
 
+/// Progress of a transfer, asked for a verdict: 0 goes on, 1 stops.
+///
+/// Other verdicts stop as well and mean something else: 2 says that the data can't be trusted (13 or -31),
+/// and from 3 on a **download that was stopped reports success**. Use 0 and 1. After a 1 the callback may be
+/// called once more; it should say 1 again.
+///
+/// @param llTotalFileSize          bytes of the whole file, as the caller gave or the call found them
+/// @param llTotalBytesTransferred  bytes done, counted from the start of the file; a resumed download begins
+///                                 at its offset
+/// @param llStreamSize             as llTotalFileSize
+/// @param llStreamBytesTransferred as llTotalBytesTransferred
+/// @param dwStreamNumber           1; 0 in the closing call of an upload
+/// @param dwCallbackReason         1 in the opening call, else 0
+/// @param hSourceFile              null
+/// @param hDestinationFile         null
+/// @param lpData                   the pointer that was passed to the call; may be null
+///
+/// All calls come on the thread that runs the transfer, in this order:
+///
+/// | Call     | Arguments 5, 6 | When                                          | A verdict of 1      |
+/// |----------|----------------|-----------------------------------------------|---------------------|
+/// | opening  | 1, 1           | once the request is issued, with 0 bytes done | upload: ends it     |
+/// | progress | 1, 0           | as file bytes pass                            | aborts the transfer |
+/// | closing  | 0, 0           | uploads only, once, after the reply           | plain upload: 1235  |
+///
+/// A download isn't ended by the opening call: it begins, and the next verdict replaces that one. The closing
+/// call comes when all file bytes went out or the exchange failed, not after a stop; its verdict should be 0,
+/// or else WFMUploadFilewithHandle reports 1235 although the file may be there.
+///
+/// The callback doesn't run while nothing moves, so it can't stop a transfer whose peer went silent. It must
+/// not block for long, and must not throw.
 typedef uint32_t (*WFMProgressCallback)(int64_t llTotalFileSize, int64_t llTotalBytesTransferred,
                                         int64_t llStreamSize, int64_t llStreamBytesTransferred,
                                         uint32_t dwStreamNumber, uint32_t dwCallbackReason, void* hSourceFile,
@@ -50,89 +224,600 @@ typedef uint32_t (*WFMProgressCallback)(int64_t llTotalFileSize, int64_t llTotal
 
 extern "C" {
 
+/// @name Start, end and log
+/// One logger serves both families, WFM and WFMShare. Lines go to Qt's debug output and, once a file is set,
+/// to that file, from a thread of their own: calls never wait for the disk. A line reads "[14:03:22] [Error]
+/// [WFM] WFMGetVersion: WFM_PARSE_XML_FAIL"; a failed call leaves two, the reason and a summary, with server,
+/// port and paths in them. All calls of this group return 0, run on any thread and need no
+/// `QCoreApplication`.
+/// @{
+
+/// Opens the log. Optional: without it, errors go to debug output only.
+/// @param level      mask, not a threshold: the sum of 1 trace, 2 performance, 4 debug, 8 info, 16 warning,
+///                   32 error. 63 is everything, 32 the default, 0 nothing
+/// @param logDir     existing folder, with or without "/" at its end, for "TorviWFMLibLog.log"; empty means
+///                   "/". Ignored unless logToFile
+/// @param logToFile  false leaves the file as it is, set or not
+/// @param append     false empties the file first
+/// @return 0, also if the file can't be opened: lines then go to debug output only
+///
+/// Twice: the level is the last one set; the file is the first one opened, by either family, until
+/// WFMUnInitialization. The file isn't bounded: see WFMReOpenLogFile and WFMClearLog. Next: a login, such as
+/// TorviLogin.
 TORVIAPI_EXPORT uint32_t WFMInitialization(uint32_t level, QString logDir, bool logToFile, bool append);
+
+/// Writes every line posted so far and, to a file that took any, "===============Finish
+/// Logging================"; closes the file and ends the logger's thread. To be called when no other call
+/// runs; the last call of a program.
+/// @return 0
+///
+/// Twice, or together with WFMShareUnInitialization in either order, or never: safe. A call that comes later
+/// all the same doesn't crash; it logs errors to debug output until the next WFMInitialization.
 TORVIAPI_EXPORT uint32_t WFMUnInitialization();
+
+/// Sets the level mask.
+/// @param level  as for WFMInitialization
+/// @return 0
+///
+/// Takes effect with the next line, on all threads. Twice: safe.
 TORVIAPI_EXPORT uint32_t WFMUpdateDebugLevel(uint32_t level);
+
+/// Closes the log file and opens it again under its name: the second half of a rotation, after the file was
+/// renamed. Does nothing without a file.
+/// @return 0
+///
+/// Twice: safe.
 TORVIAPI_EXPORT uint32_t WFMReOpenLogFile();
+
+/// Empties the log file. Lines on their way are written behind it. Does nothing without a file.
+/// @return 0
+///
+/// Twice: safe.
 TORVIAPI_EXPORT uint32_t WFMClearLog();
 
+/// @}
+/// @name Sessions as records
+/// These calls send nothing and need no `QCoreApplication`.
+/// @{
+
+/// Makes a deep copy of a session for another thread. Both share one session on the server: a logout ends it
+/// for all of them.
+/// @param source  not null; only read
+/// @param clone   receives the copy, to be freed by WFMFreeAuthContext; not null. Set it to null before the
+///                call: it is written on success alone, and **it is what tells success, not the return
+///                value**
+///
+/// | Return | *clone    | When                                             |
+/// |--------|-----------|--------------------------------------------------|
+/// | 1      | the clone | success; the one function whose success isn't 0  |
+/// | 1      | untouched | a null argument                                  |
+/// | 0      | untouched | the source has no session id, or memory is short |
+///
+/// Team lists are copied up to their first null or empty entry. Twice: makes two clones. Next: the thread's
+/// calls, then WFMFreeAuthContext. A clone outlives its source.
 TORVIAPI_EXPORT uint32_t WFMCloneAuthContext(const _WFM_AUTH_CONTEXT* source, _WFM_AUTH_CONTEXT** clone);
+
+/// Frees a session record and all it holds. Sends nothing: the session goes on at the server until
+/// TorviLogout.
+/// @param context  may be null
+/// @return 0
+///
+/// Twice on the same record: not safe. Not while a call uses it.
 TORVIAPI_EXPORT uint32_t WFMFreeAuthContext(_WFM_AUTH_CONTEXT* context);
-TORVIAPI_EXPORT uint32_t WFMUpdateTeamFolderInfo(_WFM_AUTH_CONTEXT* context, int32_t count, wchar_t** oriPaths,
-                                                 wchar_t** teamFolderPaths, wchar_t** slaveIDs);
+
+/// Replaces the team folders of a session. Their entries run in parallel: index i of each list is one folder.
+/// @param context          not null; not while another thread uses it
+/// @param count            entries in each list; below 1 clears the session's lists
+/// @param oriPaths         paths as the client sees them, "/home/.Torvi/<name>/". **The "/" at the end is
+///                         needed**, or the entry matches its neighbours too. Null clears
+/// @param teamFolderPaths  paths as the server has them, "vtf://<place>/", with "/" at the end. Null clears
+/// @param slaveIDs         the cluster node of each folder, all non-empty. May be null only if the session
+///                         has no slave id of its own (WFMGetSlaveID); otherwise null clears
+///
+/// | Return          | When                                   |
+/// |-----------------|----------------------------------------|
+/// | 0               | replaced, or cleared                   |
+/// | 8               | no context                             |
+/// | 0xFFFFFFFF (-1) | memory is short; the lists are cleared |
+///
+/// Texts are copied; each list is read up to its first null or empty entry, later folders are then not
+/// mapped. If one entry's path is the beginning of another's, the one that stands earlier wins. Clones made
+/// before keep the old lists. Twice: the last call counts. Next: WFMGetNodeList on "/home/.Torvi", which
+/// shows the folders.
+TORVIAPI_EXPORT uint32_t WFMUpdateTeamFolderInfo(_WFM_AUTH_CONTEXT* context, int32_t count,
+                                                 wchar_t** oriPaths, wchar_t** teamFolderPaths,
+                                                 wchar_t** slaveIDs);
+
+/// Tells which service the session speaks.
+/// @param context     not null
+/// @param useNuboCGI  receives true for the sync service (TorviLogin), false for the web file manager; not
+///                    null
+/// @return 0, or 87 for a null argument
+///
+/// Twice: safe.
 TORVIAPI_EXPORT uint32_t WFMGetUseNuboCGI(const _WFM_AUTH_CONTEXT* context, bool* useNuboCGI);
+
+/// Copies the slave id of the session's own node; empty outside a cluster.
+/// @param context   not null
+/// @param capacity  in: wide characters in `buffer`, terminator included, not 0; 260 is always enough. Out:
+///                  only with 122, what is needed. Not null
+/// @param buffer    receives the id with its terminator; not null
+///
+/// | Return | When                                                           |
+/// |--------|----------------------------------------------------------------|
+/// | 0      | copied; an empty id is a success too                           |
+/// | 87     | a null argument, or a capacity of 0                            |
+/// | 122    | too small; the buffer is untouched, *capacity is what it takes |
+///
+/// Twice: safe.
 TORVIAPI_EXPORT uint32_t WFMGetSlaveID(const _WFM_AUTH_CONTEXT* context, uint32_t* capacity, wchar_t* buffer);
+
+/// Copies the session id. Whoever has it has the session: keep it out of logs.
+/// @param context   not null
+/// @param capacity  as for WFMGetSlaveID; 260 is always enough
+/// @param buffer    receives the id with its terminator; not null
+/// @return as WFMGetSlaveID
+///
+/// Twice: safe.
 TORVIAPI_EXPORT uint32_t WFMGetSid(const _WFM_AUTH_CONTEXT* context, uint32_t* capacity, wchar_t* buffer);
 
+/// @}
+
+/// Whether this machine has a network at all: an interface that is up, isn't the loopback and has an address.
+/// Sends nothing, and doesn't tell whether any server can be reached; WFMGetVersion does. Writes the
+/// interfaces that it looks at to debug output. Twice: safe, on any thread.
 TORVIAPI_EXPORT bool IsNetworkAlive();
 
-TORVIAPI_EXPORT uint32_t WFMGetVersion(const wchar_t* server, uint32_t port, const wchar_t* agentName, bool secure,
-                                       uint32_t proxyMode, const wchar_t* proxyHost, const wchar_t* proxyUser,
-                                       const wchar_t* proxyPassword, const wchar_t* forwardedFor, uint64_t reserved,
-                                       uint32_t* resultWord, _WFM_VERSION_INFORMATION* version);
+/// @name Calls without a session
+/// @{
 
+/// Asks a server for its version. Needs no session: the cheapest way to see whether a server is there.
+/// @param server,port    where; not null or empty, not 0
+/// @param agentName      null or empty takes "VEXAWebFileMan"
+/// @param secure         HTTPS
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor,reserved  as in the file comment
+/// @param resultWord     not null
+/// @param version        not null; zeroed first, filled when both numbers are 0
+///
+/// | dwStatus | Result word | When                                                |
+/// |----------|-------------|-----------------------------------------------------|
+/// | 0        | 0           | version and build are filled                        |
+/// | 0        | 50          | the server tells no version or no build: not usable |
+/// | 10       | -1          | HTTP 404: not such a server                         |
+/// | 14       | -1          | something else answers at this port                 |
+///
+/// Time-out 60 seconds. Twice: safe. Next: TorviLogin.
+TORVIAPI_EXPORT uint32_t WFMGetVersion(const wchar_t* server, uint32_t port, const wchar_t* agentName,
+                                       bool secure, uint32_t proxyMode, const wchar_t* proxyHost,
+                                       const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                       const wchar_t* forwardedFor, uint64_t reserved, uint32_t* resultWord,
+                                       _WFM_VERSION_INFORMATION* version);
+
+/// Opens a session at the sync service and makes its context. The password travels as base64, not hashed: use
+/// `secure`, and know that the certificate isn't verified.
+/// @param server,port         where; not null or empty, not 0
+/// @param user                not null or empty
+/// @param password            not null; may be empty
+/// @param secure              HTTPS, for this and all later calls of the session
+/// @param computerName        name of the client machine; not null or empty
+/// @param uid                 identity of the client installation, the same at each login; not null or empty
+/// @param agentName           kept for all calls, 259 characters at most. Null or empty takes a default here,
+///                            but **WFMGetNodeList then refuses with 8**: give one
+/// @param deviceType          the server's number for the kind of client; sent as given
+/// @param serverNameCapacity  wide characters in serverName, not 0; 260 is always enough
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor  as in the file comment; kept for all
+///           calls, each text if it has 259 characters at most
+/// @param clientVersion       version of the client; not null or empty
+/// @param reserved1,reserved2 0
+/// @param timeoutMs           milliseconds; null or a 0 takes 15000
+/// @param useFcgi             true if the server has "torvisrv.fcgi"; kept for the calls that can use it
+/// @param serverName          receives the server's name; not null. Untouched on failure, and when the name
+///                            doesn't fit: put an empty text into it first
+/// @param isAdmin             receives whether the user is an administrator; false on failure. Not null
+/// @param isSlave             receives whether the node has a slave id, that is, is one of a cluster; false
+///                            on failure. Not null
+/// @param resultWord          receives why; client codes. Not null
+/// @param context             receives the session, to be freed by WFMFreeAuthContext. Untouched on failure;
+///                            not null
+/// @param network             may be null. Filled whatever came of it, unless the call was refused with 8
+///
+/// | dwStatus | Result word | When                                                                          |
+/// |----------|-------------|-------------------------------------------------------------------------------|
+/// | 0        | 0           | logged in                                                                     |
+/// | 0        | -37         | logged in at a cluster node that isn't ready                                  |
+/// | 14       | -8          | HTTP 302: call again with `secure` and the HTTPS port                         |
+/// | 14       | -37         | the node isn't ready; `network` has addresses of the others                   |
+/// | 14       | -40         | the node takes no logins                                                      |
+/// | 14       | 0           | accepted, but without a session id that can be used                           |
+/// | 14       | other       | **refused, as with a wrong password: the client code of the server's status** |
+/// | 10       | -1          | HTTP 404: call again without useFcgi, or this server has no sync service      |
+/// | 6        | -1          | also a reply that isn't understood                                            |
+///
+/// Twice: opens a second session at the server and overwrites *context; log out and free the first. Next:
+/// WFMUpdateTeamFolderInfo; WFMGetNodeList; in the end TorviLogout and WFMFreeAuthContext.
 TORVIAPI_EXPORT uint32_t TorviLogin(const wchar_t* server, int32_t port, const wchar_t* user,
                                     const wchar_t* password, bool secure, const wchar_t* computerName,
                                     const wchar_t* uid, const wchar_t* agentName, uint32_t deviceType,
                                     uint32_t serverNameCapacity, uint32_t proxyMode, const wchar_t* proxyHost,
                                     const wchar_t* proxyUser, const wchar_t* proxyPassword,
-                                    const wchar_t* forwardedFor, const wchar_t* clientVersion, uint64_t reserved1,
-                                    const uint32_t* timeoutMs, bool useFcgi, wchar_t* serverName, bool* isAdmin,
-                                    bool* isSlave, uint32_t* resultWord, _WFM_AUTH_CONTEXT** context,
-                                    uint64_t reserved2, _WFM_NETWORK_INFORMATION* network);
-TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool force, _WFM_AUTH_CONTEXT* context);
+                                    const wchar_t* forwardedFor, const wchar_t* clientVersion,
+                                    uint64_t reserved1, const uint32_t* timeoutMs, bool useFcgi,
+                                    wchar_t* serverName, bool* isAdmin, bool* isSlave, uint32_t* resultWord,
+                                    _WFM_AUTH_CONTEXT** context, uint64_t reserved2,
+                                    _WFM_NETWORK_INFORMATION* network);
 
+/// @}
+
+/// Ends a session at the server, for the context and all its clones. The context is neither changed nor
+/// freed.
+/// @param server,port  where; not null or empty, not 0
+/// @param force        false: a context with a slave id sends nothing, for it shares its session with the
+///                     master, whose logout ends it. True: log out all the same
+/// @param context      not null
+///
+/// | dwStatus | When                                                               |
+/// |----------|--------------------------------------------------------------------|
+/// | 0        | logged out; or a slave's context without `force`: nothing was sent |
+/// | 14       | the server refused or wasn't understood; the session may live on   |
+///
+/// There is no result word. Time-out 30 seconds. Twice: harmless, the second mostly gives 14. Next:
+/// WFMFreeAuthContext, whatever came back.
+TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool force,
+                                     _WFM_AUTH_CONTEXT* context);
+
+/// @name Listing and stat
+/// These calls change nothing on the server: calling twice is safe. Time-out 60 seconds each. Of the cancel
+/// flags only WFMGetNodeList's is read.
+/// @{
+
+/// Lists a folder page by page, newest first. A listing of "/home/.Torvi" with folders in its type filter
+/// begins with the session's team folders, as if they lay there.
+/// @param context,server,port  the session and where; its agent name must not be empty, or else 8
+/// @param slaveID     null, or the node to ask
+/// @param pattern     names to keep, "*" and "?" are wild, upper and lower case are the same; "*" keeps all.
+///                    Works on this side, page by page: it saves no traffic. Not null or empty
+/// @param path        the folder; a "/" in front is added. Not null or empty
+/// @param typeFilter  sum of 1 files, 2 folders, 4 ask whether folders have children (with 2 and without 1
+///                    only); not 0
+/// @param fieldMask   fields to fill, see _WFM_PATH_INFORMATION; not 0. Names need 0x20
+/// @param cancel      may be null. Read when the page has come: a set flag gives 1235 and no list
+/// @param limit       entries asked for, team folders included; not checked, give at least 1
+/// @param wantSort    true sorts by time, newest first; false takes the server's order
+/// @param resultWord  not null
+/// @param total       receives the number of entries of all pages before the pattern; may be null
+/// @param start       in: entries to skip, 0 at first. Out: what the next page passes. Not null
+/// @param count       receives the records of this page, 0 on failure; not null
+/// @param teamIndex,teamCount  the listing's memory of the team folders between pages: 0 at first, then left
+///                             alone. Not null
+/// @param list        receives the records, to be freed as the file comment shows; null if there are none.
+///                    Not null
+///
+/// | dwStatus | Result word | When                                                                  |
+/// |----------|-------------|-----------------------------------------------------------------------|
+/// | 0        | 0           | `count` records                                                       |
+/// | 0        | 18          | no more files: an empty folder, **or one that is refused, see below** |
+/// | 0        | -1          | the page has nothing that the filters keep; more pages may follow     |
+/// | any      | 1235        | the cancel flag is set                                                |
+/// | 2        | 1231        | not connected, and this machine has no network                        |
+/// | 2        | 53          | not connected                                                         |
+/// | 6        | -1          | also a type filter without 1 and 2                                    |
+///
+/// **18 doesn't say that the folder is there and empty.** A missing or denied folder and a session that has
+/// ended look the same; WFMGetPathInformation tells the first two (3 and 5), WFMGetFolderList the last
+/// (1244).
+///
+/// Team folders at hand make a page a success even if the server's half of it failed; the next page then
+/// tells. So go on until a page brings no news, rather than to `total`:
+///
+///     uint32_t word, total, start = 0, count, teamIndex = 0, teamCount = 0;
+///     for (;;) {
+///         const uint32_t before = start + teamIndex;
+///         _WFM_PATH_INFORMATION** list = nullptr;
+///         const uint32_t status =
+///             WFMGetNodeList(session, L"nas", 8080, nullptr, L"*", L"/Public", 3, 0x3b, nullptr, 500, true,
+///                            &word, &total, &start, &count, &teamIndex, &teamCount, &list);
+///         if (status != 0 || (word != 0 && word != 0xFFFFFFFF)) break;  // failed, or 18: the end
+///         for (uint32_t i = 0; i < count; ++i) {
+///             std::wcout << list[i]->szPathName << L'\n';
+///             delete list[i];
+///         }
+///         delete[] list;
+///         if (start + teamIndex == before) break;  // the end
+///     }
+///
+/// Entries that come or go between two pages shift the rest: an entry may show twice or be missed. Next: the
+/// transfers, with the path and the name.
 TORVIAPI_EXPORT uint32_t WFMGetNodeList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                         const wchar_t* slaveID, const wchar_t* pattern, const wchar_t* path,
                                         uint32_t typeFilter, uint32_t fieldMask, bool* cancel, uint32_t limit,
                                         bool wantSort, uint32_t* resultWord, uint32_t* total, uint32_t* start,
                                         uint32_t* count, uint32_t* teamIndex, uint32_t* teamCount,
                                         _WFM_PATH_INFORMATION*** list);
+
+/// Lists the folders in a node of the server's folder tree, all at once. Team folders aren't mapped.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param fieldMask   0x01, 0x08, 0x10 and 0x20 count here
+/// @param node        the server's name of the node: a path, or "share_root" for the shares. Not null or
+///                    empty
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @param count       receives the number of records; not null
+/// @param list        receives the records, to be freed as the file comment shows. Not null
+///
+/// | dwStatus | Result word | When                                                          |
+/// |----------|-------------|---------------------------------------------------------------|
+/// | 0        | 0           | the folders, maybe none; also if the server refused otherwise |
+/// | 0        | 5           | access denied                                                 |
+/// | 0        | 1244        | the session has ended: log in again                           |
 TORVIAPI_EXPORT uint32_t WFMGetFolderList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, uint32_t fieldMask, const wchar_t* node,
                                           bool* cancel, uint32_t* resultWord, uint32_t* count,
                                           _WFM_PATH_INFORMATION*** list);
-TORVIAPI_EXPORT uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                                 const wchar_t* slaveID, const wchar_t* parent,
+
+/// Looks for one folder in its parent's listing of folders. The way to ask for a share; files are not found.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID         null, or the node to ask
+/// @param parent          "/" for the shares; a "/" in front is added. Not null or empty
+/// @param name            the folder's name, the case counts; a "/" in front is cut. Not null or empty
+/// @param fieldMask       0x01, 0x08, 0x10 and 0x20 count here
+/// @param serverSidePath  true: `parent` is a "vtf://" path already and isn't mapped
+/// @param cancel          not read; may be null
+/// @param resultWord      not null
+/// @param information     may be null; zeroed first, filled when both numbers are 0
+///
+/// | dwStatus | Result word | When                                                     |
+/// |----------|-------------|----------------------------------------------------------|
+/// | 0        | 0           | found                                                    |
+/// | 0        | 3           | no such folder, or the server refused for another reason |
+/// | 0        | 5           | access denied                                            |
+TORVIAPI_EXPORT uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID, const wchar_t* parent,
                                                  const wchar_t* name, uint32_t fieldMask, bool serverSidePath,
                                                  bool* cancel, uint32_t* resultWord,
                                                  _WFM_PATH_INFORMATION* information);
-TORVIAPI_EXPORT uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                               const wchar_t* slaveID, const wchar_t* name, const wchar_t* parent,
-                                               uint32_t fieldMask, uint32_t typeFilter, bool serverSidePath,
-                                               bool* cancel, uint32_t* resultWord,
+
+/// Tells what one path is: the stat call. **`name` comes before `parent`.**
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID         null, or the node to ask
+/// @param name            leaf name, the case counts; not null or empty
+/// @param parent          its folder; a "/" in front is added. Not null or empty
+/// @param fieldMask       fields to fill, not 0; 0x40 and 0x200 have no effect here. 0x80 or 0x100 ask for
+///                        the privilege, 0x100 also whether an upload to the path would be allowed
+/// @param typeFilter      1 files, 2 folders, 3 or 0 either
+/// @param serverSidePath  true: `parent` is a "vtf://" path already and isn't mapped
+/// @param cancel          not read; may be null
+/// @param resultWord      not null
+/// @param information     not null; zeroed first, nPrivilegeEx -1
+///
+/// | dwStatus | Result word | When                                                                         |
+/// |----------|-------------|------------------------------------------------------------------------------|
+/// | 0        | 0           | found, `information` is filled                                               |
+/// | 0        | 3           | no such path, or not of this type; in a team folder also: access denied      |
+/// | 0        | 5           | access denied                                                                |
+/// | 0        | -1          | refused otherwise, as when the session has ended                             |
+/// | 14       | -1          | also a reply with no entry, a field mask of 0, a type filter without 1 and 2 |
+///
+/// With field mask 0x100 nPrivilegeEx is filled with 3 too: it tells whether the path could be made.
+TORVIAPI_EXPORT uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, const wchar_t* slaveID, const wchar_t* name,
+                                               const wchar_t* parent, uint32_t fieldMask, uint32_t typeFilter,
+                                               bool serverSidePath, bool* cancel, uint32_t* resultWord,
                                                _WFM_PATH_INFORMATION* information);
+
+/// Tells whether a path is a folder.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask
+/// @param path         folder and name together; not null or empty
+/// @param cancel       not read; may be null
+/// @param resultWord   not null
+/// @param isDirectory  false until proven; not null
+/// @return numbers as WFMGetPathInformation: 0 and 0 is an answer, 0 and 3 says that there is no such path
 TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, const wchar_t* path, bool* cancel,
                                             uint32_t* resultWord, bool* isDirectory);
+
+/// Tells whether a path is there, as the type that is asked for.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID         null, or the node to ask
+/// @param path            folder and name together; a "/" in front is added. Not null or empty
+/// @param wantFolder      true: a folder is looked for, false: a file. Shares, as "/Public", are looked for
+///                        in either case
+/// @param serverSidePath  true: `path` is a "vtf://" path already and isn't mapped
+/// @param cancel          not read; may be null
+/// @param resultWord      not null
+/// @param isPresent       false until proven; not null
+///
+/// | dwStatus | Result word | When                                                               |
+/// |----------|-------------|--------------------------------------------------------------------|
+/// | 0        | 0           | present                                                            |
+/// | 0        | 3           | not present, or of the other type                                  |
+/// | 0        | 5           | access denied; a share is then present, another path is not proven |
+/// | 0        | -1          | refused otherwise                                                  |
+/// | 14       | any         | also "/", and a share that the server spells otherwise             |
 TORVIAPI_EXPORT uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, const wchar_t* path, bool wantFolder,
-                                          bool serverSidePath, bool* cancel, uint32_t* resultWord, bool* isPresent);
+                                          bool serverSidePath, bool* cancel, uint32_t* resultWord,
+                                          bool* isPresent);
+
+/// Adds up the bytes below a folder, on the server. **`name` comes before `parent`.**
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param name        leaf name; not null or empty
+/// @param parent      its folder; a "/" in front is added. Not null or empty
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @param size        receives the bytes, when both numbers are 0; not null
+///
+/// | dwStatus | Result word | When                                               |
+/// |----------|-------------|----------------------------------------------------|
+/// | 0        | 0           | `size` is filled                                   |
+/// | 0        | 3           | no such path                                       |
+/// | 0        | 5           | access denied                                      |
+/// | 0        | 87          | the server's number isn't one                      |
+/// | 0        | -1          | refused otherwise                                  |
+/// | 2        | -1          | also a server that adds for longer than 60 seconds |
 TORVIAPI_EXPORT uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, const wchar_t* name, const wchar_t* parent,
                                           bool* cancel, uint32_t* resultWord, int64_t* size);
 
+/// @}
+
+/// Makes an empty file. **A file that is there already becomes empty**: ask WFMIsPathPresent first.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together; not null or empty
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+///
+/// | dwStatus | Result word | When                                   |
+/// |----------|-------------|----------------------------------------|
+/// | 0        | 0           | an empty file is there                 |
+/// | 0        | 5           | access denied                          |
+/// | 0        | 112         | quota used up                          |
+/// | 0        | -1          | refused otherwise                      |
+/// | 2, 6     | -1          | not known: the file may have been made |
+///
+/// Time-out 60 seconds. Twice: empties the file again. Next: WFMTorviUploadandMovewithHandle to fill it.
 TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                        const wchar_t* slaveID, const wchar_t* path, bool* cancel,
                                        uint32_t* resultWord);
 
-TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                                 const wchar_t* slaveID, const wchar_t* remotePath, QFile* file,
-                                                 const int64_t* offset, const int64_t* size, void* lpData,
-                                                 WFMProgressCallback callback, bool* stop, uint32_t* resultWord);
+/// @name Transfers
+/// They have no time-out and last as long as bytes flow: a peer that falls silent without closing holds the
+/// call. `callback` and `lpData` may be null; see WFMProgressCallback. Memory doesn't grow with the file's
+/// size.
+/// @{
 
-TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                                 const wchar_t* slaveID, QFile* file, const wchar_t* destination,
-                                                 void* lpData, WFMProgressCallback callback, uint32_t overwrite,
+/// Downloads a file, or its end from an offset on, into the caller's file.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param remotePath  folder and name together, with "/" in front; not null or empty
+/// @param file        the caller's, with a file name set; needn't be open. It is closed, opened for reading
+///                    and writing (made if missing), **not truncated**, written from the offset on, and
+///                    closed. Not null
+/// @param offset      bytes that are here already; null is 0 and leaves the word out of the request
+/// @param size        bytes that **the reply must announce**; null asks WFMGetPathInformation for the file's
+///                    size
+/// @param lpData,callback  progress; may be null
+/// @param stop        may be null. Read after the transfer only: the callback's verdict is what stops it
+/// @param resultWord  not null
+///
+/// From the start: offset null, size null or the file's size, and `file->resize(0)` before. To resume with n
+/// of N bytes here: offset n, and **size N - n**, for that is what the server announces. A size below the
+/// offset is refused with 8, so that a resume works only up to half of the file; from there on start anew. In
+/// a resumed download the callback counts from n up to N - n, and rests for the last n bytes.
+///
+/// | dwStatus | Result word | When                                                                       |
+/// |----------|-------------|----------------------------------------------------------------------------|
+/// | 0        | 0           | done, **or the connection broke half-way: compare `file->size()`**         |
+/// | 0        | 13          | the announced length isn't `size`; what `file` holds is void               |
+/// | 0        | 1237        | stopped by the callback, or the stop flag is set; `file` holds what came   |
+/// | 0        | 3, 5, -1    | size null: no such file, access denied, refused otherwise; nothing fetched |
+/// | 14       | 2           | no folder or no name in remotePath                                         |
+/// | 6        | 5           | `file` can't be opened for writing, and the file is there                  |
+/// | 6        | -1          | `file` can't be opened for writing                                         |
+/// | other    | -1          | size null: the question for the size failed                                |
+///
+/// 13 is a file that has changed, and also an error page (any HTTP error, a session that has ended, a
+/// refusal) and a server that wasn't reached. A remote file of 0 bytes is a success without a request: `file`
+/// isn't touched, not even made. A full disk isn't noticed: compare the sizes. Times aren't set. Twice:
+/// writes the same bytes again.
+TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID,
+                                                 const wchar_t* remotePath, QFile* file,
+                                                 const int64_t* offset, const int64_t* size, void* lpData,
+                                                 WFMProgressCallback callback, bool* stop,
+                                                 uint32_t* resultWord);
+
+/// Uploads a whole file. The server gives it the time of arrival.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask
+/// @param file         the caller's, open for reading, with a name: **the library opens the same path
+///                     again**, so unwritten data must be flushed. It stays open and where it is. Not null
+/// @param destination  folder and name together; not null or empty
+/// @param lpData,callback  progress; may be null
+/// @param overwrite    low byte only: 1 replaces a file that is there; what 0 does is up to the server
+/// @param reserved     null
+/// @param resultWord   system-style numbers; not null
+///
+/// | dwStatus | Result word | When                                                             |
+/// |----------|-------------|------------------------------------------------------------------|
+/// | 0        | 0           | the file is there                                                |
+/// | 0        | 5           | access denied                                                    |
+/// | 0        | 112         | quota used up                                                    |
+/// | 0        | 13          | the file ended short while it was sent                           |
+/// | 0        | 1235        | accepted, but not all bytes went out, or the closing call said 1 |
+/// | 0        | -1          | refused otherwise                                                |
+/// | 2        | 1235        | stopped by the callback                                          |
+/// | 2        | -1          | also a file whose size changed while it was sent                 |
+/// | 6        | -1          | also a file that can't be opened by its path                     |
+/// | 8        | untouched   | also a file that isn't there or isn't open for reading           |
+///
+/// After 2 and 6 the file may have arrived all the same: ask WFMGetPathInformation. Twice: sends it again.
+/// Next: WFMGetPathInformation, to learn the time that the server gave it.
+TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID, QFile* file,
+                                                 const wchar_t* destination, void* lpData,
+                                                 WFMProgressCallback callback, uint32_t overwrite,
                                                  void* reserved, uint32_t* resultWord);
+
+/// Uploads a whole file with its time, under a temporary name first: what a sync client uses.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask
+/// @param file          as for WFMUploadFilewithHandle
+/// @param destination   folder and name together; not null or empty
+/// @param uploadRoot    folder under which the server keeps the unfinished file; sent as given, not mapped.
+///                      Not null or empty
+/// @param renameTarget  the name to take instead, as the server wants it; sent as given, not mapped. Null or
+///                      empty: none
+/// @param fileSize      bytes, `file->size()`: told to the server and to the callback. What is sent is the
+///                      file as it is
+/// @param modifiedTime  seconds since the epoch; sent as given
+/// @param lpData,callback  progress; may be null
+/// @param overwrite     low byte only: 1 replaces a file that is there; what 0 does is up to the server
+/// @param reserved      null
+/// @param resultWord    client codes; not null
+///
+/// | dwStatus | Result word | When                                                                      |
+/// |----------|-------------|---------------------------------------------------------------------------|
+/// | 0        | 0           | the file is there                                                         |
+/// | 0        | other       | refused: the client code of the server's status                           |
+/// | 0        | -44         | the user's home folder is not available                                   |
+/// | any      | -31         | the file ended short while it was sent, or the callback said 2            |
+/// | 2        | -1          | stopped by the callback; not connected; the file's size changed meanwhile |
+/// | 6        | -1          | also a file that can't be opened by its path, or a negative fileSize      |
+/// | 8        | untouched   | also a file that isn't there or isn't open for reading                    |
+///
+/// A stop and a lost connection look alike: the callback knows which it was. After 2 and 6 the file may have
+/// arrived all the same: ask WFMGetPathInformation. Twice: sends it again.
 TORVIAPI_EXPORT uint32_t WFMTorviUploadandMovewithHandle(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID, QFile* file,
     const wchar_t* destination, const wchar_t* uploadRoot, const wchar_t* renameTarget, int64_t fileSize,
     int64_t modifiedTime, void* lpData, WFMProgressCallback callback, uint32_t overwrite, void* reserved,
     uint32_t* resultWord);
-TORVIAPI_EXPORT uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                                 const wchar_t* slaveID, const wchar_t* folder,
-                                                 const wchar_t* fileName, void* reserved, uint32_t* resultWord);
+
+/// Asks whether an upload would be denied. It answers that alone: whatever else is wrong counts as not
+/// denied.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param folder      where the file would go; null counts as empty
+/// @param fileName    its name; null counts as empty
+/// @param reserved    null
+/// @param resultWord  not null
+///
+/// | dwStatus | Result word | When                                                                      |
+/// |----------|-------------|---------------------------------------------------------------------------|
+/// | 0        | 0           | not denied; **also a missing folder, a session that ended, a full quota** |
+/// | 0        | 5           | denied                                                                    |
+///
+/// Time-out 60 seconds. Twice: safe. Next: an upload.
+TORVIAPI_EXPORT uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID, const wchar_t* folder,
+                                                 const wchar_t* fileName, void* reserved,
+                                                 uint32_t* resultWord);
+
+/// @}
 
 }  // extern "C"
 
