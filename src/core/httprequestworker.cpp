@@ -59,6 +59,20 @@ QByteArray multipartBody(const HttpRequestInput& input, const QByteArray& bounda
     return body;
 }
 
+QNetworkReply::NetworkError errorOfStatus(int status) {
+    if (status == kStatusProxyAuthentication) return QNetworkReply::ProxyAuthenticationRequiredError;
+    if (status >= 500) return QNetworkReply::UnknownServerError;
+    if (status >= 400) return QNetworkReply::UnknownContentError;
+    return QNetworkReply::NoError;
+}
+
+/// After a proxy's challenge Qt would send the body again, which goes out only once. So a request with a body
+/// brings the credentials at once. Inside a tunnel Qt has done with the proxy before the body.
+void addProxyAuthorization(QNetworkRequest& request, const QString& user, const QString& password) {
+    if (user.isEmpty()) return;
+    request.setRawHeader("Proxy-Authorization", "Basic " + (user + ':' + password).toUtf8().toBase64());
+}
+
 }  // namespace
 
 HttpRequestWorker::HttpRequestWorker(QObject* parent)
@@ -106,7 +120,7 @@ int HttpRequestWorker::execute(HttpRequestInput* input) {
     buffer.open(QIODevice::ReadOnly);
     OneWayBody oneWay(buffer);
     Exchange exchange(*this, send(*input, makeRequest(*input, contentType, kWithPragma), oneWay));
-    return wait_for_finished(reply, input->timeout_msec);
+    return finish(input->timeout_msec, oneWay);
 }
 
 int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
@@ -142,13 +156,35 @@ int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
         if (error_type == QNetworkReply::ProxyAuthenticationRequiredError && http_status == 0) {
             http_status = kStatusProxyAuthentication;
         }
-        // Qt wanted to send the body again; what happened is that the host closed the connection.
-        if (error_type == QNetworkReply::ContentReSendError) {
-            error_type = QNetworkReply::RemoteHostClosedError;
-        }
+        if (error_type == QNetworkReply::ContentReSendError) settleRefusedResend(*reply);
     }
     reply->deleteLater();
     return error_type;
+}
+
+int HttpRequestWorker::finish(int msec, const OneWayBody& body) {
+    wait_for_finished(reply, msec);
+    // A connection that breaks while Qt writes the body ends in an error without a name, depending on timing.
+    const bool brokeUnderBody =
+        error_type == QNetworkReply::UnknownNetworkError && body.pos() > 0 && !body.ranDry();
+    if (brokeUnderBody) error_type = QNetworkReply::RemoteHostClosedError;
+    return error_type;
+}
+
+/// Qt wanted to send the body again and couldn't.
+void HttpRequestWorker::settleRefusedResend(const QNetworkReply& reply) {
+    // It does so for a complete reply too: for a redirect that keeps the method, and now and then when the
+    // end of the connection was the end of the reply.
+    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+    const bool endsAtClose = !length.isValid() && !reply.hasRawHeader("Transfer-Encoding");
+    const bool complete = http_status != 0 && (http_status == 307 || http_status == 308 || endsAtClose ||
+                                               length.toLongLong() == response.size());
+    if (complete) {
+        error_type = errorOfStatus(http_status);
+    } else {
+        error_type = QNetworkReply::RemoteHostClosedError;
+        error_str = QStringLiteral("Connection closed");
+    }
 }
 
 HttpRequestWorker::Exchange::Exchange(HttpRequestWorker& worker, QNetworkReply* reply) : m_worker(worker) {
@@ -190,9 +226,18 @@ QNetworkRequest HttpRequestWorker::makeRequest(const HttpRequestInput& input, co
 }
 
 void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
-    if (proxy == nullptr) return;
-    if (proxy->mode != kProxyManual) {
-        manager->setProxy(QNetworkProxy(QNetworkProxy::DefaultProxy));
+    const bool plainBody = hasBody && request.url().scheme() != QLatin1String("https");
+    if (proxy == nullptr || proxy->mode != kProxyManual) {
+        if (proxy != nullptr) manager->setProxy(QNetworkProxy(QNetworkProxy::DefaultProxy));
+        if (!plainBody) return;
+        // The proxy that the application has set up.
+        const QList<QNetworkProxy> inUse =
+            QNetworkProxyFactory::proxyForQuery(QNetworkProxyQuery(request.url()));
+        if (inUse.isEmpty()) return;
+        const QNetworkProxy& first = inUse.first();
+        if (first.type() == QNetworkProxy::HttpProxy || first.type() == QNetworkProxy::HttpCachingProxy) {
+            addProxyAuthorization(request, first.user(), first.password());
+        }
         return;
     }
     const int colon = proxy->host.lastIndexOf(':');
@@ -200,12 +245,9 @@ void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
     // Signed on purpose: a port above 32767 counts as none, and that must stay.
     const short port = colon < 0 ? short(0) : proxy->host.mid(colon + 1).toShort(nullptr, 10);
     QNetworkProxy networkProxy(QNetworkProxy::HttpProxy, host, static_cast<quint16>(port));
-    if (hasBody && request.url().scheme() != QLatin1String("https")) {
-        // After a proxy's challenge Qt would send the body again, which goes out only once.
-        if (!proxy->user.isEmpty()) {
-            request.setRawHeader("Proxy-Authorization",
-                                 "Basic " + (proxy->user + ':' + proxy->password).toUtf8().toBase64());
-        }
+    if (plainBody) {
+        // Not to Qt as well: it would answer a refusal by sending them, and the body, once more.
+        addProxyAuthorization(request, proxy->user, proxy->password);
     } else {
         networkProxy.setUser(proxy->user);
         networkProxy.setPassword(proxy->password);
@@ -214,7 +256,7 @@ void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
 }
 
 QNetworkReply* HttpRequestWorker::send(const HttpRequestInput& input, QNetworkRequest request,
-                                       QIODevice& body) {
+                                       OneWayBody& body) {
     const QString& method = input.http_method;
     const bool withBody = hasBody(method);
     applyProxy(request, withBody);

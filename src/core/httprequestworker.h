@@ -9,10 +9,10 @@
 #include "core/httprequestinput.h"
 
 class QFile;
-class QIODevice;
 class QNetworkAccessManager;
 class QNetworkReply;
 class QNetworkRequest;
+class OneWayBody;
 
 /// Where a request's proxy comes from.
 enum _PROXY_MODE_ { kProxyNone = 0, kProxySystem = 1, kProxyManual = 2 };
@@ -81,8 +81,11 @@ private:
     static QNetworkRequest makeRequest(const HttpRequestInput& input, const QByteArray& contentType,
                                        PragmaHeader pragma);
     void applyProxy(QNetworkRequest& request, bool hasBody);
-    /// Issues the request. `body` is open and must outlive the reply; GET, HEAD and DELETE leave it alone.
-    QNetworkReply* send(const HttpRequestInput& input, QNetworkRequest request, QIODevice& body);
+    /// Issues the request. `body` must outlive the reply; GET, HEAD and DELETE leave it alone.
+    QNetworkReply* send(const HttpRequestInput& input, QNetworkRequest request, OneWayBody& body);
+    /// Waits for the reply and calls a connection that broke under the body by its name.
+    int finish(int msec, const OneWayBody& body);
+    void settleRefusedResend(const QNetworkReply& reply);
     static QByteArray makeBoundary();
     /// key=value pairs joined by "&".
     static QByteArray formText(const HttpRequestInput& input);

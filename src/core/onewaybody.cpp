@@ -20,9 +20,10 @@ bool OneWayBody::seek(qint64 position) {
 
 qint64 OneWayBody::readData(char* data, qint64 maxSize) {
     const qint64 count = m_source.read(data, maxSize);
-    // A source that runs dry early (a file that can't be read any more) is an error: told 0, Qt would wait
-    // for bytes that never come.
-    return count > 0 || maxSize == 0 ? count : -1;
+    if (count > 0 || maxSize == 0) return count;
+    // Told 0, Qt would wait for bytes that never come.
+    if (pos() < size()) m_ranDry = true;
+    return -1;
 }
 
 qint64 OneWayBody::writeData(const char*, qint64) {

@@ -19,10 +19,14 @@ public:
     bool reset() override;
     bool seek(qint64 position) override;
 
+    /// Whether the source ended before the body did.
+    bool ranDry() const { return m_ranDry; }
+
 protected:
     qint64 readData(char* data, qint64 maxSize) override;
     qint64 writeData(const char* data, qint64 maxSize) override;
 
 private:
     QIODevice& m_source;
+    bool m_ranDry = false;
 };

@@ -86,7 +86,7 @@ int HttpRequestWorker::download(HttpRequestInput* input, qint64 total, qint64 of
     connect(reply, &QNetworkReply::readyRead, this, &HttpRequestWorker::downloadReadyRead);
     // What is left at the end goes to the file, not to `response`.
     connect(reply, &QNetworkReply::finished, this, &HttpRequestWorker::downloadReadyRead);
-    wait_for_finished(reply, input->timeout_msec);
+    finish(input->timeout_msec, oneWay);
     exchange.end();
     m_file = nullptr;
     return 0;

@@ -117,7 +117,7 @@ int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool 
         llBodyFileBytes = body.filesize();
         connect(reply, &QNetworkReply::uploadProgress, this, &HttpRequestWorker::uploadProgress);
     }
-    const int error = wait_for_finished(reply, input->timeout_msec);
+    const int error = finish(input->timeout_msec, oneWay);
     exchange.end();
 
     if (dwProgress != 0 || bNoFileData) return error;
