@@ -139,8 +139,8 @@ struct _WFM_AUTH_CONTEXT;
 
 /// Version of a server, filled by WFMGetVersion.
 struct _WFM_VERSION_INFORMATION {
-    wchar_t szVersion[260];      ///< firmware version, as "5.2.1"; terminated
-    wchar_t szBuildNumber[260];  ///< build, as the server writes it; terminated
+    wchar_t szVersion[260];      ///< firmware version, as "5.2.1"; cut at 259, terminated
+    wchar_t szBuildNumber[260];  ///< build, as the server writes it; cut at 259, terminated
 };
 
 /// The addresses under which a server can be reached, by its own account; filled by TorviLogin.
@@ -177,7 +177,7 @@ struct _WFM_PATH_INFORMATION {
     uint32_t dwAccess;         ///< 0 none, 1 read, 2 read and write
     int32_t nPrivilegeEx;      ///< WFMGetPathInformation only: the server's number, 0 to 2; -1 unknown
     bool bIsFolder;            ///< false is a file, if bit 0x008 was given
-    bool bExists;              ///< needs no bit; not set by WFMGetFolderList and WFMGetFolderInformation
+    bool bExists;              ///< true in every record that a call hands out; needs no bit
     bool bHasChild;  ///< WFMGetNodeList with bit 0x200 and type filter 6; else true for folders, or nothing
     int64_t llSize;  ///< bytes; 0 from WFMGetFolderList and WFMGetFolderInformation
     int64_t llModifiedTime;  ///< seconds since the epoch; 0 if the server has none
@@ -501,6 +501,7 @@ TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool 
 /// | 2        | 1231        | not connected, and this machine has no network                        |
 /// | 2        | 53          | not connected                                                         |
 /// | 6        | -1          | also a type filter without 1 and 2                                    |
+/// | 8        | -1          | the session has no agent name                                         |
 ///
 /// **18 doesn't say that the folder is there and empty.** A missing or denied folder and a session that has
 /// ended look the same; WFMGetPathInformation tells the first two (3 and 5), WFMGetFolderList the last
@@ -525,8 +526,9 @@ TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool 
 ///         if (start + teamIndex == before) break;  // the end
 ///     }
 ///
-/// Entries that come or go between two pages shift the rest: an entry may show twice or be missed. Next: the
-/// transfers, with the path and the name.
+/// Entries that come or go between two pages shift the rest: an entry may show twice or be missed. Twice:
+/// safe; the same page anew needs the same start, teamIndex and teamCount. Next: the transfers, with path and
+/// name.
 TORVIAPI_EXPORT uint32_t WFMGetNodeList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                         const wchar_t* slaveID, const wchar_t* pattern, const wchar_t* path,
                                         uint32_t typeFilter, uint32_t fieldMask, bool* cancel, uint32_t limit,
@@ -543,13 +545,16 @@ TORVIAPI_EXPORT uint32_t WFMGetNodeList(_WFM_AUTH_CONTEXT* context, const wchar_
 /// @param cancel      not read; may be null
 /// @param resultWord  not null
 /// @param count       receives the number of records; not null
-/// @param list        receives the records, to be freed as the file comment shows. Not null
+/// @param list        receives the records, to be freed as the file comment shows; null if there are none.
+///                    Not null
 ///
 /// | dwStatus | Result word | When                                                          |
 /// |----------|-------------|---------------------------------------------------------------|
 /// | 0        | 0           | the folders, maybe none; also if the server refused otherwise |
 /// | 0        | 5           | access denied                                                 |
 /// | 0        | 1244        | the session has ended: log in again                           |
+///
+/// Twice: safe. Next: WFMGetFolderList on a child, or TorviLogin after 1244.
 TORVIAPI_EXPORT uint32_t WFMGetFolderList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, uint32_t fieldMask, const wchar_t* node,
                                           bool* cancel, uint32_t* resultWord, uint32_t* count,
@@ -571,6 +576,8 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderList(_WFM_AUTH_CONTEXT* context, const wcha
 /// | 0        | 0           | found                                                    |
 /// | 0        | 3           | no such folder, or the server refused for another reason |
 /// | 0        | 5           | access denied                                            |
+///
+/// Twice: safe. Next: WFMGetNodeList to list it.
 TORVIAPI_EXPORT uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, const wchar_t* slaveID, const wchar_t* parent,
                                                  const wchar_t* name, uint32_t fieldMask, bool serverSidePath,
@@ -598,7 +605,9 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, con
 /// | 0        | -1          | refused otherwise, as when the session has ended                             |
 /// | 14       | -1          | also a reply with no entry, a field mask of 0, a type filter without 1 and 2 |
 ///
-/// With field mask 0x100 nPrivilegeEx is filled with 3 too: it tells whether the path could be made.
+/// With field mask 0x100 nPrivilegeEx is filled with 3 too: it tells whether the path could be made. Shares,
+/// as "/Public", are asked for with WFMGetFolderInformation. Twice: safe. Next: a transfer, or
+/// WFMGetFolderSize.
 TORVIAPI_EXPORT uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, const wchar_t* slaveID, const wchar_t* name,
                                                const wchar_t* parent, uint32_t fieldMask, uint32_t typeFilter,
@@ -608,11 +617,21 @@ TORVIAPI_EXPORT uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const
 /// Tells whether a path is a folder.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID      null, or the node to ask
-/// @param path         folder and name together; not null or empty
+/// @param path         folder and name together, no "/" at the end; not null or empty
 /// @param cancel       not read; may be null
 /// @param resultWord   not null
 /// @param isDirectory  false until proven; not null
-/// @return numbers as WFMGetPathInformation: 0 and 0 is an answer, 0 and 3 says that there is no such path
+///
+/// | dwStatus | Result word | When                                                              |
+/// |----------|-------------|-------------------------------------------------------------------|
+/// | 0        | 0           | an answer: `isDirectory`                                          |
+/// | 0        | 3           | no such path                                                      |
+/// | 0        | 5           | access denied                                                     |
+/// | 0        | -1          | refused otherwise, as when the session has ended                  |
+/// | 8        | -1          | a share, as "/Public" (use WFMIsPathPresent), or a "/" at the end |
+/// | 14       | -1          | also a reply with no entry                                        |
+///
+/// Twice: safe. Next: WFMGetNodeList for a folder, WFMDownloadFileToHandle for a file.
 TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, const wchar_t* path, bool* cancel,
                                             uint32_t* resultWord, bool* isDirectory);
@@ -620,7 +639,8 @@ TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wc
 /// Tells whether a path is there, as the type that is asked for.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID         null, or the node to ask
-/// @param path            folder and name together; a "/" in front is added. Not null or empty
+/// @param path            folder and name together, no "/" at the end; a "/" in front is added. Not null or
+///                        empty
 /// @param wantFolder      true: a folder is looked for, false: a file. Shares, as "/Public", are looked for
 ///                        in either case
 /// @param serverSidePath  true: `path` is a "vtf://" path already and isn't mapped
@@ -635,6 +655,10 @@ TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wc
 /// | 0        | 5           | access denied; a share is then present, another path is not proven |
 /// | 0        | -1          | refused otherwise                                                  |
 /// | 14       | any         | also "/", and a share that the server spells otherwise             |
+/// | 8        | -1          | also a "/" at the end                                              |
+///
+/// A share that the user may not enter counts as present. Twice: safe. Next: WFMCreateFile or an upload if it
+/// isn't.
 TORVIAPI_EXPORT uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, const wchar_t* path, bool wantFolder,
                                           bool serverSidePath, bool* cancel, uint32_t* resultWord,
@@ -657,6 +681,8 @@ TORVIAPI_EXPORT uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wcha
 /// | 0        | 87          | the server's number isn't one                      |
 /// | 0        | -1          | refused otherwise                                  |
 /// | 2        | -1          | also a server that adds for longer than 60 seconds |
+///
+/// Twice: safe, but the server adds up anew.
 TORVIAPI_EXPORT uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, const wchar_t* name, const wchar_t* parent,
                                           bool* cancel, uint32_t* resultWord, int64_t* size);
@@ -722,7 +748,7 @@ TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t
 /// 13 is a file that has changed, and also an error page (any HTTP error, a session that has ended, a
 /// refusal) and a server that wasn't reached. A remote file of 0 bytes is a success without a request: `file`
 /// isn't touched, not even made. A full disk isn't noticed: compare the sizes. Times aren't set. Twice:
-/// writes the same bytes again.
+/// writes the same bytes again. Next: `file->size()` against WFMGetPathInformation.
 TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, const wchar_t* slaveID,
                                                  const wchar_t* remotePath, QFile* file,
@@ -790,7 +816,8 @@ TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, con
 /// | 8        | untouched   | also a file that isn't there or isn't open for reading                    |
 ///
 /// A stop and a lost connection look alike: the callback knows which it was. After 2 and 6 the file may have
-/// arrived all the same: ask WFMGetPathInformation. Twice: sends it again.
+/// arrived all the same: ask WFMGetPathInformation. Twice: sends it again. Next: TorviLogin after -29; else
+/// none.
 TORVIAPI_EXPORT uint32_t WFMTorviUploadandMovewithHandle(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID, QFile* file,
     const wchar_t* destination, const wchar_t* uploadRoot, const wchar_t* renameTarget, int64_t fileSize,
