@@ -190,7 +190,7 @@ struct _WFM_PATH_INFORMATION {
 ///
 /// Other verdicts stop as well and mean something else: 2 says that the data can't be trusted (13 or -31),
 /// and from 3 on a **download that was stopped reports success**. Use 0 and 1. After a 1 the callback may be
-/// called once more; it should say 1 again.
+/// called once more; it must say 1 again, for a 0 would take it back.
 ///
 /// @param llTotalFileSize          bytes of the whole file, as the caller gave or the call found them
 /// @param llTotalBytesTransferred  bytes done, counted from the start of the file; a resumed download begins
@@ -776,7 +776,8 @@ TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, con
 /// | 0        | 1235        | accepted, but not all bytes went out, or the closing call said 1 |
 /// | 0        | -1          | refused otherwise                                                |
 /// | 2        | 1235        | stopped by the callback                                          |
-/// | 2        | -1          | also a file whose size changed while it was sent                 |
+/// | 2        | -1          | not connected, or the file's size changed while it was sent      |
+/// | 2, 6     | 13          | the same without a callback, if not all bytes went out           |
 /// | 6        | -1          | also a file that can't be opened by its path                     |
 /// | 8        | untouched   | also a file that isn't there or isn't open for reading           |
 ///
@@ -810,8 +811,9 @@ TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, con
 /// | 0        | 0           | the file is there                                                         |
 /// | 0        | other       | refused: the client code of the server's status                           |
 /// | 0        | -44         | the user's home folder is not available                                   |
-/// | any      | -31         | the file ended short while it was sent, or the callback said 2            |
+/// | 0        | -31         | the file ended short while it was sent, or the closing call said 2        |
 /// | 2        | -1          | stopped by the callback; not connected; the file's size changed meanwhile |
+/// | 2, 6     | -31         | the same without a callback, if not all bytes went out                    |
 /// | 6        | -1          | also a file that can't be opened by its path, or a negative fileSize      |
 /// | 8        | untouched   | also a file that isn't there or isn't open for reading                    |
 ///
