@@ -1,0 +1,57 @@
+#include "files/GetNodeInfoJson.h"
+
+#include "core/replyfields.h"
+#include "files/PathRecord.h"
+
+using namespace Lattice;
+
+namespace {
+
+_WFM_PATH_INFORMATION Record(const PathEntry& entry, uint32_t fieldMask) {
+    _WFM_PATH_INFORMATION record = EmptyPathRecord();
+    record.bExists = true;
+    record.bHasChild = true;
+    bool hasChild = !IsPresent(entry.json, "have_child") || JsonGetInt(entry.json, "have_child", 0) != 0;
+    entry.fill(record, fieldMask);
+    if ((fieldMask & kFieldIsFolder) && !entry.isFolder) record.bHasChild = hasChild = false;
+    if (fieldMask & kFieldHasChild) record.bHasChild = hasChild;
+    if (fieldMask & kFieldShare) {
+        record.dwNuboType = static_cast<uint32_t>(JsonGetInt(entry.json, "nubo_type", 0));
+        const std::wstring shareID = JsonText(entry.json, "nubo_share_id");
+        if (shareID != L"---") CopyText(record.szShareID, shareID);
+    }
+    return record;
+}
+
+int Read(const Json::Value& root, CGetNodeInfoJson& reply) {
+    if (!root.isObject()) return 1;
+    const bool isWild = reply.pattern.find_first_of(L"*?") != std::wstring::npos;
+
+    reply.status = TranslatedStatus(root, 0);
+    if (reply.status == WFM_PERMISSION_DENY) return 1;
+    reply.total = static_cast<uint32_t>(JsonGetInt(root, "total", 0));
+    if (reply.total == 0 || !IsPresent(root, "datas")) return 1;
+    const Json::Value& entries = root["datas"];
+    reply.nextStart += entries.size();
+
+    for (const Json::Value& json : entries) {
+        const PathEntry entry(json);
+        if (entry.name.empty() || !wildCmp(reply.pattern.c_str(), entry.name.c_str(), 0)) continue;
+        if (entry.wantedBy(reply.typeFilter) && entry.exists)
+            reply.records.push_back(Record(entry, reply.fieldMask));
+        // One name was asked for, and this was it, kept or not.
+        if (!isWild) break;
+    }
+    return 1;
+}
+
+}  // namespace
+
+int CGetNodeInfoJson::Parser(char* text) {
+    CGetNodeInfoJson page = *this;
+    page.status = -1;
+    const int understood = ParseReply(text, [&](const Json::Value& root) { return Read(root, page); });
+    // Half a page must not move the listing on.
+    if (understood == 1) *this = std::move(page);
+    return understood;
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "core/authcontext.h"
+
+namespace Lattice {
+
+/// A path on the server, in the two texts in which requests name it, and the node that holds it.
+struct RemotePath {
+    std::wstring parent;
+    std::wstring name;
+    std::wstring slaveID{};  ///< empty when nothing was mapped or nothing is known of nodes
+    bool mapped = false;
+
+    /// The path is the root of a team folder.
+    bool isTeamRoot() const { return mapped && name.empty(); }
+};
+
+/// "/home/.Torvi", the virtual folder whose children are the team folders.
+bool IsTeamArea(const std::wstring& path);
+/// Whether the session has team folders that it can map.
+bool HasTeamFolders(const _WFM_AUTH_CONTEXT& context);
+
+/// Where a path of the client's tree lies on the server. A path that no team folder holds stays as it is.
+RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& parent,
+                             const std::wstring& name);
+/// The same for requests that name the path in one text, which comes back in `parent`.
+RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& path);
+
+}  // namespace Lattice

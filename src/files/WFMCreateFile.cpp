@@ -1,0 +1,40 @@
+#include "core/GetResultJson.h"
+#include "transfer/filepart.h"
+
+using namespace Lattice;
+
+uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                       const wchar_t* slaveID, const wchar_t* path, bool* /*cancel*/, uint32_t* resultWord) {
+    static constexpr auto rules = CallRules("[WFM] WFMCreateFile");
+    Call call(rules, context, server, port);
+    if (!call.accepts(path, resultWord)) return call.refuse();
+    call.begin(resultWord);
+
+    // A file is created by uploading nothing, and an existing one is emptied.
+    const RemotePath target = MapDestination(*context, path);
+    call.route(slaveID, target.slaveID);
+    AddFilePart(
+        call.post(L"func=upload&sid=%ls&dest_path=%ls&overwrite=%d", call.sid(), Encoded(target.parent), 1),
+        target.name, ToQString(target.name), 0);
+    if (!call.judge(call.worker().upload(call.input(), "Upload", true, nullptr, nullptr))) return call.end();
+
+    CWebFileManGetResultJson reply;
+    const int parsed = call.parse(reply);
+    if (parsed != 1 || !reply.GetResult()) {
+        call.line("[WFM] WFMCreateFile: WFM_PARSE_XML_FAIL nParseResult(%d) Result(%d)", parsed,
+                  reply.GetResult());
+        call.fail(WFM_PARSE_XML_FAIL);
+        return call.end();
+    }
+    if (reply.GetStatus() == 0) return call.answer(0);
+    call.line("[WFM] WFMCreateFile: get error status = %d, %ls", reply.GetStatus(),
+              (WithTrailingSlash(target.parent) + target.name).c_str());
+    switch (reply.GetStatus()) {
+        case WFM_PERMISSION_DENY:
+            return call.answer(ERROR_ACCESS_DENIED);
+        case WFM_QUOTA_ERROR:
+            return call.answer(ERROR_DISK_FULL);
+        default:
+            return call.end();
+    }
+}

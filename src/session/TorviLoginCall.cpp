@@ -1,0 +1,104 @@
+#include <QByteArray>
+
+#include "core/callframe.h"
+#include "session/TorviLogin.h"
+
+using namespace Lattice;
+
+namespace {
+
+constexpr uint32_t kDefaultTimeoutMs = 15000;
+
+/// The password travels as base64 of its UTF-8 bytes: no hash and no salt, TLS is what protects it.
+QString EncodedPassword(const wchar_t* password) {
+    return QString::fromLatin1(ToQString(password).toUtf8().toBase64());
+}
+
+void FillNetwork(const CTorviLogin& reply, _WFM_NETWORK_INFORMATION& network) {
+    network = {};
+    CopyText(network.szPeltnetDomainName, reply.peltnet_dn);
+    CopyText(network.szDdnsDomainName, reply.ddns_dn);
+    CopyText(network.szExternalIP, reply.ext_ip);
+    CopyText(network.szLocalIP, reply.local_ip);
+    CopyText(network.szLocalIPList, reply.local_ip_list);
+    network.nPort = reply.port;
+    network.nSslPort = reply.sslPort;
+    network.nExtPort = reply.extPort;
+    network.nExtSslPort = reply.extSslPort;
+}
+
+/// The session that the server opened: null if it opened none.
+AuthContextPtr OpenSession(const CTorviLogin& reply, const Connection& connection, bool useFcgi) {
+    if (reply.sid.empty()) return nullptr;
+    AuthContextPtr context = MakeAuthContext(reply.sid.c_str());
+    if (context == nullptr) return nullptr;
+    context->bUseNuboCGI = true;
+    context->bUseFcgi = useFcgi;
+    StoreConnection(*context, connection);
+    CopyText(context->szSlaveID, reply.slaveId);
+    return context;
+}
+
+}  // namespace
+
+uint32_t TorviLogin(const wchar_t* server, int32_t port, const wchar_t* user, const wchar_t* password,
+                    bool secure, const wchar_t* computerName, const wchar_t* uid, const wchar_t* agentName,
+                    uint32_t deviceType, uint32_t serverNameCapacity, uint32_t proxyMode,
+                    const wchar_t* proxyHost, const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                    const wchar_t* forwardedFor, const wchar_t* clientVersion, uint64_t /*reserved1*/,
+                    const uint32_t* timeoutMs, bool useFcgi, wchar_t* serverName, bool* isAdmin,
+                    bool* isSlave, uint32_t* resultWord, _WFM_AUTH_CONTEXT** context, uint64_t /*reserved2*/,
+                    _WFM_NETWORK_INFORMATION* network) {
+    static constexpr auto rules = CallRules("[WFM] TorviLogin")
+                                      .withOutcomes(kLoginOutcomes)
+                                      .withRefused("{call}: WFM_PARSE_XML_INVALID_PARAMETER")
+                                      .withSummary("{call} failed dwStatus({status})");
+    const Connection connection{server,      static_cast<uint32_t>(port),
+                                secure,      agentName,
+                                proxyMode,   proxyHost,
+                                proxyUser,   proxyPassword,
+                                forwardedFor};
+    Call call(rules, connection);
+    const bool passwordGiven = password != nullptr;  // it may be empty
+    if (!passwordGiven || !call.accepts(user, computerName, uid, serverNameCapacity, clientVersion,
+                                        serverName, isAdmin, isSlave, resultWord, context))
+        return call.refuse();
+    *isAdmin = *isSlave = false;
+    call.begin(resultWord);
+
+    call.setTimeout(timeoutMs != nullptr && *timeoutMs != 0 ? *timeoutMs : kDefaultTimeoutMs);
+    // The server is asked once; whether to try another CGI is the client's decision.
+    HttpRequestInput& request = call.postAt(useFcgi ? L"%ls%ls:%d/cgi-bin/torvi/torvisrv.fcgi?func=login"
+                                                    : L"%ls%ls:%d/cgi-bin/torvi/torvisrv_login.cgi");
+    request.add_var("user", ToQString(user));
+    request.add_var("pwd", EncodedPassword(password));
+    request.add_var("nubo_user", "1");
+    request.add_var("nubo_computer", ToQString(computerName));
+    request.add_var("uid", ToQString(uid));
+    request.add_var("nubo_device_type", QString::number(deviceType));
+    request.add_var("Torvi_client_version", ToQString(clientVersion));
+
+    // A redirect to TLS ends without a network error, with a body that isn't understood: the HTTP status
+    // decides.
+    CTorviLogin reply;
+    const int networkError = call.send();
+    if (networkError == 0 && call.parse(reply) == 1) {
+        call.setResult(reply.status);
+        if (reply.status != 0) call.line("[WFM] TorviLogin: AuthStatus(%d)", reply.status);
+    } else {
+        call.failByHttp(networkError);
+    }
+
+    if (network != nullptr) FillNetwork(reply, *network);
+    if (auto session = OpenSession(reply, connection, useFcgi)) {
+        *isSlave = IsGiven(std::as_const(session->szSlaveID));
+        CopyText(serverName, serverNameCapacity, reply.servername);
+        *isAdmin = reply.isAdmin;
+        *context = session.release();
+    } else if (call.status() == 0) {
+        // Despite its words this is the normal end of every refused login; the line has no prefix.
+        call.line("TorviLogin: Failed to allocate memory pSid");
+        call.fail(WFM_PARSE_XML_FAIL);
+    }
+    return call.end();
+}
