@@ -1,0 +1,116 @@
+#include "connection.h"
+
+#include <QNetworkProxyFactory>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "failure.h"
+#include "password.h"
+#include "profile.h"
+
+namespace torvi {
+namespace {
+
+QString text(const std::optional<std::string>& value) {
+    return QString::fromStdString(value.value_or(""));
+}
+
+void resolveProxy(Connection& connection) {
+    QString proxy = connection.proxy;
+    if (proxy.isEmpty() || proxy == QLatin1String("none")) return;
+    if (proxy == QLatin1String("system")) {
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+        connection.proxyMode = 1;
+        return;
+    }
+    if (proxy.startsWith(QLatin1String("http://"))) proxy.remove(0, 7);
+    if (proxy.endsWith(QLatin1Char('/'))) proxy.chop(1);
+    const int colon = proxy.lastIndexOf(QLatin1Char(':'));
+    bool numeric = false;
+    const int port = proxy.mid(colon + 1).toInt(&numeric);
+    // The library reads this port into 16 bits with a sign.
+    constexpr int kHighestPort = std::numeric_limits<short>::max();
+    if (colon < 1 || !numeric || port < 1 || port > kHighestPort) {
+        throw Failure(Exit::Usage,
+                      QStringLiteral("--proxy: %1 is neither none nor system nor HOST:PORT with a port "
+                                     "from 1 to %2")
+                          .arg(connection.proxy)
+                          .arg(kHighestPort));
+    }
+    connection.proxyMode = 2;
+    connection.proxyHost = proxy;
+}
+
+void resolveProxyPassword(Connection& connection, const GlobalOptions& options,
+                          const std::optional<Profile>& own) {
+    if (connection.proxyMode != 2 || connection.proxyUser.isEmpty()) return;
+    if (options.proxyPasswordFile) {
+        connection.proxyPassword = readPasswordFile(text(options.proxyPasswordFile));
+    } else if (const char* password = std::getenv("TORVI_PROXY_PASSWORD")) {
+        connection.proxyPassword = QString::fromUtf8(password);
+    } else if (own && own->proxyPassword && own->proxyUser == connection.proxyUser &&
+               own->proxy == connection.proxy) {
+        connection.proxyPassword = *own->proxyPassword;
+    } else {
+        connection.proxyPassword = askPassword(QStringLiteral("Password of %1 for the proxy %2: ")
+                                                   .arg(connection.proxyUser, connection.proxyHost));
+    }
+}
+
+void resolvePassword(Connection& connection, const GlobalOptions& options,
+                     const std::optional<Profile>& own) {
+    // A kept password goes to the place that it was kept for, and never in clear where it went over TLS.
+    const bool kept = own && own->password && own->user == connection.user && own->port == connection.port &&
+                      (connection.tls || !own->tls);
+    if (options.passwordFile) {
+        connection.password = readPasswordFile(text(options.passwordFile));
+    } else if (const char* password = std::getenv("TORVI_PASSWORD")) {
+        connection.password = QString::fromUtf8(password);
+    } else if (kept) {
+        connection.password = *own->password;
+    } else {
+        connection.password =
+            askPassword(QStringLiteral("Password of %1 at %2: ").arg(connection.user, connection.address()));
+    }
+}
+
+}  // namespace
+
+const wchar_t* agentName() {
+    return L"torvi";
+}
+
+Connection resolveConnection(const GlobalOptions& options, Needs needs) {
+    std::optional<Profile> own = loadProfile();
+    // The profile speaks of one server and says nothing about another.
+    if (own && options.server && text(options.server) != own->server) own.reset();
+
+    Connection connection;
+    connection.server = own ? own->server : text(options.server);
+    if (connection.server.isEmpty()) {
+        throw Failure(Exit::Usage,
+                      QStringLiteral("no server: give --server, or store one with `torvi login`"));
+    }
+    const Profile profile = own.value_or(Profile());
+    connection.tls = options.tls.value_or(profile.tls);
+    const bool sameScheme = own && profile.tls == connection.tls;
+    const int defaultPort = connection.tls ? 443 : 8080;
+    connection.port = options.port.value_or(sameScheme && profile.port > 0 ? profile.port : defaultPort);
+    connection.user = options.user ? text(options.user) : profile.user;
+    connection.proxy = options.proxy ? text(options.proxy) : profile.proxy;
+    connection.proxyUser = options.proxyUser ? text(options.proxyUser) : profile.proxyUser;
+    connection.node = options.node ? text(options.node) : profile.node;
+    connection.fcgi = options.fcgi.value_or(profile.fcgi);
+    connection.timeoutMs = static_cast<uint32_t>(std::lround(options.timeoutSeconds * 1000));
+
+    resolveProxy(connection);
+    if (needs == Needs::Login && connection.user.isEmpty()) {
+        throw Failure(Exit::Usage, QStringLiteral("no user: give --user, or store one with `torvi login`"));
+    }
+    resolveProxyPassword(connection, options, own);
+    if (needs == Needs::Login) resolvePassword(connection, options, own);
+    return connection;
+}
+
+}  // namespace torvi

@@ -1,0 +1,100 @@
+#include <langinfo.h>
+
+#include <QCoreApplication>
+#include <QTextCodec>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "failure.h"
+#include "options.h"
+#include "progress.h"
+#include "session.h"
+#include "signals.h"
+
+namespace {
+
+constexpr uint32_t kAllLevels = 63;
+
+/// Names and paths are UTF-8 on the wire; so they are here, whatever the locale.
+void useUtf8() {
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+void writeToStderr(QtMsgType, const QMessageLogContext&, const QString& message) {
+    std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+}
+
+void writeNothing(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+void startLog(bool verbose) {
+    qInstallMessageHandler(verbose ? writeToStderr : writeNothing);
+    if (verbose) {
+        WFMInitialization(kAllLevels, QString(), false, false);
+    } else {
+        WFMUpdateDebugLevel(0);
+    }
+}
+
+int run(const torvi::GlobalOptions& global, const torvi::Action& action) {
+    using namespace torvi;
+    const InterruptWatch watch([&global] {
+        Progress::endLine();
+        reportFailure(Failure(Exit::Cancelled, QStringLiteral("cancelled")), global.json);
+        // Nothing below this timer can be unwound. The server gets a short while to hear of it.
+        QTimer::singleShot(3000, [] { std::_Exit(static_cast<int>(Exit::Cancelled)); });
+        Session::endCurrent();
+        std::fflush(nullptr);
+        std::_Exit(static_cast<int>(Exit::Cancelled));
+    });
+    try {
+        action();
+        if (std::fflush(stdout) != 0)
+            throw Failure(Exit::Local, QStringLiteral("cannot write to standard output"));
+        return static_cast<int>(Exit::Ok);
+    } catch (const AlreadyReported& reported) {
+        return static_cast<int>(reported.exit());
+    } catch (const Failure& failure) {
+        reportFailure(failure, global.json);
+        return static_cast<int>(failure.exit());
+    } catch (const std::exception& error) {
+        reportFailure(Failure(Exit::Local, QString::fromUtf8(error.what())), global.json);
+        return static_cast<int>(Exit::Local);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // The arguments are the command line parser's alone.
+    int qtArgc = 1;
+    QCoreApplication application(qtArgc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("torvi"));
+    useUtf8();
+
+    torvi::GlobalOptions global;
+    torvi::Action action;
+    CLI::App app("Talks to a NAS: lists folders, moves files in both directions.", "torvi");
+    torvi::addGlobalOptions(app, global);
+    const torvi::Commands commands{app, global, action};
+    torvi::addSessionCommands(commands);
+    torvi::addListCommands(commands);
+    torvi::addPutCommand(commands);
+    torvi::addGetCommand(commands);
+    torvi::addFileCommands(commands);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? static_cast<int>(torvi::Exit::Ok)
+                                    : static_cast<int>(torvi::Exit::Usage);
+    }
+
+    torvi::installInterruptHandlers();
+    startLog(global.verbose);
+    const int code = run(global, action);
+    // Writes out what the log still holds.
+    WFMUnInitialization();
+    return code;
+}

@@ -1,0 +1,78 @@
+#include "options.h"
+
+namespace torvi {
+namespace {
+
+constexpr const char* kFooter = R"(
+Where a value comes from: the command line, then the environment (TORVI_SERVER, TORVI_PORT, TORVI_USER,
+TORVI_PASSWORD, TORVI_PROXY_USER, TORVI_PROXY_PASSWORD), then the profile that `torvi login` stored.
+The password is asked for on the terminal when none of these gives it.
+
+Examples:
+  torvi login --server nas.local --tls --user alice     store a profile, asks for the password
+  torvi ls /home --sort size --reverse                  the largest last first
+  torvi put report.pdf /home/                           upload, keeps the modification time
+  torvi get /home/film.mkv                              download; run again to resume
+  torvi ls /home --json | jq '.entries[].name'          for scripts
+
+Exit codes:
+  0  done                        6  permission denied
+  1  the server refused          7  cancelled (Ctrl-C)
+  2  wrong usage                 8  transfer or listing incomplete
+  3  cannot connect              9  a local file can't be read or written
+  4  not authenticated          10  exists already
+  5  not found                  11  no space or quota left on the server
+)";
+
+}  // namespace
+
+void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
+    app.footer(kFooter);
+    app.require_subcommand(1);
+    // Options of the program may stand behind the subcommand too.
+    app.fallthrough();
+    app.set_version_flag("--version", "torvi " TORVI_VERSION);
+
+    const char* connection = "Connection";
+    app.add_option("--server", options.server, "Host name or address")
+        ->envname("TORVI_SERVER")
+        ->group(connection);
+    app.add_option("--port", options.port, "Port (8080, or 443 with --tls)")
+        ->check(CLI::Range(1, 65535))
+        ->envname("TORVI_PORT")
+        ->group(connection);
+    app.add_flag("--tls,!--no-tls", options.tls, "Use HTTPS. The certificate is not verified")
+        ->group(connection);
+    app.add_option("--user", options.user, "User name")->envname("TORVI_USER")->group(connection);
+    app.add_option("--password-file", options.passwordFile,
+                   "Read the password from the file's first line; - is stdin")
+        ->type_name("FILE")
+        ->group(connection);
+    app.add_option("--timeout", options.timeoutSeconds, "Seconds that a login may take (15)")
+        ->check(CLI::Range(0.001, 86400.0))
+        ->type_name("SECONDS")
+        ->group(connection);
+    app.add_option("--node", options.node, "Slave id of the cluster node that has the path")
+        ->type_name("ID")
+        ->group(connection);
+    app.add_flag("--fcgi,!--no-fcgi", options.fcgi, "The server has the FastCGI end of the service")
+        ->group(connection);
+
+    const char* proxy = "Proxy";
+    app.add_option("--proxy", options.proxy, "none, system, or HOST:PORT of an HTTP proxy")->group(proxy);
+    app.add_option("--proxy-user", options.proxyUser, "User name for the proxy")
+        ->envname("TORVI_PROXY_USER")
+        ->group(proxy);
+    app.add_option("--proxy-password-file", options.proxyPasswordFile,
+                   "Read the proxy's password from the file's first line")
+        ->type_name("FILE")
+        ->group(proxy);
+
+    const char* output = "Output";
+    app.add_flag("--json", options.json, "Machine-readable output on stdout")->group(output);
+    app.add_flag("--quiet,-q", options.quiet, "No progress and no notes, only results and failures")
+        ->group(output);
+    app.add_flag("--verbose,-v", options.verbose, "Write the library's log to stderr")->group(output);
+}
+
+}  // namespace torvi

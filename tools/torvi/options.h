@@ -1,0 +1,47 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace torvi {
+
+/// What every command takes. A value that wasn't given stays empty: profile and defaults fill it later.
+struct GlobalOptions {
+    std::optional<std::string> server;
+    std::optional<int> port;
+    std::optional<bool> tls;
+    std::optional<std::string> user;
+    std::optional<std::string> passwordFile;
+    std::optional<std::string> proxy;
+    std::optional<std::string> proxyUser;
+    std::optional<std::string> proxyPasswordFile;
+    std::optional<std::string> node;
+    std::optional<bool> fcgi;
+    double timeoutSeconds = 0;
+    bool json = false;
+    bool quiet = false;
+    bool verbose = false;
+};
+
+/// What the chosen subcommand does, to be run after the parsing.
+using Action = std::function<void()>;
+
+/// A subcommand's parsed state with what all of them share.
+struct Commands {
+    CLI::App& app;
+    const GlobalOptions& global;
+    Action& action;
+};
+
+void addGlobalOptions(CLI::App& app, GlobalOptions& options);
+
+// One per family.
+void addSessionCommands(const Commands& commands);
+void addListCommands(const Commands& commands);
+void addPutCommand(const Commands& commands);
+void addGetCommand(const Commands& commands);
+void addFileCommands(const Commands& commands);
+
+}  // namespace torvi

@@ -1,0 +1,92 @@
+#include "password.h"
+
+#include <fcntl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include "failure.h"
+#include "signals.h"
+
+namespace torvi {
+namespace {
+
+constexpr size_t kLongestPassword = 4096;
+
+class Terminal {
+public:
+    Terminal() : m_fd(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY)) {
+        if (m_fd < 0 || ::tcgetattr(m_fd, &m_saved) != 0) return;
+        termios silent = m_saved;
+        silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        silent.c_lflag |= ECHONL;
+        m_silenced = ::tcsetattr(m_fd, TCSAFLUSH, &silent) == 0;
+    }
+    ~Terminal() {
+        if (m_silenced) ::tcsetattr(m_fd, TCSAFLUSH, &m_saved);
+        if (m_fd >= 0) ::close(m_fd);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    int fd() const { return m_silenced ? m_fd : -1; }
+
+private:
+    int m_fd;
+    termios m_saved = {};
+    bool m_silenced = false;
+};
+
+/// False if the input can't be read.
+bool readLine(int fd, std::string& line) {
+    char c = 0;
+    while (line.size() < kLongestPassword) {
+        const ssize_t n = ::read(fd, &c, 1);
+        if (n < 0 && errno == EINTR) {
+            if (interrupted()) return false;
+            continue;
+        }
+        if (n < 0) return false;
+        if (n == 0 || c == '\n') break;
+        line.push_back(c);
+    }
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    return true;
+}
+
+}  // namespace
+
+QString readPasswordFile(const QString& path) {
+    const bool standardInput = path == QLatin1String("-");
+    const int fd = standardInput ? STDIN_FILENO : ::open(path.toUtf8().constData(), O_RDONLY | O_CLOEXEC);
+    std::string line;
+    const bool good = fd >= 0 && readLine(fd, line);
+    const int error = errno;
+    if (!standardInput && fd >= 0) ::close(fd);
+    if (interrupted()) throwCancelled(QStringLiteral("password"));
+    if (!good) {
+        throw Failure(Exit::Local, QStringLiteral("cannot read the password from %1: %2")
+                                       .arg(path, QString::fromLocal8Bit(std::strerror(error))));
+    }
+    return QString::fromStdString(line);
+}
+
+QString askPassword(const QString& prompt) {
+    const Terminal terminal;
+    if (terminal.fd() < 0) {
+        throw Failure(Exit::Usage,
+                      QStringLiteral("no password: give --password-file or TORVI_PASSWORD, or run on a "
+                                     "terminal"));
+    }
+    const QByteArray text = prompt.toUtf8();
+    std::string line;
+    const bool good = ::write(terminal.fd(), text.constData(), static_cast<size_t>(text.size())) >= 0 &&
+                      readLine(terminal.fd(), line);
+    if (interrupted()) throwCancelled(QStringLiteral("password"));
+    if (!good) throw Failure(Exit::Local, QStringLiteral("cannot read the password from the terminal"));
+    return QString::fromStdString(line);
+}
+
+}  // namespace torvi

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+namespace torvi {
+
+/// The first line of the file, "-" being standard input.
+QString readPasswordFile(const QString& path);
+/// Asks on the terminal, with no echo. Fails as wrong usage where there is no terminal.
+QString askPassword(const QString& prompt);
+
+}  // namespace torvi

@@ -1,0 +1,135 @@
+#include "status.h"
+
+namespace torvi {
+namespace {
+
+struct Meaning {
+    int32_t value;
+    const char* name;
+    const char* text;
+    Exit exit;
+};
+
+// How far the exchange got.
+constexpr Meaning kStatuses[] = {
+    {2, "WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL", "cannot connect, or the connection broke",
+     Exit::CannotConnect},
+    {6, "WFM_PARSE_XML_HTTPTRAN_RECEIVE_FAIL", "the server or the proxy answered with an error",
+     Exit::Refused},
+    {7, "WFM_PARSE_XML_BUFFER_NOT_ENOUGH", "the answer does not fit", Exit::Refused},
+    {8, "WFM_PARSE_XML_INVALID_PARAMETER", "an argument was not accepted, nothing was sent", Exit::Usage},
+    {10, "WFM_PARSE_XML_CGI_NOT_FOUND", "the server does not have this service", Exit::CannotConnect},
+    {11, "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ", "the proxy wants other credentials", Exit::CannotConnect},
+    {12, "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", "the service is not available now", Exit::CannotConnect},
+    {14, "WFM_PARSE_XML_FAIL", "the answer was not understood", Exit::Refused},
+};
+
+// What the server answered: client codes below zero, system-style numbers above.
+constexpr Meaning kResults[] = {
+    {-3, "WFM_ACCESS_RIGHT_ACCESS_DENIED", "permission denied", Exit::Denied},
+    {-4, "WFM_STATUS_FAILED", "no such file or folder, or the server failed", Exit::NotFound},
+    {-6, "WFM_QUOTA_ERROR", "the quota is exhausted", Exit::NoSpace},
+    {-7, "WFM_OPEN_FILE_FAILED", "the server cannot open the file, or the name is not allowed",
+     Exit::Refused},
+    {-8, "WFM_FORCE_HTTPS_REDIRECT", "the server insists on HTTPS: use --tls", Exit::CannotConnect},
+    {-15, "ALREADY_EXISTS", "it exists already", Exit::AlreadyExists},
+    {-23, "WFM_INSUFFICIENT_BUFFER", "the answer does not fit", Exit::Refused},
+    {-29, "NOT_AUTHENTICATED", "not logged in, or the session has ended", Exit::NotAuthenticated},
+    {-31, "WFM_INVALID_DATA", "the file changed while it was sent", Exit::Incomplete},
+    {-37, "CLUSTER_NOT_READY", "the cluster node is not ready", Exit::CannotConnect},
+    {-40, "CLUSTER_NODE_REFUSES", "the cluster node takes no logins now", Exit::CannotConnect},
+    {-42, "NAME_TOO_LONG", "the name is too long", Exit::Refused},
+    {-44, "WFM_HOME_FOLDER_NOT_AVAIL", "the user's home folder is not available", Exit::NotFound},
+    {2, "ERROR_FILE_NOT_FOUND", "no such file", Exit::NotFound},
+    {3, "ERROR_PATH_NOT_FOUND", "no such file or folder", Exit::NotFound},
+    {5, "ERROR_ACCESS_DENIED", "permission denied", Exit::Denied},
+    {8, "ERROR_NOT_ENOUGH_MEMORY", "out of memory", Exit::Refused},
+    {12, "ERROR_INVALID_ACCESS", "the server does not allow it", Exit::Denied},
+    {13, "ERROR_INVALID_DATA", "the size announced does not agree with the file's", Exit::Incomplete},
+    {18, "ERROR_NO_MORE_FILES", "there is nothing to list", Exit::NotFound},
+    {34, "ERROR_WRONG_DISK", "source and destination are on different volumes", Exit::Refused},
+    {50, "ERROR_NOT_SUPPORTED", "the server does not support it", Exit::Refused},
+    {53, "ERROR_BAD_NETPATH", "the server cannot be reached", Exit::CannotConnect},
+    {87, "ERROR_INVALID_PARAMETER", "the server did not accept an argument", Exit::Refused},
+    {112, "ERROR_DISK_FULL", "no space is left on the server", Exit::NoSpace},
+    {122, "ERROR_INSUFFICIENT_BUFFER", "the answer does not fit", Exit::Refused},
+    {183, "ERROR_ALREADY_EXISTS", "it exists already", Exit::AlreadyExists},
+    {206, "ERROR_FILENAME_EXCED_RANGE", "the name is too long", Exit::Refused},
+    {1231, "ERROR_NETWORK_UNREACHABLE", "no network is up", Exit::CannotConnect},
+    {1235, "ERROR_REQUEST_ABORTED", "the request was aborted", Exit::Cancelled},
+    {1237, "ERROR_RETRY", "the transfer was stopped", Exit::Cancelled},
+    {1244, "ERROR_NOT_AUTHENTICATED", "not logged in, or the session has ended", Exit::NotAuthenticated},
+    {5003, "ERROR_DEPENDENCY_ALREADY_EXISTS", "it exists already", Exit::AlreadyExists},
+};
+
+template <size_t N>
+const Meaning* find(const Meaning (&table)[N], int64_t value) {
+    for (const Meaning& row : table) {
+        if (row.value == value) return &row;
+    }
+    return nullptr;
+}
+
+QString numbers(uint32_t dwStatus) {
+    return QStringLiteral("dwStatus %1 %2").arg(dwStatus).arg(QLatin1String(dwStatusName(dwStatus)));
+}
+
+QString numbers(int32_t word) {
+    return QStringLiteral("result %1 %2").arg(word).arg(QLatin1String(resultName(word)));
+}
+
+}  // namespace
+
+const char* dwStatusName(uint32_t dwStatus) {
+    if (dwStatus == 0) return "OK";
+    const Meaning* row = find(kStatuses, dwStatus);
+    return row != nullptr ? row->name : "UNKNOWN";
+}
+
+const char* resultName(int32_t resultWord) {
+    if (resultWord == 0) return "OK";
+    if (resultWord == -1) return "NOTHING_LEARNT";
+    const Meaning* row = find(kResults, resultWord);
+    return row != nullptr ? row->name : "UNKNOWN";
+}
+
+Failure callFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord) {
+    const auto word = static_cast<int32_t>(resultWord);
+    const Meaning* status = find(kStatuses, dwStatus);
+    const Meaning* result = find(kResults, word);
+    // The server's own words say more than how far the exchange got.
+    const Meaning* reason = result != nullptr ? result : status;
+    QString text = reason != nullptr ? QString::fromUtf8(reason->text)
+                                     : QStringLiteral("the server refused and gave no known reason");
+    QString detail = dwStatus != 0 ? numbers(dwStatus) : QString();
+    if (dwStatus == 0 || word != -1) {
+        if (!detail.isEmpty()) detail += QStringLiteral(", ");
+        detail += numbers(word);
+    }
+    return Failure(reason != nullptr ? reason->exit : Exit::Refused,
+                   QStringLiteral("%1: %2 (%3)").arg(what, text, detail))
+        .withNumbers(dwStatus, word);
+}
+
+Failure loginFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord) {
+    const auto word = static_cast<int32_t>(resultWord);
+    const Meaning* result = find(kResults, word);
+    const bool otherReason = result != nullptr && result->exit == Exit::CannotConnect;
+    // A refused login is an exchange that ended well and left no session behind.
+    if ((dwStatus != 0 && dwStatus != 14) || otherReason) return callFailure(what, dwStatus, resultWord);
+    return Failure(Exit::NotAuthenticated,
+                   QStringLiteral("%1: the server refused user name or password (%2, %3)")
+                       .arg(what, numbers(dwStatus), numbers(word)))
+        .withNumbers(dwStatus, word);
+}
+
+Failure statusFailure(const QString& what, uint32_t dwStatus) {
+    const Meaning* status = find(kStatuses, dwStatus);
+    return Failure(status != nullptr ? status->exit : Exit::Refused,
+                   QStringLiteral("%1: %2 (%3)")
+                       .arg(what, QString::fromUtf8(status != nullptr ? status->text : "failed"),
+                            numbers(dwStatus)))
+        .withNumbers(dwStatus, std::nullopt);
+}
+
+}  // namespace torvi
