@@ -1,0 +1,19 @@
+#pragma once
+
+#include <vector>
+
+/// Notes with what times the timers of this thread are started while it lives: how long a call would wait can
+/// be told without waiting.
+class TimerCapture {
+public:
+    TimerCapture();
+    ~TimerCapture();
+    TimerCapture(const TimerCapture&) = delete;
+    TimerCapture& operator=(const TimerCapture&) = delete;
+
+    const std::vector<int>& started() const { return m_started; }
+
+private:
+    friend struct TimerNotes;
+    std::vector<int> m_started;
+};
