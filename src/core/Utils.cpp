@@ -237,15 +237,19 @@ int wildCmp(const wchar_t* pattern, const wchar_t* text, unsigned int mode) {
 }
 
 void PercentEncoding(std::wstring& text) {
-    // One pass per character, "%" first, so that what a pass puts in isn't encoded again.
-    static constexpr wchar_t passes[] = L"% !\"#$&'()*+,/:;<>=?@[\\]^`{|}~";
+    static constexpr wchar_t encoded[] = L"% !\"#$&'()*+,/:;<>=?@[\\]^`{|}~";
     static constexpr wchar_t digits[] = L"0123456789ABCDEF";
-    for (const wchar_t* pass = passes; *pass; ++pass) {
-        const wchar_t code[] = {L'%', digits[*pass >> 4], digits[*pass & 15], L'\0'};
-        for (size_t found = 0; (found = text.find(*pass, found)) != std::wstring::npos; found += 3) {
-            text.replace(found, 1, code, 3);
+    // Each character is looked at once, so a "%" that was put in isn't encoded again.
+    std::wstring result;
+    result.reserve(text.size());
+    for (const wchar_t character : text) {
+        if (character != L'\0' && std::wcschr(encoded, character)) {
+            result += {L'%', digits[character >> 4], digits[character & 15]};
+        } else {
+            result += character;
         }
     }
+    text = std::move(result);
 }
 
 int Utf8ToUnicode_1(const char* in, wchar_t* out, int capacity) {

@@ -16,16 +16,18 @@ std::wstring FormatWide(const wchar_t* fmt, ...);
 
 namespace detail {
 /// A null text prints as nothing, where the C library would print a word for it.
-inline const wchar_t* Printable(const wchar_t* text) {
-    return text ? text : L"";
-}
-inline const char* Printable(const char* text) {
-    return text ? text : "";
-}
 template <class T>
-T Printable(T value) {
+auto Printable(T value) {
     static_assert(std::is_scalar_v<T>, "format takes numbers and C texts");
-    return value;
+    if constexpr (std::is_convertible_v<T, const wchar_t*>) {
+        const wchar_t* text = value;
+        return text ? text : L"";
+    } else if constexpr (std::is_convertible_v<T, const char*>) {
+        const char* text = value;
+        return text ? text : "";
+    } else {
+        return value;
+    }
 }
 }  // namespace detail
 

@@ -16,8 +16,7 @@ constexpr int lineLimit = 10000;
 
 LoggerFile::LoggerFile(QString path, bool append)
     : m_path(std::move(path)), m_file(std::make_unique<QFile>(m_path)) {
-    // What can't be sought, a pipe for one, would have the counting wait for ever.
-    if (!m_file->open(openMode) || !m_file->isWritable() || m_file->isSequential()) {
+    if (!open()) {
         m_file.reset();
         return;
     }
@@ -71,7 +70,16 @@ void LoggerFile::Reopen() {
         return;
     }
     m_file->close();
-    m_file->open(openMode);
+    open();
+}
+
+bool LoggerFile::open() {
+    // What can't be sought, a pipe for one, would have its reader or its writer wait for ever.
+    if (m_file->open(openMode) && m_file->isWritable() && !m_file->isSequential()) {
+        return true;
+    }
+    m_file->close();
+    return false;
 }
 
 bool LoggerFile::isOpen() const {

@@ -21,6 +21,7 @@ public:
     void Reopen();
 
 private:
+    bool open();
     bool isOpen() const;
 
     QString m_path;

@@ -66,7 +66,7 @@ QString Logger::logLevelToString(LogLevel level) {
 bool Logger::InitLogFile(QString path, bool append, bool toFile) {
     QMutexLocker lock(&m_fileMutex);
     m_toFile = toFile;
-    if (path.isEmpty() || m_file) {
+    if (path.isEmpty() || m_file || m_closed) {
         return false;
     }
     m_file = std::make_unique<LoggerFile>(std::move(path), append);
@@ -173,10 +173,10 @@ void Logger::work() {
     m_ended.notify_all();
 }
 
-/// Writes on this thread what stands in the queue.
+/// Writes on this thread what stands in the queue now.
 void Logger::drain() {
     std::unique_lock<std::mutex> lock(m_mutex);
-    while (!m_lines.empty()) {
+    for (size_t left = m_lines.size(); left > 0 && !m_lines.empty(); --left) {
         const QString line = std::move(m_lines.front());
         m_lines.pop_front();
         lock.unlock();

@@ -101,7 +101,7 @@ private:
     bool m_stopping = false;
     size_t m_linesBeforeStop = 0;
     unsigned long long m_generation = 0;
-    bool m_closed = false;  ///< the process is ending
+    std::atomic<bool> m_closed{false};  ///< the process is ending
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Logger::LogLevels)
