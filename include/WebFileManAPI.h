@@ -286,6 +286,7 @@ TORVIAPI_EXPORT uint32_t WFMClearLog();
 /// @param clone   receives the copy, to be freed by WFMFreeAuthContext; not null. Set it to null before the
 ///                call: it is written on success alone, and **it is what tells success, not the return
 ///                value**
+/// @return see below
 ///
 /// | Return | *clone    | When                                             |
 /// |--------|-----------|--------------------------------------------------|
@@ -313,6 +314,7 @@ TORVIAPI_EXPORT uint32_t WFMFreeAuthContext(_WFM_AUTH_CONTEXT* context);
 /// @param teamFolderPaths  paths as the server has them, "vtf://<place>/", with "/" at the end. Null clears
 /// @param slaveIDs         the cluster node of each folder, all non-empty. May be null only if the session
 ///                         has no slave id of its own (WFMGetSlaveID); otherwise null clears
+/// @return see below
 ///
 /// | Return          | When                                   |
 /// |-----------------|----------------------------------------|
@@ -342,6 +344,7 @@ TORVIAPI_EXPORT uint32_t WFMGetUseNuboCGI(const _WFM_AUTH_CONTEXT* context, bool
 /// @param capacity  in: wide characters in `buffer`, terminator included, not 0; 260 is always enough. Out:
 ///                  only with 122, what is needed. Not null
 /// @param buffer    receives the id with its terminator; not null
+/// @return see below
 ///
 /// | Return | When                                                           |
 /// |--------|----------------------------------------------------------------|
@@ -366,6 +369,7 @@ TORVIAPI_EXPORT uint32_t WFMGetSid(const _WFM_AUTH_CONTEXT* context, uint32_t* c
 /// Whether this machine has a network at all: an interface that is up, isn't the loopback and has an address.
 /// Sends nothing, and doesn't tell whether any server can be reached; WFMGetVersion does. Writes the
 /// interfaces that it looks at to debug output. Twice: safe, on any thread.
+/// @return true if there is one
 TORVIAPI_EXPORT bool IsNetworkAlive();
 
 /// @name Calls without a session
@@ -378,6 +382,7 @@ TORVIAPI_EXPORT bool IsNetworkAlive();
 /// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor,reserved  as in the file comment
 /// @param resultWord     not null
 /// @param version        not null; zeroed first, filled when both numbers are 0
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                |
 /// |----------|-------------|-----------------------------------------------------|
@@ -420,6 +425,7 @@ TORVIAPI_EXPORT uint32_t WFMGetVersion(const wchar_t* server, uint32_t port, con
 /// @param context             receives the session, to be freed by WFMFreeAuthContext. Untouched on failure;
 ///                            not null
 /// @param network             may be null. Filled whatever came of it, unless the call was refused with 8
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                                          |
 /// |----------|-------------|-------------------------------------------------------------------------------|
@@ -454,6 +460,7 @@ TORVIAPI_EXPORT uint32_t TorviLogin(const wchar_t* server, int32_t port, const w
 /// @param force        false: a context with a slave id sends nothing, for it shares its session with the
 ///                     master, whose logout ends it. True: log out all the same
 /// @param context      not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | When                                                               |
 /// |----------|--------------------------------------------------------------------|
@@ -491,6 +498,7 @@ TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool 
 ///                             alone. Not null
 /// @param list        receives the records, to be freed as the file comment shows; null if there are none.
 ///                    Not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                                  |
 /// |----------|-------------|-----------------------------------------------------------------------|
@@ -547,6 +555,7 @@ TORVIAPI_EXPORT uint32_t WFMGetNodeList(_WFM_AUTH_CONTEXT* context, const wchar_
 /// @param count       receives the number of records; not null
 /// @param list        receives the records, to be freed as the file comment shows; null if there are none.
 ///                    Not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                          |
 /// |----------|-------------|---------------------------------------------------------------|
@@ -570,6 +579,7 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderList(_WFM_AUTH_CONTEXT* context, const wcha
 /// @param cancel          not read; may be null
 /// @param resultWord      not null
 /// @param information     may be null; zeroed first, filled when both numbers are 0
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                     |
 /// |----------|-------------|----------------------------------------------------------|
@@ -596,6 +606,7 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, con
 /// @param cancel          not read; may be null
 /// @param resultWord      not null
 /// @param information     not null; zeroed first, nPrivilegeEx -1
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                                         |
 /// |----------|-------------|------------------------------------------------------------------------------|
@@ -621,6 +632,7 @@ TORVIAPI_EXPORT uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const
 /// @param cancel       not read; may be null
 /// @param resultWord   not null
 /// @param isDirectory  false until proven; not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                              |
 /// |----------|-------------|-------------------------------------------------------------------|
@@ -647,6 +659,7 @@ TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wc
 /// @param cancel          not read; may be null
 /// @param resultWord      not null
 /// @param isPresent       false until proven; not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                               |
 /// |----------|-------------|--------------------------------------------------------------------|
@@ -672,6 +685,7 @@ TORVIAPI_EXPORT uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wcha
 /// @param cancel      not read; may be null
 /// @param resultWord  not null
 /// @param size        receives the bytes, when both numbers are 0; not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                               |
 /// |----------|-------------|----------------------------------------------------|
@@ -695,6 +709,7 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wcha
 /// @param path        folder and name together; not null or empty
 /// @param cancel      not read; may be null
 /// @param resultWord  not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                   |
 /// |----------|-------------|----------------------------------------|
@@ -728,11 +743,13 @@ TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t
 /// @param lpData,callback  progress; may be null
 /// @param stop        may be null. Read after the transfer only: the callback's verdict is what stops it
 /// @param resultWord  not null
+/// @return `dwStatus`
 ///
 /// From the start: offset null, size null or the file's size, and `file->resize(0)` before. To resume with n
 /// of N bytes here: offset n, and **size N - n**, for that is what the server announces. A size below the
 /// offset is refused with 8, so that a resume works only up to half of the file; from there on start anew. In
-/// a resumed download the callback counts from n up to N - n, and rests for the last n bytes.
+/// a resumed download the callback hears N - n as the size and counts from n, so that it may pass the size,
+/// and it rests for the last n bytes.
 ///
 /// | dwStatus | Result word | When                                                                       |
 /// |----------|-------------|----------------------------------------------------------------------------|
@@ -766,6 +783,7 @@ TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, con
 /// @param overwrite    low byte only: 1 replaces a file that is there; what 0 does is up to the server
 /// @param reserved     null
 /// @param resultWord   system-style numbers; not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                             |
 /// |----------|-------------|------------------------------------------------------------------|
@@ -805,6 +823,7 @@ TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, con
 /// @param overwrite     low byte only: 1 replaces a file that is there; what 0 does is up to the server
 /// @param reserved      null
 /// @param resultWord    client codes; not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                                      |
 /// |----------|-------------|---------------------------------------------------------------------------|
@@ -834,6 +853,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviUploadandMovewithHandle(
 /// @param fileName    its name; null counts as empty
 /// @param reserved    null
 /// @param resultWord  not null
+/// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                                      |
 /// |----------|-------------|---------------------------------------------------------------------------|
