@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "request.h"
+#include "service.h"
+
+namespace nas {
+
+enum class BodyKind { None, Form, Multipart };
+
+// How a call looks on one or more endpoints, and who serves it.
+struct Call {
+    std::string name;
+    unsigned endpoints;
+    std::string method;
+    BodyKind body;
+    // The short calls carry "Pragma"; uploads and downloads don't.
+    bool pragma;
+    std::vector<Shape> shapes;
+    std::function<Answer(Service&, Request&, httplib::Response&)> serve;
+    // The reply for a status other than success, where a bare "status" isn't all.
+    std::function<void(nlohmann::json&)> refusal;
+};
+
+const std::vector<Call>& allCalls();
+
+// One file per family adds its own.
+void addSessionCalls(std::vector<Call>& calls);
+void addListCalls(std::vector<Call>& calls);
+void addStatCalls(std::vector<Call>& calls);
+void addUploadCalls(std::vector<Call>& calls);
+void addDownloadCalls(std::vector<Call>& calls);
+
+constexpr unsigned on(Endpoint endpoint) {
+    return static_cast<unsigned>(endpoint);
+}
+constexpr unsigned kBothCgis = on(Endpoint::SyncCgi) | on(Endpoint::ManagerCgi);
+
+constexpr int number(Status status) {
+    return static_cast<int>(status);
+}
+
+}  // namespace nas

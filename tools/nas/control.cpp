@@ -1,0 +1,93 @@
+#include "control.h"
+
+#include "log.h"
+#include "service.h"
+
+namespace nas {
+
+namespace {
+
+nlohmann::json stateOf(Service& service) {
+    nlohmann::json users = nlohmann::json::array();
+    for (const auto& [name, user] : service.options().users.all()) {
+        users.push_back({{"name", name}, {"admin", user.admin}});
+    }
+    nlohmann::json teams = nlohmann::json::array();
+    for (const Team& team : service.options().teams.all()) {
+        nlohmann::json receivers = nlohmann::json::array();
+        for (const auto& [name, readOnly] : team.receivers) {
+            receivers.push_back({{"name", name}, {"read_only", readOnly}});
+        }
+        teams.push_back({{"id", team.id},
+                         {"path", "vtf://" + team.id + "/"},
+                         {"owner", team.owner},
+                         {"owner_path", team.path},
+                         {"receivers", receivers}});
+    }
+    return {{"users", users},
+            {"teams", teams},
+            {"sessions", service.sessions().count()},
+            {"slave_id", service.options().slaveId},
+            {"http_port", service.httpPort()},
+            {"tls_port", service.tlsPort()}};
+}
+
+nlohmann::json run(Service& service, const std::string& what, const std::string& body, int& http) {
+    if (what == "GET /control/faults") {
+        return {{"faults", service.faults().toJson()}};
+    }
+    if (what == "POST /control/faults") {
+        return {{"id", service.faults().arm(parseFault(nlohmann::json::parse(body)))}};
+    }
+    if (what == "DELETE /control/faults") {
+        service.faults().clear();
+        return nlohmann::json::object();
+    }
+    if (what == "GET /control/requests") {
+        return service.ledger().toJson();
+    }
+    if (what == "DELETE /control/requests") {
+        service.ledger().clear();
+        return nlohmann::json::object();
+    }
+    if (what == "POST /control/sessions/expire") {
+        service.sessions().expireAll();
+        return nlohmann::json::object();
+    }
+    if (what == "GET /control/state") {
+        return stateOf(service);
+    }
+    http = 404;
+    return {{"error", "no such control request"}};
+}
+
+}  // namespace
+
+void serveControl(Service& service, const std::string& path, const httplib::Request& http,
+                  httplib::Response& response, const httplib::ContentReader* body) {
+    constexpr size_t kLongest = 1024 * 1024;
+    std::string text;
+    bool hasBody = body && http.has_header("Content-Length");
+    bool whole = !hasBody || (*body)([&](const char* data, size_t length) {
+        text.append(data, text.size() < kLongest ? length : 0);
+        return true;
+    });
+    nlohmann::json reply;
+    try {
+        if (!whole || text.size() >= kLongest) {
+            throw std::invalid_argument("body too long or broken off");
+        }
+        reply = run(service, http.method + " " + path, text, response.status);
+    } catch (const std::exception& error) {
+        response.status = 400;
+        reply = {{"error", error.what()}};
+    }
+    if (response.status == -1) {
+        response.status = 200;
+    }
+    response.set_content(reply.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace),
+                         "application/json");
+    logLine("control " + http.method + " " + path + " http=" + std::to_string(response.status));
+}
+
+}  // namespace nas

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "tree.h"
+
+namespace nas {
+
+// An entry as listings and stat tell it. Sizes are texts: readers of numbers stop at 32 bits.
+nlohmann::json entryJson(const Entry& entry);
+
+}  // namespace nas

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace nas {
+
+struct LedgerEntry {
+    std::string method;
+    std::string path;
+    std::string func;
+    std::string user;
+    int http = 200;
+    int status = -1;  // the reply's "status", -1 without one
+    std::string reason;
+};
+
+// What was asked of the server so far: counts for ever, the newest entries in full.
+class Ledger {
+public:
+    void add(const LedgerEntry& entry);
+    void clear();
+    nlohmann::json toJson();
+
+private:
+    std::mutex mutex_;
+    std::deque<LedgerEntry> newest_;
+    std::map<std::string, int64_t> byFunc_;
+    int64_t total_ = 0;
+};
+
+}  // namespace nas

@@ -1,0 +1,75 @@
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <thread>
+
+#include "http_server.h"
+#include "log.h"
+#include "options.h"
+#include "relay.h"
+#include "service.h"
+#include "tls.h"
+
+namespace {
+
+int serve(const nas::Options& options, const sigset_t& signals) {
+    nas::Faults faults;
+    for (const nas::Fault& fault : options.faults) {
+        faults.arm(fault);
+    }
+    nas::SslContext tls;
+    if (options.tlsPort >= 0) {
+        tls = nas::makeSslContext(options.certificate, options.key, options.serverName);
+    }
+    nas::Service service(options, faults);
+    nas::HttpServer http(service);
+    nas::Relay relay(faults, http.port());
+    int port = relay.listen(options.address, options.port, nullptr);
+    int tlsPort = tls ? relay.listen(options.address, options.tlsPort, tls.get()) : 0;
+    service.setPorts(port, tlsPort);
+    http.start();
+    std::thread loop([&] { relay.run(); });
+
+    for (const nas::Team& team : options.teams.all()) {
+        nas::logLine("team folder vtf://" + team.id + "/ is " + team.path + " of " + team.owner);
+    }
+    // One line that programs can read.
+    std::string ready = "torvi-nas ready http=" + options.address + ":" + std::to_string(port) +
+                        " tls=" + (tls ? options.address + ":" + std::to_string(tlsPort) : "-") +
+                        " root=" + std::filesystem::absolute(options.root).lexically_normal().string();
+    std::cout << ready << std::endl;
+
+    int signal = 0;
+    sigwait(&signals, &signal);
+    // The relay first: it closes every connection, so no handler is left waiting.
+    relay.stop();
+    loop.join();
+    http.stop();
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    nas::Options options;
+    int early = nas::readOptions(argc, argv, options);
+    if (early != -1) {
+        return early;
+    }
+    // Blocked before any thread starts, so that only sigwait takes them.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return serve(options, signals);
+    } catch (const std::exception& error) {
+        std::cerr << "torvi-nas: " << error.what() << "\n";
+        return 1;
+    }
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "faults.h"
+#include "teams.h"
+#include "users.h"
+
+namespace nas {
+
+struct Options {
+    std::string root;
+    std::string address = "127.0.0.1";
+    int port = 0;
+    int tlsPort = -1;  // -1: no TLS
+    std::string certificate;
+    std::string key;
+    std::string slaveId;
+    std::string serverName = "torvi-nas";
+    std::string version = "5.1.0";
+    std::string build = "20260105";
+    std::chrono::seconds sessionTtl{1800};
+    std::string sessionFolder;
+    int clusterStatus = 0;
+    bool control = false;
+    bool sync = true;
+    bool fcgi = true;
+    Users users;
+    Teams teams;
+    std::vector<Fault> faults;
+};
+
+// Fills the options. A value other than -1 is the exit status with which the program ends at once.
+int readOptions(int argc, char** argv, Options& options);
+
+}  // namespace nas

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <openssl/ssl.h>
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "faults.h"
+#include "fd.h"
+
+namespace nas {
+
+class Connection;
+
+// Stands between the clients and the service: owns the public ports, ends TLS there, and passes bytes in both
+// directions through small buffers, on one thread. Faults happen here, where the bytes are.
+class Relay {
+public:
+    Relay(Faults& faults, int servicePort);
+    ~Relay();
+
+    // The real port. Before run().
+    int listen(const std::string& address, int port, SSL_CTX* tls);
+    void run();
+    // From any thread.
+    void stop();
+
+private:
+    struct Listener {
+        Fd fd;
+        SSL_CTX* tls;
+    };
+
+    void accept(const Listener& listener);
+    int timeoutUntilDeadline() const;
+
+    Faults& faults_;
+    const int servicePort_;
+    Fd epoll_;
+    Fd wake_;
+    std::atomic<bool> stopping_{false};
+    std::vector<Listener> listeners_;
+    std::map<Connection*, std::unique_ptr<Connection>> connections_;
+};
+
+}  // namespace nas

@@ -1,0 +1,298 @@
+#include "service.h"
+
+#include <cstdlib>
+
+#include "calls.h"
+#include "control.h"
+#include "log.h"
+
+namespace nas {
+
+namespace {
+
+constexpr size_t kLongestForm = 64 * 1024;
+
+struct {
+    const char* path;
+    Endpoint endpoint;
+} const kEndpoints[] = {
+    {"cgi-bin/torvi/torvisrv.cgi", Endpoint::SyncCgi},
+    {"cgi-bin/torvi/torvisrv.fcgi", Endpoint::SyncFcgi},
+    {"cgi-bin/torvi/torvisrv_login.cgi", Endpoint::SyncLogin},
+    {"cgi-bin/torvi/torvisrv_logout.cgi", Endpoint::SyncLogout},
+    {"cgi-bin/filemanager/utilRequest.cgi", Endpoint::ManagerCgi},
+    {"cgi-bin/filemanager/wfm2Login.cgi", Endpoint::ManagerLogin},
+    {"cgi-bin/filemanager/wfm2Logout.cgi", Endpoint::ManagerLogout},
+};
+
+bool isSync(Endpoint endpoint) {
+    return on(endpoint) <= on(Endpoint::SyncLogout);
+}
+
+// The name under which a request is counted and logged.
+std::string callName(Endpoint endpoint, const Fields& query) {
+    switch (endpoint) {
+        case Endpoint::SyncLogin:
+        case Endpoint::ManagerLogin:
+            return "login";
+        case Endpoint::SyncLogout:
+        case Endpoint::ManagerLogout:
+            return "logout";
+        default:
+            return query.empty() ? "version" : hasField(query, "func") ? field(query, "func") : "";
+    }
+}
+
+std::string onlyHeader(const httplib::Request& http, const char* name) {
+    if (http.get_header_value_count(name) > 1) {
+        throw Refusal(std::string("header ") + name + " came twice");
+    }
+    return http.get_header_value(name);
+}
+
+void requireHeader(const httplib::Request& http, const char* name, const std::string& value) {
+    std::string found = onlyHeader(http, name);
+    if (found != value) {
+        throw Refusal(std::string("header ") + name + " is \"" + found + "\", not \"" + value + "\"");
+    }
+}
+
+void checkHeaders(const Request& request, const Call& call) {
+    const httplib::Request& http = request.http;
+    if (onlyHeader(http, "Host").empty()) {
+        throw Refusal("header Host is missing");
+    }
+    if (onlyHeader(http, "User-Agent").empty()) {
+        throw Refusal("header User-Agent is missing");
+    }
+    requireHeader(http, "Cache-Control", "no-cache");
+    requireHeader(http, "Pragma", call.pragma ? "no-cache" : "");
+    for (const char* name : {"Range", "Content-Encoding", "Transfer-Encoding", "Cookie", "Authorization"}) {
+        if (http.has_header(name)) {
+            throw Refusal(std::string("header ") + name + " is not in the protocol");
+        }
+    }
+    // Only a client on this very machine speaks for another address.
+    if (http.has_header("X-Forwarded-For") && http.get_header_value("Host").rfind("127.0.0.1", 0) != 0) {
+        throw Refusal("header X-Forwarded-For towards another host than 127.0.0.1");
+    }
+    switch (call.body) {
+        case BodyKind::None:
+            if (!request.contentType.empty()) {
+                throw Refusal("header Content-Type on a request without a body");
+            }
+            if (http.has_header("Content-Length") && http.get_header_value("Content-Length") != "0") {
+                throw Refusal("a body on a " + http.method + " request");
+            }
+            break;
+        case BodyKind::Form:
+            if (request.contentType != "application/x-www-form-urlencoded;charset=UTF-8") {
+                throw Refusal("header Content-Type is \"" + request.contentType + "\" on a form");
+            }
+            break;
+        case BodyKind::Multipart:
+            break;  // the reader of the body checks it
+    }
+    if (call.body != BodyKind::None && !http.has_header("Content-Length")) {
+        throw Refusal("header Content-Length is missing", 411);
+    }
+}
+
+const Call& findCall(const Request& request) {
+    const std::string name = callName(request.endpoint, request.query);
+    const Call* other = nullptr;
+    for (const Call& call : allCalls()) {
+        if (call.name == name && call.endpoints & on(request.endpoint)) {
+            if (call.method == request.http.method) {
+                return call;
+            }
+            other = &call;
+        }
+    }
+    if (other) {
+        throw Refusal("method is " + request.http.method + ", not " + other->method, 405);
+    }
+    if (name.empty()) {
+        throw Refusal("query key \"func\" is missing");
+    }
+    throw Refusal("no call \"" + name.substr(0, 60) + "\" at this address");
+}
+
+bool wantsBody(const httplib::Request& http) {
+    return http.has_header("Content-Length") || http.has_header("Transfer-Encoding");
+}
+
+}  // namespace
+
+void drain(const httplib::ContentReader* body) {
+    if (body) {
+        (*body)([](const char*, size_t) { return true; });
+    }
+}
+
+Fields readForm(Request& request) {
+    std::string text;
+    bool whole = request.body && (*request.body)([&](const char* data, size_t length) {
+                     if (text.size() <= kLongestForm) {
+                         text.append(data, length);
+                     }
+                     return true;
+                 });
+    if (!whole) {
+        throw Refusal("the form's body didn't arrive");
+    }
+    if (text.size() > kLongestForm) {
+        throw Refusal("form body too long", 413);
+    }
+    return decodeFields(text, "form");
+}
+
+Service::Service(const Options& options, Faults& faults)
+    : options_(options),
+      faults_(faults),
+      tree_(options.root, options.users, options.teams),
+      sessions_(options.sessionTtl, options.sessionFolder) {}
+
+void Service::setPorts(int http, int tls) {
+    httpPort_ = http;
+    tlsPort_ = tls;
+}
+
+const User& Service::authenticate(Request& request, const std::string& sid) {
+    const User* user = options_.users.find(sessions_.use(sid));
+    if (!user) {
+        throw StatusError(Status::NotAuthenticated, "no such session");
+    }
+    request.userName = user->name;
+    return *user;
+}
+
+Endpoint Service::findEndpoint(const std::string& path) const {
+    if (path.empty() || path[0] != '/') {
+        throw Refusal("request target is no path");
+    }
+    std::string rest = path.substr(1);
+    bool prefixed = false;
+    if (rest.rfind("cgi-bin/", 0) != 0) {
+        size_t slash = rest.find('/');
+        std::string prefix = rest.substr(0, slash);
+        if (slash == std::string::npos || options_.slaveId.empty() || prefix != options_.slaveId) {
+            throw Refusal("nothing is served here", 404);
+        }
+        prefixed = true;
+        rest.erase(0, slash + 1);
+    }
+    for (const auto& known : kEndpoints) {
+        if (rest != known.path) {
+            continue;
+        }
+        bool offered = (options_.sync || !isSync(known.endpoint)) &&
+                       (options_.fcgi || known.endpoint != Endpoint::SyncFcgi);
+        bool mayBePrefixed = known.endpoint == Endpoint::SyncCgi || known.endpoint == Endpoint::SyncFcgi;
+        if (!offered) {
+            throw Refusal("this server doesn't have " + rest, 404);
+        }
+        if (prefixed && !mayBePrefixed) {
+            throw Refusal("this address takes no slave prefix", 404);
+        }
+        return known.endpoint;
+    }
+    throw Refusal("nothing is served here", 404);
+}
+
+void Service::serveCall(Request& request, httplib::Response& response, LedgerEntry& entry) {
+    entry.func = callName(request.endpoint, request.query);
+    const Call& call = findCall(request);
+    checkHeaders(request, call);
+    requireShape(request.query, call.shapes, "query");
+    Answer answer;
+    try {
+        answer = call.serve(*this, request, response);
+    } catch (const StatusError& error) {
+        answer.json = {{"status", number(error.status())}};
+        answer.note = error.what();
+        if (call.refusal) {
+            call.refusal(answer.json);
+        }
+    }
+    entry.user = request.userName;
+    entry.reason = answer.note;
+    if (answer.json.is_object() && answer.json.contains("status")) {
+        entry.status = answer.json["status"].get<int>();
+    }
+    if (!answer.direct) {
+        std::string text = answer.json.dump();
+        if (call.name == "download") {
+            // Without a length: no client may take the text for the file's bytes.
+            response.set_chunked_content_provider("application/json",
+                                                  [text](size_t, httplib::DataSink& sink) {
+                                                      sink.write(text.data(), text.size());
+                                                      sink.done();
+                                                      return true;
+                                                  });
+        } else {
+            response.set_content(text, "application/json");
+        }
+    }
+}
+
+void Service::serve(const httplib::Request& http, httplib::Response& response,
+                    const httplib::ContentReader* body) {
+    const std::string path = http.target.substr(0, http.target.find('?'));
+    if (options_.control && path.rfind("/control/", 0) == 0) {
+        serveControl(*this, path, http, response, body);
+        return;
+    }
+    LedgerEntry entry;
+    entry.method = http.method;
+    entry.path = path;
+    bool drained = body == nullptr;
+    httplib::ContentReader once(
+        [&](httplib::ContentReceiver receiver) {
+            drained = true;
+            return (*body)(std::move(receiver));
+        },
+        nullptr);
+    try {
+        Request request{
+            http, body ? &once : nullptr, findEndpoint(path), http.get_header_value("X-Body-Type"), {}, {}};
+        size_t question = http.target.find('?');
+        if (question != std::string::npos) {
+            request.query = decodeFields(http.target.substr(question + 1), "query");
+            if (request.query.empty()) {
+                throw Refusal("empty query");
+            }
+        }
+        serveCall(request, response, entry);
+    } catch (const Refusal& refusal) {
+        entry.http = refusal.http();
+        entry.reason = refusal.what();
+    } catch (const std::exception& error) {
+        entry.http = 500;
+        entry.reason = error.what();
+    }
+    if (!drained && wantsBody(http)) {
+        drain(body);
+    }
+    if (entry.http != 200) {
+        response.status = entry.http;
+        response.set_content(nlohmann::json{{"error", entry.reason}}.dump(
+                                 -1, ' ', false, nlohmann::json::error_handler_t::replace),
+                             "application/json");
+    }
+    ledger_.add(entry);
+    std::string line = entry.method + " " + path + " func=" + (entry.func.empty() ? "-" : entry.func) +
+                       " user=" + (entry.user.empty() ? "-" : entry.user) +
+                       " http=" + std::to_string(entry.http);
+    if (entry.status >= 0) {
+        line += " status=" + std::to_string(entry.status);
+    }
+    if (entry.http != 200) {
+        line += " refused: " + entry.reason;
+    } else if (!entry.reason.empty()) {
+        line += " (" + entry.reason + ")";
+    }
+    logLine(line);
+}
+
+}  // namespace nas

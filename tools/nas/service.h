@@ -1,0 +1,53 @@
+#pragma once
+
+#include <httplib.h>
+
+#include "faults.h"
+#include "ledger.h"
+#include "options.h"
+#include "request.h"
+#include "sessions.h"
+#include "tree.h"
+
+namespace nas {
+
+// The protocol: finds the call that a request is, checks that it is exactly that call, runs it and answers.
+class Service {
+public:
+    Service(const Options& options, Faults& faults);
+
+    // The ports that clients see.
+    void setPorts(int http, int tls);
+    void serve(const httplib::Request& http, httplib::Response& response, const httplib::ContentReader* body);
+
+    const Options& options() const { return options_; }
+    const Tree& tree() const { return tree_; }
+    Sessions& sessions() { return sessions_; }
+    Faults& faults() { return faults_; }
+    Ledger& ledger() { return ledger_; }
+    int httpPort() const { return httpPort_; }
+    int tlsPort() const { return tlsPort_; }
+
+    // The user whose session this is; StatusError(NotAuthenticated) if there is none.
+    const User& authenticate(Request& request, const std::string& sid);
+
+private:
+    void serveCall(Request& request, httplib::Response& response, LedgerEntry& entry);
+    Endpoint findEndpoint(const std::string& path) const;
+
+    const Options& options_;
+    Faults& faults_;
+    Tree tree_;
+    Sessions sessions_;
+    Ledger ledger_;
+    int httpPort_ = 0;
+    int tlsPort_ = 0;
+};
+
+// Reads the rest of a body and drops it, so that the reply isn't lost in a reset.
+void drain(const httplib::ContentReader* body);
+
+// Reads a form body and decodes it.
+Fields readForm(Request& request);
+
+}  // namespace nas

@@ -1,0 +1,345 @@
+#include "tree.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+
+namespace nas {
+
+const char* const kTemporaryPrefix = ".torvi-nas.";
+
+namespace {
+
+constexpr size_t kLongestName = 255;
+const char* const kHomes = "homes";
+const char* const kScheme = "vtf://";
+
+bool startsWith(const std::string& text, const char* prefix) {
+    return text.rfind(prefix, 0) == 0;
+}
+
+std::vector<std::string> pieces(const std::string& path) {
+    std::vector<std::string> out;
+    for (size_t from = 0; from < path.size();) {
+        size_t to = std::min(path.find('/', from), path.size());
+        if (to > from) {
+            out.push_back(path.substr(from, to - from));
+            checkName(out.back());
+        }
+        from = to + 1;
+    }
+    return out;
+}
+
+Fd openFolderAt(int at, const std::string& name) {
+    Fd fd(::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!fd) {
+        int error = errno;
+        struct stat info {};
+        // A link to a folder reports "not a directory"; say what it is.
+        if (error == ENOTDIR && ::fstatat(at, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+            S_ISLNK(info.st_mode)) {
+            error = ELOOP;
+        }
+        throw errnoError(error, "folder " + name);
+    }
+    return fd;
+}
+
+void makeFolder(int at, const std::string& name) {
+    if (::mkdirat(at, name.c_str(), 0755) != 0 && errno != EEXIST) {
+        throw std::runtime_error("cannot make folder " + name + ": " + std::strerror(errno));
+    }
+}
+
+bool hidden(const std::string& name) {
+    return name == "." || name == ".." || startsWith(name, kTemporaryPrefix);
+}
+
+struct DirCloser {
+    void operator()(DIR* dir) const { ::closedir(dir); }
+};
+
+// Calls back with each name until the callback says false.
+void eachName(int folder, const std::function<bool(const std::string&)>& visit) {
+    Fd copy(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::unique_ptr<DIR, DirCloser> dir(copy ? ::fdopendir(copy.get()) : nullptr);
+    if (!dir) {
+        throw errnoError(errno, "list");
+    }
+    copy.release();
+    while (dirent* entry = ::readdir(dir.get())) {
+        if (!hidden(entry->d_name) && !visit(entry->d_name)) {
+            return;
+        }
+    }
+}
+
+Entry fromStat(const struct stat& info, const std::string& name, bool readOnly) {
+    Entry entry;
+    entry.name = name;
+    entry.isFolder = S_ISDIR(info.st_mode);
+    entry.size = info.st_size;
+    entry.mtime = info.st_mtim.tv_sec;
+    entry.mode = info.st_mode & (readOnly ? 0555 : 0777);
+    return entry;
+}
+
+bool served(const struct stat& info) {
+    return S_ISDIR(info.st_mode) || S_ISREG(info.st_mode);
+}
+
+int64_t sumBelow(int folder) {
+    int64_t sum = 0;
+    eachName(folder, [&](const std::string& name) {
+        struct stat info {};
+        if (::fstatat(folder, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+            return true;
+        }
+        if (S_ISREG(info.st_mode)) {
+            sum += info.st_size;
+        } else if (S_ISDIR(info.st_mode)) {
+            sum += sumBelow(openFolderAt(folder, name).get());
+        }
+        return true;
+    });
+    return sum;
+}
+
+}  // namespace
+
+void checkName(const std::string& name) {
+    if (name.empty() || name.find('/') != std::string::npos || name.find('\0') != std::string::npos) {
+        throw StatusError(Status::IllegalName, "not a name: \"" + name + "\"");
+    }
+    if (name == "." || name == "..") {
+        throw StatusError(Status::Denied, "a path may not step sideways: \"" + name + "\"");
+    }
+    if (startsWith(name, kTemporaryPrefix)) {
+        throw StatusError(Status::Denied, "names of unfinished uploads are the server's own");
+    }
+    if (name.size() > kLongestName) {
+        throw StatusError(Status::NameTooLong, "name of " + std::to_string(name.size()) + " bytes");
+    }
+}
+
+Tree::Tree(const std::string& root, const Users& users, const Teams& teams) : users_(users), teams_(teams) {
+    root_.reset(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!root_) {
+        throw std::runtime_error("cannot open the root " + root + ": " + std::strerror(errno));
+    }
+    makeFolder(root_.get(), kHomes);
+    homes_ = openFolderAt(root_.get(), kHomes);
+    for (const auto& [name, user] : users.all()) {
+        makeFolder(homes_.get(), name);
+    }
+    for (const Team& team : teams.all()) {
+        const User* owner = users.find(team.owner);
+        if (!owner) {
+            throw std::runtime_error("team folder of an unknown user: " + team.owner);
+        }
+        Folder at;
+        at.shares = true;
+        std::vector<std::string> path = pieces(team.path);
+        for (size_t i = 0; i < path.size(); ++i) {
+            if (i > 0) {
+                makeFolder(at.fd.get(), path[i]);
+            }
+            at.fd = openChild(*owner, at, path[i]);
+            at.shares = false;
+        }
+    }
+}
+
+Fd Tree::openShare(const User& user, const std::string& name) const {
+    if (name == "home") {
+        return openFolderAt(homes_.get(), user.name);
+    }
+    if (name == kHomes && !user.admin) {
+        throw StatusError(Status::Denied, "the homes of all users are for administrators");
+    }
+    return openFolderAt(root_.get(), name);
+}
+
+Fd Tree::openChild(const User& user, const Folder& folder, const std::string& name) const {
+    return folder.shares ? openShare(user, name) : openFolderAt(folder.fd.get(), name);
+}
+
+bool Tree::homeExists(const User& user) const {
+    struct stat info {};
+    return ::fstatat(homes_.get(), user.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISDIR(info.st_mode);
+}
+
+Folder Tree::openTeam(const User& user, const std::string& rest) const {
+    size_t slash = std::min(rest.find('/'), rest.size());
+    const Team* team = teams_.find(rest.substr(0, slash));
+    if (!team) {
+        throw StatusError(Status::Missing, "no team folder vtf://" + rest.substr(0, slash));
+    }
+    auto receiver = team->receivers.find(user.name);
+    if (user.name != team->owner && receiver == team->receivers.end()) {
+        throw StatusError(Status::Denied,
+                          "team folder vtf://" + team->id + " isn't shared with " + user.name);
+    }
+    Folder folder = open(*users_.find(team->owner), team->path);
+    folder.readOnly = user.name != team->owner && receiver->second;
+    for (const std::string& piece : pieces(rest.substr(slash))) {
+        folder.fd = openChild(user, folder, piece);
+    }
+    return folder;
+}
+
+Folder Tree::open(const User& user, const std::string& path) const {
+    if (startsWith(path, kScheme)) {
+        return openTeam(user, path.substr(std::strlen(kScheme)));
+    }
+    if (path.empty() || path[0] != '/') {
+        throw StatusError(Status::Missing, "path doesn't begin with a slash: \"" + path + "\"");
+    }
+    Folder folder;
+    folder.shares = true;
+    for (const std::string& piece : pieces(path)) {
+        folder.inHome = folder.inHome || (folder.shares && piece == "home");
+        folder.fd = openChild(user, folder, piece);
+        folder.shares = false;
+    }
+    return folder;
+}
+
+Entry Tree::describe(const Folder& folder, int fd, const std::string& name) const {
+    struct stat info {};
+    if (::fstat(fd, &info) != 0) {
+        throw errnoError(errno, name);
+    }
+    return fromStat(info, name, folder.readOnly);
+}
+
+std::vector<Entry> Tree::list(const User& user, const Folder& folder) const {
+    std::vector<Entry> out;
+    if (folder.shares) {
+        if (homeExists(user)) {
+            out.push_back(describe(folder, openShare(user, "home").get(), "home"));
+        }
+        eachName(root_.get(), [&](const std::string& name) {
+            struct stat info {};
+            bool offered = name != "home" && (name != kHomes || user.admin);
+            if (offered && ::fstatat(root_.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+                S_ISDIR(info.st_mode)) {
+                out.push_back(fromStat(info, name, false));
+            }
+            return true;
+        });
+        return out;
+    }
+    if (!describe(folder, folder.fd.get(), "folder").readable()) {
+        throw StatusError(Status::Denied, "the folder may not be read");
+    }
+    eachName(folder.fd.get(), [&](const std::string& name) {
+        struct stat info {};
+        if (::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && served(info)) {
+            out.push_back(fromStat(info, name, folder.readOnly));
+        }
+        return true;
+    });
+    return out;
+}
+
+bool Tree::hasChild(const User& user, const Folder& folder, const std::string& name) const {
+    Fd child = openChild(user, folder, name);
+    bool found = false;
+    eachName(child.get(), [&](const std::string& inner) {
+        struct stat info {};
+        found = ::fstatat(child.get(), inner.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && served(info);
+        return !found;
+    });
+    return found;
+}
+
+std::optional<Entry> Tree::lookup(const User& user, const Folder& folder, const std::string& name) const {
+    if (name.empty() && !folder.shares) {
+        return describe(folder, folder.fd.get(), name);
+    }
+    checkName(name);
+    if (folder.shares) {
+        try {
+            return describe(folder, openShare(user, name).get(), name);
+        } catch (const StatusError& error) {
+            if (error.status() == Status::Missing) {
+                return std::nullopt;
+            }
+            throw;
+        }
+    }
+    struct stat info {};
+    if (::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno == ENOENT) {
+            return std::nullopt;
+        }
+        throw errnoError(errno, name);
+    }
+    if (!served(info)) {
+        throw StatusError(Status::Denied, name + " is neither a file nor a folder");
+    }
+    return fromStat(info, name, folder.readOnly);
+}
+
+int64_t Tree::totalSize(const User& user, const Folder& folder, const std::string& name) const {
+    std::optional<Entry> entry = lookup(user, folder, name);
+    if (!entry) {
+        throw StatusError(Status::Missing, "nothing named " + name);
+    }
+    if (!entry->isFolder) {
+        return entry->size;
+    }
+    return name.empty() ? sumBelow(folder.fd.get()) : sumBelow(openChild(user, folder, name).get());
+}
+
+Fd Tree::openFile(const Folder& folder, const std::string& name) const {
+    checkName(name);
+    if (folder.shares) {
+        throw StatusError(Status::Missing, "no files beside the shares");
+    }
+    // Not blocking: a fifo in the folder must not hold the thread.
+    Fd fd(::openat(folder.fd.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    if (!fd) {
+        throw errnoError(errno, name);
+    }
+    struct stat info {};
+    if (::fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        throw StatusError(S_ISDIR(info.st_mode) ? Status::Missing : Status::Denied, name + " is no file");
+    }
+    if (!fromStat(info, name, folder.readOnly).readable()) {
+        throw StatusError(Status::Denied, name + " may not be read");
+    }
+    return fd;
+}
+
+void Tree::setTime(const User& user, const Folder& folder, const std::string& name, int64_t mtime) const {
+    std::optional<Entry> entry = lookup(user, folder, name);
+    if (!entry) {
+        throw StatusError(Status::Missing, "nothing named " + name);
+    }
+    if (!entry->writable()) {
+        throw StatusError(Status::Denied, name + " may not be written");
+    }
+    timespec times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(mtime), 0}};
+    Fd share;
+    int result = 0;
+    if (folder.shares || name.empty()) {
+        share = folder.shares ? openShare(user, name) : Fd();
+        result = ::futimens(share ? share.get() : folder.fd.get(), times);
+    } else {
+        result = ::utimensat(folder.fd.get(), name.c_str(), times, AT_SYMLINK_NOFOLLOW);
+    }
+    if (result != 0) {
+        throw errnoError(errno, name);
+    }
+}
+
+}  // namespace nas

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fd.h"
+#include "status.h"
+#include "teams.h"
+#include "users.h"
+
+namespace nas {
+
+struct Entry {
+    std::string name;
+    bool isFolder = false;
+    int64_t size = 0;
+    int64_t mtime = 0;
+    unsigned mode = 0;  // permission bits; the owner's decide what users of the server may do
+
+    bool readable() const { return mode & 0400; }
+    bool writable() const { return mode & 0200; }
+    // The permission bits written as a decimal number: 0755 is 755.
+    int privilege() const {
+        return static_cast<int>((mode >> 6 & 7) * 100 + (mode >> 3 & 7) * 10 + (mode & 7));
+    }
+    // 0 nothing, 1 read, 2 read and write.
+    int access() const { return writable() ? 2 : readable() ? 1 : 0; }
+};
+
+// An opened folder of some user's tree.
+struct Folder {
+    Fd fd;
+    bool shares = false;  // the tree's top, whose children are the shares
+    bool inHome = false;
+    bool readOnly = false;  // by the rule of a team folder
+};
+
+// The folder that is served, seen through one user's eyes: "/home" is the user's own folder, the other top
+// folders are shares, and "vtf://<id>/" is a team folder. Every step down is taken by openat without
+// following symbolic links, so no path, and no race, leads out of the root.
+class Tree {
+public:
+    Tree(const std::string& root, const Users& users, const Teams& teams);
+
+    Folder open(const User& user, const std::string& path) const;
+    bool homeExists(const User& user) const;
+
+    std::vector<Entry> list(const User& user, const Folder& folder) const;
+    bool hasChild(const User& user, const Folder& folder, const std::string& name) const;
+    // Nothing if there is no such entry; an empty name is the folder itself.
+    std::optional<Entry> lookup(const User& user, const Folder& folder, const std::string& name) const;
+    int64_t totalSize(const User& user, const Folder& folder, const std::string& name) const;
+    Fd openFile(const Folder& folder, const std::string& name) const;
+    void setTime(const User& user, const Folder& folder, const std::string& name, int64_t mtime) const;
+
+private:
+    Fd openShare(const User& user, const std::string& name) const;
+    Fd openChild(const User& user, const Folder& folder, const std::string& name) const;
+    Folder openTeam(const User& user, const std::string& rest) const;
+    Entry describe(const Folder& folder, int fd, const std::string& name) const;
+
+    const Users& users_;
+    const Teams& teams_;
+    Fd root_;
+    Fd homes_;
+};
+
+// Uploads in progress bear this prefix; such names are nobody's business.
+extern const char* const kTemporaryPrefix;
+
+// Throws unless the name can be that of a file or folder.
+void checkName(const std::string& name);
+
+}  // namespace nas

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace nas {
+
+struct User {
+    std::string name;
+    std::string password;
+    bool admin = false;
+    int64_t quota = -1;  // bytes that the home may hold; -1 is no limit
+};
+
+class Users {
+public:
+    // "name:password" or "name:password:admin". Throws std::invalid_argument.
+    void add(const std::string& rule);
+    // "name:bytes".
+    void setQuota(const std::string& rule);
+
+    const User* find(const std::string& name) const;
+    // The user, if the password is right.
+    const User* check(const std::string& name, const std::string& password) const;
+    const std::map<std::string, User>& all() const { return users_; }
+
+private:
+    std::map<std::string, User> users_;
+};
+
+}  // namespace nas

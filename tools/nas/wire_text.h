@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace nas {
+
+// Key and value pairs in the order in which they came.
+using Fields = std::vector<std::pair<std::string, std::string>>;
+
+// One permitted sequence of keys; an item is "key" or "key=value" where the value is fixed.
+using Shape = std::vector<std::string>;
+
+// "a=b&c=d" with percent-encoding. Refuses anything that the protocol's encoders would not have written.
+Fields decodeFields(const std::string& raw, const std::string& what);
+
+// Refuses fields that match none of the shapes, naming the first difference to the nearest one.
+void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what);
+
+bool hasField(const Fields& fields, const std::string& key);
+const std::string& field(const Fields& fields, const std::string& key);
+
+// A whole decimal number, or a refusal that names the key.
+int64_t numberField(const Fields& fields, const std::string& key);
+
+std::string decodeBase64(const std::string& text, const std::string& what);
+
+bool validUtf8(const std::string& text);
+
+}  // namespace nas
