@@ -60,7 +60,7 @@ void addFileCommands(const Commands& commands) {
                                     void (*run)(const GlobalOptions&, const std::string&)) {
         CLI::App* command = commands.app.add_subcommand(name, help);
         auto path = std::make_shared<std::string>();
-        command->add_option("path", *path, "The path on the server")->required();
+        command->add_option("path", *path, "The path on the server")->type_name("")->required();
         command->callback(
             [&global, &action, path, run] { action = [&global, path, run] { run(global, *path); }; });
     };

@@ -217,8 +217,9 @@ void addGetCommand(const Commands& commands) {
     CLI::App* command = commands.app.add_subcommand(
         "get", "Download a file; run it again to go on with one that was stopped");
     auto options = std::make_shared<GetOptions>();
-    command->add_option("remote", options->remote, "The file on the server")->required();
-    command->add_option("local", options->local, "Where to put it: a file or a folder (the current folder)");
+    command->add_option("remote", options->remote, "The file on the server")->type_name("")->required();
+    command->add_option("local", options->local, "Where to put it: a file or a folder (the current folder)")
+        ->type_name("");
     command->add_flag("--overwrite,-f", options->overwrite, "Replace a file that exists");
     command->add_flag("--restart", options->restart, "Drop what is left of an earlier try");
     command->callback(

@@ -246,18 +246,25 @@ void addListCommands(const Commands& commands) {
 
     CLI::App* ls = commands.app.add_subcommand("ls", "List a folder, all pages of it");
     auto options = std::make_shared<ListOptions>();
-    ls->add_option("path", options->path, "The folder; / lists the shares")->capture_default_str();
+    ls->add_option("path", options->path, "The folder; / lists the shares")
+        ->type_name("")
+        ->capture_default_str();
     ls->add_option("--pattern", options->pattern, "Only names that match, with * and ?")
+        ->type_name("PATTERN")
         ->capture_default_str();
     ls->add_option("--sort", options->sort, "name, size (largest first), mtime (newest first), or none")
-        ->check(CLI::IsMember({"name", "size", "mtime", "none"}))
+        ->check(CLI::IsMember({"name", "size", "mtime", "none"}).description(""))
+        ->type_name("ORDER")
         ->capture_default_str();
     ls->add_flag("--reverse,-r", options->reverse, "The other way round");
     auto* folders = ls->add_flag("--folders", options->folders, "Only folders");
     ls->add_flag("--files", options->files, "Only files")->excludes(folders);
-    ls->add_option("--limit", options->limit, "Show at most so many entries")->check(CLI::PositiveNumber);
+    ls->add_option("--limit", options->limit, "Show at most so many entries")
+        ->check(CLI::Range(1u, 4294967295u).description(""))
+        ->type_name("COUNT");
     ls->add_option("--page-size", options->pageSize, "Entries asked for in one request")
-        ->check(CLI::Range(1, 10000))
+        ->check(CLI::Range(1, 10000).description(""))
+        ->type_name("COUNT")
         ->capture_default_str();
     ls->callback([&global, &action, options] { action = [&global, options] { list(global, *options); }; });
 
@@ -265,7 +272,7 @@ void addListCommands(const Commands& commands) {
                                     void (*run)(const GlobalOptions&, const std::string&)) {
         CLI::App* command = commands.app.add_subcommand(name, help);
         auto path = std::make_shared<std::string>();
-        command->add_option("path", *path, "The path on the server")->required();
+        command->add_option("path", *path, "The path on the server")->type_name("")->required();
         command->callback(
             [&global, &action, path, run] { action = [&global, path, run] { run(global, *path); }; });
     };

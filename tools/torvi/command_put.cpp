@@ -131,17 +131,20 @@ void addPutCommand(const Commands& commands) {
     Action& action = commands.action;
     CLI::App* command = commands.app.add_subcommand("put", "Upload a file; it keeps its modification time");
     auto options = std::make_shared<PutOptions>();
-    command->add_option("local", options->local, "The file on this machine")->required();
+    command->add_option("local", options->local, "The file on this machine")->type_name("")->required();
     command->add_option("remote", options->remote, "Its path on the server, or the folder to put it in")
+        ->type_name("")
         ->required();
     command->add_flag("--overwrite,-f", options->overwrite, "Replace a file that exists");
     auto* plain = command->add_flag("--plain", options->plain,
                                     "The older upload: the file gets the time of its arrival");
-    command->add_option("--rename", options->rename, "Rename target that goes to the server with the upload")
+    command->add_option("--rename", options->rename, "Name or path that the server gives the file in the end")
+        ->type_name("TARGET")
         ->excludes(plain);
     command
         ->add_option("--upload-root", options->uploadRoot,
                      "Folder under which the server keeps its temporary files (the destination's share)")
+        ->type_name("FOLDER")
         ->excludes(plain);
     command->callback(
         [&global, &action, options] { action = [&global, options] { put(global, *options); }; });

@@ -84,6 +84,7 @@ int main(int argc, char** argv) {
     torvi::addPutCommand(commands);
     torvi::addGetCommand(commands);
     torvi::addFileCommands(commands);
+    torvi::addFooter(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

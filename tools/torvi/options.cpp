@@ -3,6 +3,10 @@
 namespace torvi {
 namespace {
 
+constexpr const char* kCommandFooter =
+    "Connection, proxy and output options (--server, --user, --json, ...) may stand here too: see torvi "
+    "--help";
+
 constexpr const char* kFooter = R"(
 Where a value comes from: the command line, then the environment (TORVI_SERVER, TORVI_PORT, TORVI_USER,
 TORVI_PASSWORD, TORVI_PROXY_USER, TORVI_PROXY_PASSWORD), then the profile that `torvi login` stored.
@@ -26,11 +30,24 @@ Exit codes:
 
 }  // namespace
 
-void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
+void addFooter(CLI::App& app) {
     app.footer(kFooter);
+}
+
+void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
+    // What the subcommands inherit comes before they are made.
+    app.footer(kCommandFooter);
     app.require_subcommand(1);
     // Options of the program may stand behind the subcommand too.
     app.fallthrough();
+    app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+        std::string message = error.what();
+        // A word that is no command shows only in what is left over.
+        const bool unknown = failed->get_parent() == nullptr && failed->get_subcommands().empty();
+        if (unknown && failed->remaining_size() > 0)
+            message = failed->remaining().front() + ": no such command";
+        return "torvi: " + message + "\nRun torvi --help for more information.\n";
+    });
     app.set_version_flag("--version", "torvi " TORVI_VERSION);
 
     const char* connection = "Connection";
@@ -38,18 +55,22 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
         ->envname("TORVI_SERVER")
         ->group(connection);
     app.add_option("--port", options.port, "Port (8080, or 443 with --tls)")
-        ->check(CLI::Range(1, 65535))
+        ->check(CLI::Range(1, 65535).description(""))
         ->envname("TORVI_PORT")
+        ->type_name("PORT")
         ->group(connection);
     app.add_flag("--tls,!--no-tls", options.tls, "Use HTTPS. The certificate is not verified")
         ->group(connection);
-    app.add_option("--user", options.user, "User name")->envname("TORVI_USER")->group(connection);
+    app.add_option("--user", options.user, "User name")
+        ->envname("TORVI_USER")
+        ->type_name("NAME")
+        ->group(connection);
     app.add_option("--password-file", options.passwordFile,
                    "Read the password from the file's first line; - is stdin")
         ->type_name("FILE")
         ->group(connection);
     app.add_option("--timeout", options.timeoutSeconds, "Seconds that a login may take (15)")
-        ->check(CLI::Range(0.001, 86400.0))
+        ->check(CLI::Range(0.001, 86400.0).description(""))
         ->type_name("SECONDS")
         ->group(connection);
     app.add_option("--node", options.node, "Slave id of the cluster node that has the path")
@@ -59,9 +80,12 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
         ->group(connection);
 
     const char* proxy = "Proxy";
-    app.add_option("--proxy", options.proxy, "none, system, or HOST:PORT of an HTTP proxy")->group(proxy);
+    app.add_option("--proxy", options.proxy, "none, system, or HOST:PORT of an HTTP proxy")
+        ->type_name("PROXY")
+        ->group(proxy);
     app.add_option("--proxy-user", options.proxyUser, "User name for the proxy")
         ->envname("TORVI_PROXY_USER")
+        ->type_name("NAME")
         ->group(proxy);
     app.add_option("--proxy-password-file", options.proxyPasswordFile,
                    "Read the proxy's password from the file's first line")

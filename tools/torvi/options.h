@@ -35,7 +35,10 @@ struct Commands {
     Action& action;
 };
 
+/// Before the commands.
 void addGlobalOptions(CLI::App& app, GlobalOptions& options);
+/// The program's own last words in its help, after the commands.
+void addFooter(CLI::App& app);
 
 // One per family.
 void addSessionCommands(const Commands& commands);
