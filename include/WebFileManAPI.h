@@ -80,7 +80,7 @@
 /// - `proxyMode` 2 is a manual HTTP proxy at `proxyHost`, which is "host:port" with a port up to 32767. 0
 ///   (none given) and 1 (the system's) use the process's default, which is the `http_proxy` of the
 ///   environment unless the application has set another by `QNetworkProxyFactory`; the proxy texts are then
-///   ignored. The three texts may be null.
+///   ignored. The three texts may be null. A POST over plain HTTP offers the proxy Basic credentials only.
 /// - `forwardedFor` is the address that a client on the NAS itself acts for; sent only if `server` is
 ///   "127.0.0.1".
 /// - `reserved` arguments are ignored; pass 0 or null.
@@ -102,6 +102,9 @@
 ///   process needs a `QCoreApplication` (it doesn't have to be in `exec()`), or else the call returns 8.
 /// - While a call waits, timers, sockets and queued slots of the caller's own thread run too. In a user
 ///   interface's thread that includes its events, so that a second call may begin inside the first.
+/// - `QCoreApplication::quit()`, for a call in the main thread, and `QThread::quit()`, for one in that
+///   thread, end a call that waits, with 2. Outside `exec()` the quit stays in force: later calls in that
+///   thread end so too.
 /// - A context isn't locked. Calls only read it, so several threads may use one, except while one of them
 ///   runs WFMUpdateTeamFolderInfo or WFMFreeAuthContext on it. Give each worker thread a clone.
 /// - A `bool*` cancel or stop flag may be null, and may be set from another thread while the call runs. Where
