@@ -103,8 +103,8 @@
 /// - While a call waits, timers, sockets and queued slots of the caller's own thread run too. In a user
 ///   interface's thread that includes its events, so that a second call may begin inside the first.
 /// - `QCoreApplication::quit()`, for a call in the main thread, and `QThread::quit()`, for one in that
-///   thread, end a call that waits, with 2. Outside `exec()` the quit stays in force: later calls in that
-///   thread end so too.
+///   thread, end a call that waits, as a lost connection does. Outside `exec()` the quit stays in force:
+///   later calls in that thread end so too.
 /// - A context isn't locked. Calls only read it, so several threads may use one, except while one of them
 ///   runs WFMUpdateTeamFolderInfo or WFMFreeAuthContext on it. Give each worker thread a clone.
 /// - A `bool*` cancel or stop flag may be null, and may be set from another thread while the call runs. Where
