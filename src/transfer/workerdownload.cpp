@@ -70,7 +70,10 @@ int HttpRequestWorker::download(HttpRequestInput* input, qint64 total, qint64 of
     buffer.open(QIODevice::ReadOnly);
     OneWayBody oneWay(buffer);
     Exchange exchange(*this, send(*input, request, oneWay));
-    reply->setReadBufferSize(kReadBuffer);
+    // Only once the request is on its way: of a bound set before that, Qt's network thread never hears when
+    // the method is POST, and it would hold the file.
+    QMetaObject::invokeMethod(
+        reply, [started = reply] { started->setReadBufferSize(kReadBuffer); }, Qt::QueuedConnection);
 
     llTotalFileSize = total;
     llStreamSize = total;
