@@ -11,14 +11,10 @@ namespace {
 
 constexpr size_t kUrlLimit = 2047;
 
-constexpr wchar_t kSyncService[] = L"%ls%ls:%d/%lscgi-bin/torvi/torvisrv.cgi?";
-constexpr wchar_t kSyncServiceFcgi[] = L"%ls%ls:%d/%lscgi-bin/torvi/torvisrv.fcgi?";
 /// Only a client on the NAS itself names this host.
 bool IsLocalServer(const wchar_t* server) {
     return std::wstring(L"127.0.0.1") == server;
 }
-
-constexpr wchar_t kFileManager[] = L"%ls%ls:%d/cgi-bin/filemanager/utilRequest.cgi?";
 
 }  // namespace
 
@@ -62,6 +58,7 @@ Call::Call(const CallRules& rules, const _WFM_AUTH_CONTEXT* context, const wchar
       m_context(context),
       m_needsSession(true),
       m_connection(context != nullptr ? Connection::Of(*context, server, port) : Connection{server, port}),
+      m_endpoint(rules.endpoint),
       m_timeoutMs(rules.timeoutMs) {}
 
 Call::Call(const CallRules& rules, const Connection& connection)
@@ -69,12 +66,14 @@ Call::Call(const CallRules& rules, const Connection& connection)
       m_context(nullptr),
       m_needsSession(false),
       m_connection(connection),
+      m_endpoint(rules.endpoint),
       m_timeoutMs(rules.timeoutMs) {}
 
 Call::~Call() = default;
 
 bool Call::connected() const {
-    if (m_needsSession && (m_context == nullptr || !IsGiven(m_context->pszSid))) return false;
+    if (m_needsSession && m_context == nullptr) return false;
+    if (m_needsSession && m_rules.needsSid && TextOf(m_context->pszSid).empty()) return false;
     // Without an application object the wait for the reply would never end.
     return IsGiven(m_connection.server) && m_connection.port != 0 && QCoreApplication::instance() != nullptr;
 }
@@ -86,37 +85,58 @@ uint32_t Call::refuse() {
 }
 
 void Call::begin(uint32_t* resultWord) {
-    m_resultWord = resultWord;
+    if (resultWord != nullptr) m_resultWord = resultWord;
     setResult(-1);
 }
 
 void Call::setTimeout(uint32_t msec) {
     constexpr uint32_t most = std::numeric_limits<int>::max();
-    m_timeoutMs = static_cast<int>(msec < most ? msec : most);
+    m_timeoutMs = static_cast<int>(std::min(msec, most));
 }
 
 void Call::route(const wchar_t* slaveID, const std::wstring& mappedSlaveID) {
     m_slavePrefix = SlavePrefix(*m_context, mappedSlaveID, slaveID);
 }
 
-std::wstring Call::serviceUrl() const {
-    if (!m_context->bUseNuboCGI)
-        return format(kFileManager, scheme(), m_connection.server, m_connection.port);
-    return format(m_useFcgi ? kSyncServiceFcgi : kSyncService, scheme(), m_connection.server,
-                  m_connection.port, m_slavePrefix.c_str());
+void Call::start(const char* method, std::wstring place, bool atEndpoint) {
+    m_place = std::move(place);
+    m_atEndpoint = atEndpoint;
+    m_input.emplace(QString(), method, m_connection.secure);
+    m_worker.reset();
 }
 
-HttpRequestInput& Call::request(const char* method, std::wstring url) {
+void Call::getNothing() {
+    m_input.emplace(QString(), "GET", m_connection.secure);
+    m_place.clear();
+    m_worker.reset();
+}
+
+/// Formed when the request goes out, so that it doesn't matter in which order its parts were told.
+std::wstring Call::url() const {
+    if (m_place.empty()) return {};
+    std::wstring place = m_place;
+    if (m_atEndpoint)
+        place = (usesSyncService() ? format(m_endpoint.syncService, m_slavePrefix.c_str())
+                                   : std::wstring(m_endpoint.fileManager)) +
+                m_place;
+    std::wstring url = m_connection.secure ? L"https://" : L"http://";
+    url += m_connection.server + format(L":%d", m_connection.port) + place;
     url.resize(std::min(url.size(), kUrlLimit));
-    m_input.emplace(ToQString(url), method, m_connection.secure);
+    return url;
+}
+
+HttpRequestInput* Call::request() {
+    m_input->url_str = ToQString(url());
     if (IsGiven(m_connection.agentName)) m_input->set_agent_name(ToQString(m_connection.agentName));
     m_input->set_timeout_msec(m_timeoutMs);
     // A client on the NAS itself tells the server which address it acts for; no other host is told.
     if (IsLocalServer(m_connection.server) && IsGiven(m_connection.forwardedFor))
         m_input->add_raw_header("X-Forwarded-For", ToQString(m_connection.forwardedFor));
-    return *m_input;
+    return &*m_input;
 }
 
+/// One worker serves one request. Proxy mode 0 needs no proxy record: the transport then does what it does
+/// for a record of that mode.
 HttpRequestWorker& Call::worker() {
     if (m_worker != nullptr) return *m_worker;
     m_worker = std::make_unique<HttpRequestWorker>(nullptr);
@@ -128,7 +148,7 @@ HttpRequestWorker& Call::worker() {
 }
 
 int Call::send() {
-    return worker().execute(&*m_input);
+    return worker().execute(request());
 }
 
 bool Call::judge(int networkError) {
@@ -141,25 +161,42 @@ void Call::failByHttp(int networkError) {
     const int httpStatus = worker().http_status;
     for (const HttpOutcome& outcome : m_rules.outcomes) {
         if (outcome.httpStatus != httpStatus) continue;
-        setResult(outcome.resultWord);
-        return fail(outcome.dwStatus, outcome.word);
+        if (outcome.resultWord != nullptr) setResult(*outcome.resultWord);
+        m_status = outcome.dwStatus;
+        return writeLine(outcome.line != nullptr ? outcome.line : m_rules.reason, outcome.word);
     }
     const bool connectFailed = networkError >= 1 && networkError <= 99;
-    fail(connectFailed ? WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL : WFM_PARSE_XML_HTTPTRAN_RECEIVE_FAIL,
-         QByteArray("FAIL(httpStatusCode=" + QByteArray::number(httpStatus) + ')').constData());
+    m_status = connectFailed ? WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL : WFM_PARSE_XML_HTTPTRAN_RECEIVE_FAIL;
+    writeLine(m_rules.reason, connectFailed ? m_rules.connectFailed : m_rules.receiveFailed);
 }
 
+void Call::failNotUnderstood() {
+    m_status = WFM_PARSE_XML_FAIL;
+    writeLine(m_rules.notUnderstood != nullptr ? m_rules.notUnderstood : m_rules.reason,
+              "WFM_PARSE_XML_FAIL");
+}
+
+namespace {
+
+/// The lines of a call, under the logger's guard.
+void WriteLine(Logger::LogLevel level, const char* format, va_list arguments) {
+    if (Logger::getInstance().enabled(level)) Logger::getInstance().vprintLog(level, format, arguments);
+}
+
+}  // namespace
+
 void Call::line(const char* format, ...) const {
-    if (!Logger::getInstance().enabled(m_rules.level)) return;
     va_list arguments;
     va_start(arguments, format);
-    Logger::getInstance().vprintLog(m_rules.level, format, arguments);
+    WriteLine(m_rules.level, format, arguments);
     va_end(arguments);
 }
 
-void Call::fail(uint32_t dwStatus, const char* word) {
-    m_status = dwStatus;
-    writeLine(m_rules.reason, word);
+void Call::debugLine(const char* format, ...) const {
+    va_list arguments;
+    va_start(arguments, format);
+    WriteLine(Logger::Debug, format, arguments);
+    va_end(arguments);
 }
 
 uint32_t Call::end() {
@@ -167,21 +204,48 @@ uint32_t Call::end() {
     return m_status;
 }
 
-/// One pass over the template, so that a caller's text that looks like a field stays as it is.
+uint32_t Call::answer(int64_t resultWord) {
+    setResult(resultWord);
+    return end();
+}
+
+uint32_t Call::answer(int64_t resultWord, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    WriteLine(m_rules.level, format, arguments);
+    va_end(arguments);
+    return answer(resultWord);
+}
+
+uint32_t Call::fail(uint32_t dwStatus, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    WriteLine(m_rules.level, format, arguments);
+    va_end(arguments);
+    m_status = dwStatus;
+    return end();
+}
+
+QString Call::fieldOf(const QString& field) const {
+    if (field == "call") return m_rules.call;
+    if (field == "server") return ToQString(m_connection.server);
+    if (field == "port") return QString::number(static_cast<int>(m_connection.port));
+    if (field == "status") return QString::number(static_cast<int>(m_status));
+    if (field == "subject") return m_subject;
+    if (field == "http") return QString::number(m_worker != nullptr ? m_worker->http_status : 0);
+    Q_ASSERT_X(false, "Call", "a log line names a field that there isn't");
+    return {};
+}
+
+/// One pass over the template, so that a caller's text that looks like a field stays as it is. The word,
+/// which is the rules' own, may have fields in turn.
 void Call::writeLine(const char* lineTemplate, const char* word) const {
-    const auto valueOf = [&](const QString& field) -> QString {
-        if (field == "call") return m_rules.call;
-        if (field == "server") return ToQString(m_connection.server);
-        if (field == "port") return QString::number(static_cast<int>(m_connection.port));
-        if (field == "status") return QString::number(static_cast<int>(m_status));
-        if (field == "subject") return ToQString(m_subject);
-        return word;
-    };
     QString text;
-    QString rest = lineTemplate;
+    QString rest = QString(lineTemplate).replace("{word}", word);
+    if (rest.isEmpty()) return;
     for (int open = rest.indexOf('{'); open >= 0; open = rest.indexOf('{')) {
         const int close = rest.indexOf('}', open);
-        text += rest.left(open) + valueOf(rest.mid(open + 1, close - open - 1));
+        text += rest.left(open) + fieldOf(rest.mid(open + 1, close - open - 1));
         rest = rest.mid(close + 1);
     }
     line("%s", (text + rest).toUtf8().constData());

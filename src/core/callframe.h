@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -38,11 +37,16 @@ inline std::wstring TextOf(const wchar_t* text) {
     return text != nullptr ? text : L"";
 }
 
+/// A pointer that the caller must give, whatever it points to: a buffer, or a text that may be empty.
+struct Given {
+    const void* pointer;
+};
+
 inline bool IsGiven(const wchar_t* text) {
     return text != nullptr && *text != L'\0';
 }
-inline bool IsGiven(wchar_t* buffer) {
-    return buffer != nullptr;
+inline bool IsGiven(Given given) {
+    return given.pointer != nullptr;
 }
 inline bool IsGiven(uint32_t number) {
     return number != 0;
@@ -50,10 +54,15 @@ inline bool IsGiven(uint32_t number) {
 inline bool IsGiven(int32_t number) {
     return number != 0;
 }
+inline bool IsGiven(int64_t number) {
+    return number != 0;
+}
 template <class T>
-bool IsGiven(const T* pointer) {
+bool IsGiven(T* pointer) {
     return pointer != nullptr;
 }
+/// Either a text or a buffer: the call must say which.
+bool IsGiven(wchar_t* ambiguous) = delete;
 
 /// A flag that another thread or the progress callback may set while a call runs; null is never set.
 inline bool IsSet(const volatile bool* flag) {
@@ -67,6 +76,9 @@ inline const wchar_t* AgentOrDefault(const wchar_t* agentName) {
 
 /// A query argument, percent-encoded.
 std::wstring Encoded(std::wstring text);
+inline std::wstring Encoded(const wchar_t* text) {
+    return Encoded(TextOf(text));
+}
 
 /// The node that a session's request must name in front of the URL's path: "<slave id>/", or nothing when the
 /// node is the session's own. The node that holds a mapped team folder goes before the caller's argument.
@@ -84,12 +96,12 @@ std::wstring SlavePrefix(const _WFM_AUTH_CONTEXT& context, const std::wstring& m
 ///     ... the call's own rules on what the server said ...
 ///     return call.answer(0);
 ///
-/// Every failure writes a reason line; end() and answer() add the summary line when the call failed.
+/// Every failure writes a reason line; end(), answer() and fail() add the summary line when the call failed.
 class Call {
 public:
     /// A call on a session; `context` may be null and is then refused.
     Call(const CallRules& rules, const _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port);
-    /// A call with no session, or one that checks its session itself.
+    /// A call that has no session.
     Call(const CallRules& rules, const Connection& connection);
     ~Call();
     Call(const Call&) = delete;
@@ -107,39 +119,51 @@ public:
     uint32_t refuse();
     /// From here on the call answers: the result word becomes -1.
     void begin(uint32_t* resultWord);
-
     /// What the {subject} of this call's lines is.
-    void about(const wchar_t* subject) { m_subject = subject; }
+    void about(const wchar_t* subject) { m_subject = ToQString(subject); }
 
-    // Request: what holds for all of it first, then get() or post()
+    // Request: each get() or post() starts a new one
 
-    /// Another time-out than the rules'.
-    void setTimeout(uint32_t msec);
-    void setAgent(const wchar_t* agentName) { m_connection.agentName = agentName; }
-    void route(const wchar_t* slaveID, const std::wstring& mappedSlaveID = {});
-    void routeToFcgi() { m_useFcgi = m_context->bUseFcgi; }
-    bool usesSyncService() const { return m_context->bUseNuboCGI; }
     const wchar_t* sid() const { return m_context->pszSid; }
+    bool usesSyncService() const { return m_context->bUseNuboCGI; }
+    bool usesFcgi() const { return m_context->bUseFcgi; }
+    const _WFM_AUTH_CONTEXT& context() const { return *m_context; }
 
-    /// Starts the request to the session's service; the template is its query.
+    /// Another CGI, agent, time-out or node than the rules and the session say.
+    void use(const Endpoint& endpoint) { m_endpoint = endpoint; }
+    void setAgent(const wchar_t* agentName) { m_connection.agentName = agentName; }
+    void setTimeout(uint32_t msec);
+    void route(const wchar_t* slaveID, const std::wstring& mappedSlaveID = {});
+
+    /// A request to the endpoint that the session speaks to; the template is its query.
     template <class... Arguments>
-    HttpRequestInput& get(const wchar_t* query, const Arguments&... arguments) {
-        return request("GET", serviceUrl() + format(query, Raw(arguments)...));
+    void get(const wchar_t* query, const Arguments&... arguments) {
+        start("GET", L"?" + format(query, Raw(arguments)...), true);
     }
     template <class... Arguments>
-    HttpRequestInput& post(const wchar_t* query, const Arguments&... arguments) {
-        return request("POST", serviceUrl() + format(query, Raw(arguments)...));
+    void post(const wchar_t* query, const Arguments&... arguments) {
+        start("POST", L"?" + format(query, Raw(arguments)...), true);
     }
-    /// The same for a URL of the call's own; the template begins with scheme, server and port.
+    /// A request to one place of the server; the template is the URL's text behind the port.
     template <class... Arguments>
-    HttpRequestInput& getAt(const wchar_t* url, const Arguments&... arguments) {
-        return request("GET",
-                       format(url, scheme(), m_connection.server, m_connection.port, Raw(arguments)...));
+    void getAt(const wchar_t* place, const Arguments&... arguments) {
+        start("GET", format(place, Raw(arguments)...), false);
     }
     template <class... Arguments>
-    HttpRequestInput& postAt(const wchar_t* url, const Arguments&... arguments) {
-        return request("POST",
-                       format(url, scheme(), m_connection.server, m_connection.port, Raw(arguments)...));
+    void postAt(const wchar_t* place, const Arguments&... arguments) {
+        start("POST", format(place, Raw(arguments)...), false);
+    }
+    /// A request to nowhere, which the transport refuses.
+    void getNothing();
+
+    /// The form fields of the request, in order.
+    void field(const char* key, const std::wstring& value) { m_input->add_var(key, ToQString(value)); }
+    void field(const char* key, const wchar_t* value) { m_input->add_var(key, ToQString(value)); }
+    void field(const char* key, const char* value) { m_input->add_var(key, value); }
+    void field(const char* key, int64_t value) { field(key, std::to_wstring(value)); }
+    /// The file of an upload.
+    void addFile(const char* variable, const QString& localPath, const std::wstring& name, int64_t size) {
+        m_input->add_file(variable, localPath, ToQString(name), "application/octet-stream", size, 0, false);
     }
 
     // Exchange
@@ -148,29 +172,29 @@ public:
     int send();
     /// Runs the request. A failed one sets `dwStatus` and writes its reason.
     bool exchange() { return judge(send()); }
-    /// Judges what a transport of the call's own returned: 0 is a reply, anything else fails by the HTTP
-    /// status.
+    /// The request, made ready for a transport of the call's own.
+    HttpRequestInput* request();
+    HttpRequestWorker& worker();
+    /// Judges what such a transport returned: 0 is a reply, anything else fails by the HTTP status.
     bool judge(int networkError);
     /// Fails by the HTTP status.
     void failByHttp(int networkError);
-    /// The transport, made with the first use; transfers run it themselves.
-    HttpRequestWorker& worker();
-    HttpRequestInput* input() { return &*m_input; }
 
     // Reply
 
     template <class Parser>
     int parse(Parser& reply) {
-        m_body = worker().response;
-        return reply.Parser(m_body.data());
+        return reply.Parser(worker().response.data());
     }
     /// Parses the reply; one that isn't understood fails with 14.
     template <class Parser>
     bool understands(Parser& reply) {
         if (parse(reply) == 1) return true;
-        fail(WFM_PARSE_XML_FAIL, "WFM_PARSE_XML_FAIL");
+        failNotUnderstood();
         return false;
     }
+    /// Fails with 14: the reply isn't understood, or lacks what the call can't do without.
+    void failNotUnderstood();
     /// exchange() and understands() in one.
     template <class Parser>
     bool ask(Parser& reply) {
@@ -179,22 +203,24 @@ public:
 
     // Outcome
 
-    /// One line of the call's own, spelled whole.
-    void line(const char* format, ...) const __attribute__((format(printf, 2, 3)));
-    /// Fails the call with a reason line made of `word`.
-    void fail(uint32_t dwStatus, const char* word);
-    /// Fails the call; the reason has been written, or there is none.
-    void fail(uint32_t dwStatus) { m_status = dwStatus; }
     uint32_t status() const { return m_status; }
-    void setResult(int64_t resultWord) { *m_resultWord = static_cast<uint32_t>(resultWord); }
+    void setStatus(uint32_t dwStatus) { m_status = dwStatus; }
     uint32_t result() const { return *m_resultWord; }
+    void setResult(int64_t resultWord) { *m_resultWord = static_cast<uint32_t>(resultWord); }
+
+    /// One line of the call's own, spelled whole; debugLine() at level 4.
+    void line(const char* format, ...) const __attribute__((format(printf, 2, 3)));
+    void debugLine(const char* format, ...) const __attribute__((format(printf, 2, 3)));
+
     /// Ends the call: the summary line if it failed; its `dwStatus`.
     uint32_t end();
-    /// Sets the result word and ends the call.
-    uint32_t answer(int64_t resultWord) {
-        setResult(resultWord);
-        return end();
-    }
+    /// Ends the call without a line.
+    uint32_t leave(uint32_t dwStatus) { return m_status = dwStatus; }
+    /// Ends the call with a result word, after a line if there is one to write.
+    uint32_t answer(int64_t resultWord);
+    uint32_t answer(int64_t resultWord, const char* format, ...) __attribute__((format(printf, 3, 4)));
+    /// Ends the call with a `dwStatus`, after the line that tells the reason.
+    uint32_t fail(uint32_t dwStatus, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 private:
     static const wchar_t* Raw(const std::wstring& text) { return text.c_str(); }
@@ -203,24 +229,25 @@ private:
     static int Raw(int number) { return number; }
 
     bool connected() const;
-    const wchar_t* scheme() const { return m_connection.secure ? L"https://" : L"http://"; }
-    std::wstring serviceUrl() const;
-    HttpRequestInput& request(const char* method, std::wstring url);
+    void start(const char* method, std::wstring place, bool atEndpoint);
+    std::wstring url() const;
     void writeLine(const char* lineTemplate, const char* word) const;
+    QString fieldOf(const QString& field) const;
 
-    const CallRules& m_rules;
+    const CallRules m_rules;
     const _WFM_AUTH_CONTEXT* const m_context;
     const bool m_needsSession;
     Connection m_connection;
-    const wchar_t* m_subject = L"";
-    std::wstring m_slavePrefix;
-    bool m_useFcgi = false;
+    Endpoint m_endpoint;
     int m_timeoutMs;
+    QString m_subject;
+    std::wstring m_slavePrefix;
+    std::wstring m_place;  // what stands behind the port, or behind the endpoint
+    bool m_atEndpoint = false;
     std::optional<HttpRequestInput> m_input;
     std::unique_ptr<HttpRequestWorker> m_worker;
-    QByteArray m_body;
     uint32_t m_status = 0;
-    uint32_t m_noResultWord = 0;
+    uint32_t m_noResultWord = static_cast<uint32_t>(-1);
     uint32_t* m_resultWord = &m_noResultWord;
 };
 

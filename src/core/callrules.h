@@ -7,23 +7,24 @@
 
 namespace Lattice {
 
-/// What one HTTP status means to a call: its `dwStatus`, the word of its reason line, what the server said by
-/// it.
+/// What one HTTP status means to a call.
 struct HttpOutcome {
     int httpStatus;
     uint32_t dwStatus;
-    const char* word;
-    int32_t resultWord;
+    const char* word;                     ///< the {word} of the reason line
+    const char* line = nullptr;           ///< instead of CallRules::reason
+    const int32_t* resultWord = nullptr;  ///< what the server said by it, where it said anything
 };
 
+inline constexpr int32_t kSaidUseTls = WFM_FORCE_HTTPS_REDIRECT;
+
 inline constexpr HttpOutcome kProxyRefused{407, WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ,
-                                           "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ", -1};
+                                           "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ"};
 inline constexpr HttpOutcome kServiceUnavailable{503, WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL,
-                                                 "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", -1};
-inline constexpr HttpOutcome kCgiNotFound{404, WFM_PARSE_XML_CGI_NOT_FOUND, "WFM_PARSE_XML_CGI_NOT_FOUND",
-                                          -1};
-inline constexpr HttpOutcome kRedirectToHttps{302, WFM_PARSE_XML_FAIL, "WFM_FORCE_HTTPS_REDIRECT",
-                                              WFM_FORCE_HTTPS_REDIRECT};
+                                                 "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL"};
+inline constexpr HttpOutcome kCgiNotFound{404, WFM_PARSE_XML_CGI_NOT_FOUND, "WFM_PARSE_XML_CGI_NOT_FOUND"};
+inline constexpr HttpOutcome kRedirectToTls{302, WFM_PARSE_XML_FAIL, "WFM_FORCE_HTTPS_REDIRECT", nullptr,
+                                            &kSaidUseTls};
 
 /// The HTTP statuses that a call tests by name, in order; every other one is a plain failure.
 struct HttpOutcomes {
@@ -36,28 +37,55 @@ struct HttpOutcomes {
 inline constexpr HttpOutcomes kProxyAndService{{kProxyRefused, kServiceUnavailable}, 2};
 inline constexpr HttpOutcomes kWithNotFound{{kCgiNotFound, kProxyRefused, kServiceUnavailable}, 3};
 inline constexpr HttpOutcomes kLoginOutcomes{
-    {kCgiNotFound, kProxyRefused, kServiceUnavailable, kRedirectToHttps}, 4};
+    {kCgiNotFound, kProxyRefused, kServiceUnavailable, kRedirectToTls}, 4};
+
+/// A CGI in its two generations, by the URL's text behind the port. Only the sync service's takes the slave
+/// prefix, at its "%ls".
+struct Endpoint {
+    const wchar_t* syncService;
+    const wchar_t* fileManager;
+};
+
+inline constexpr Endpoint kService{L"/%lscgi-bin/torvi/torvisrv.cgi",
+                                   L"/cgi-bin/filemanager/utilRequest.cgi"};
+/// The faster end of the sync service, where the session's server has it.
+inline constexpr Endpoint kServiceFcgi{L"/%lscgi-bin/torvi/torvisrv.fcgi",
+                                       L"/cgi-bin/filemanager/utilRequest.cgi"};
+
+/// A transfer lasts as long as its bytes flow.
+inline constexpr int kNoTimeout = 0;
 
 /// In what one call's traffic and log lines differ from another's.
 ///
 /// The lines are templates. {call} is the prefix and the name as this call's lines spell them, {server},
-/// {port} and {status} are the call's own, {subject} the text given to Call::about, {word} what went wrong.
+/// {port} and {status} are the call's own, {http} is the HTTP status, {subject} the text given to
+/// Call::about, {word} what went wrong. An empty template writes no line.
 struct CallRules {
     constexpr explicit CallRules(const char* callName) : call(callName) {}
 
     const char* call;
     const char* refused = "{call}({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER";
     const char* reason = "{call}: {word}";
+    const char* notUnderstood = nullptr;  ///< the line of a reply that isn't understood; null: `reason`
+    const char* connectFailed = "FAIL(httpStatusCode={http})";  ///< the {word} of any other HTTP status
+    const char* receiveFailed = "FAIL(httpStatusCode={http})";
     const char* summary = "{call}({server}:{port}) failed dwStatus({status})";
     HttpOutcomes outcomes = kProxyAndService;
+    Endpoint endpoint = kService;
     int timeoutMs = 60000;
     Logger::LogLevel level = Logger::Error;
+    bool needsSid = true;  ///< whether a session without a sid is refused
 
     constexpr CallRules withRefused(const char* line) const { return with(&CallRules::refused, line); }
     constexpr CallRules withReason(const char* line) const { return with(&CallRules::reason, line); }
+    constexpr CallRules withNotUnderstood(const char* line) const {
+        return with(&CallRules::notUnderstood, line);
+    }
     constexpr CallRules withSummary(const char* line) const { return with(&CallRules::summary, line); }
     constexpr CallRules withTimeout(int msec) const { return with(&CallRules::timeoutMs, msec); }
     constexpr CallRules withOutcomes(HttpOutcomes tested) const { return with(&CallRules::outcomes, tested); }
+    constexpr CallRules withEndpoint(Endpoint cgi) const { return with(&CallRules::endpoint, cgi); }
+    constexpr CallRules withoutSidCheck() const { return with(&CallRules::needsSid, false); }
 
 private:
     template <class Member, class Value>
@@ -67,8 +95,5 @@ private:
         return copy;
     }
 };
-
-/// A transfer lasts as long as its bytes flow.
-inline constexpr int kNoTimeout = 0;
 
 }  // namespace Lattice

@@ -13,9 +13,13 @@ inline bool IsPresent(const Json::Value& object, const char* key) {
     return object.isMember(key) && !object[key].isNull();
 }
 
+/// A number that no server sends; its client code is -1.
+inline constexpr int kNoStatus = -1000;
+
 /// "status" as a client code, or `absent` when the reply has none.
 inline int TranslatedStatus(const Json::Value& object, int absent) {
-    return IsPresent(object, "status") ? TranslateWFMErrorCode(JsonGetInt(object, "status", -1)) : absent;
+    return IsPresent(object, "status") ? TranslateWFMErrorCode(JsonGetInt(object, "status", kNoStatus))
+                                       : absent;
 }
 
 /// A number of 64 bits, sent as a number or as text.

@@ -39,7 +39,7 @@ uint32_t GetPath(_WFM_AUTH_CONTEXT* context, const wchar_t* agentName, const wch
             call.sid(), path, kDirection, limit, kSortBy, start, noSort,
             checkChild ? L"&check_child=4" : L"");
     } else {
-        call.getAt(L"");  // nothing to ask for: the transport refuses it
+        call.getNothing();
     }
     reply->nextStart = start;
     reply->pattern = pattern;

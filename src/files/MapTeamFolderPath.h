@@ -11,10 +11,10 @@ struct RemotePath {
     std::wstring parent;
     std::wstring name;
     std::wstring slaveID{};  ///< empty when nothing was mapped or nothing is known of nodes
-    bool mapped = false;
+    bool matched = false;    ///< a team folder holds it, whether or not its place is known
 
     /// The path is the root of a team folder.
-    bool isTeamRoot() const { return mapped && name.empty(); }
+    bool isTeamRoot() const { return matched && name.empty(); }
 };
 
 /// "/home/.Torvi", the virtual folder whose children are the team folders.

@@ -1,4 +1,5 @@
 #include "core/GetResultJson.h"
+#include "files/RouteTo.h"
 #include "transfer/filepart.h"
 
 using namespace Lattice;
@@ -11,21 +12,18 @@ uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
     call.begin(resultWord);
 
     // A file is created by uploading nothing, and an existing one is emptied.
-    const RemotePath target = MapDestination(*context, path);
-    call.route(slaveID, target.slaveID);
-    AddFilePart(
-        call.post(L"func=upload&sid=%ls&dest_path=%ls&overwrite=%d", call.sid(), Encoded(target.parent), 1),
-        target.name, ToQString(target.name), 0);
-    if (!call.judge(call.worker().upload(call.input(), "Upload", true, nullptr, nullptr))) return call.end();
+    const RemotePath target = RouteTo(call, slaveID, path);
+    call.post(L"func=upload&sid=%ls&dest_path=%ls&overwrite=%d", call.sid(), Encoded(target.parent), 1);
+    AddFilePart(call, target.name, ToQString(target.name), 0);
+    if (!call.judge(call.worker().upload(call.request(), "Upload", true, nullptr, nullptr)))
+        return call.end();
 
     CWebFileManGetResultJson reply;
     const int parsed = call.parse(reply);
-    if (parsed != 1 || !reply.GetResult()) {
-        call.line("[WFM] WFMCreateFile: WFM_PARSE_XML_FAIL nParseResult(%d) Result(%d)", parsed,
-                  reply.GetResult());
-        call.fail(WFM_PARSE_XML_FAIL);
-        return call.end();
-    }
+    if (parsed != 1 || !reply.GetResult())
+        return call.fail(WFM_PARSE_XML_FAIL,
+                         "[WFM] WFMCreateFile: WFM_PARSE_XML_FAIL nParseResult(%d) Result(%d)", parsed,
+                         reply.GetResult());
     if (reply.GetStatus() == 0) return call.answer(0);
     call.line("[WFM] WFMCreateFile: get error status = %d, %ls", reply.GetStatus(),
               (WithTrailingSlash(target.parent) + target.name).c_str());

@@ -1,6 +1,7 @@
 #include "core/callframe.h"
 #include "files/GetFolderInfoJson.h"
 #include "files/MapTeamFolderPath.h"
+#include "files/PathRecord.h"
 
 using namespace Lattice;
 
@@ -12,7 +13,7 @@ uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
     Call call(rules, context, server, port);
     if (!call.accepts(parent, name, resultWord)) return call.refuse();
     call.begin(resultWord);
-    if (information != nullptr) *information = {};
+    if (information != nullptr) *information = EmptyPathRecord();
 
     // The shares themselves are the children of a node of their own.
     const std::wstring folder =
@@ -27,8 +28,8 @@ uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
 
     if (reply.GetStatus() == WFM_PERMISSION_DENY) return call.answer(ERROR_ACCESS_DENIED);
     if (reply.records.size() != 1) {
-        LogLine(Logger::Debug, "[WFM] WFMGetFolderInformation: ERROR_PATH_NOT_FOUND(PathInfo num=%d)",
-                static_cast<int>(reply.records.size()));
+        call.debugLine("[WFM] WFMGetFolderInformation: ERROR_PATH_NOT_FOUND(PathInfo num=%d)",
+                       static_cast<int>(reply.records.size()));
         return call.answer(ERROR_PATH_NOT_FOUND);
     }
     if (information != nullptr) *information = reply.records.front();

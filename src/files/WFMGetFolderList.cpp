@@ -23,8 +23,7 @@ uint32_t WFMGetFolderList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
         case WFM_PERMISSION_DENY:
             return call.answer(ERROR_ACCESS_DENIED);
         case WFM_NOT_AUTHENTICATED:
-            call.line("[WFM] WFMGetFolderList: ERROR_NOT_AUTHENTICATED");
-            return call.answer(ERROR_NOT_AUTHENTICATED);
+            return call.answer(ERROR_NOT_AUTHENTICATED, "[WFM] WFMGetFolderList: ERROR_NOT_AUTHENTICATED");
         default:
             *list = HandOverList(reply.records);
             *count = static_cast<uint32_t>(reply.records.size());

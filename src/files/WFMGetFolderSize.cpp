@@ -1,6 +1,5 @@
-#include "core/callframe.h"
 #include "files/GetFolderSizeJson.h"
-#include "files/MapTeamFolderPath.h"
+#include "files/RouteTo.h"
 
 using namespace Lattice;
 
@@ -13,8 +12,7 @@ uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
     if (!call.accepts(name, parent, resultWord, size)) return call.refuse();
     call.begin(resultWord);
 
-    const RemotePath path = MapTeamFolderPath(*context, WithLeadingSlash(parent), name);
-    call.route(slaveID, path.slaveID);
+    const RemotePath path = RouteTo(call, slaveID, WithLeadingSlash(parent), name);
     call.get(L"func=properties&sid=%ls&path=%ls&total=1&name=%ls", call.sid(), Encoded(path.parent),
              Encoded(path.name));
     CGetFolderSizeJson reply;
@@ -22,10 +20,9 @@ uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
 
     switch (reply.GetStatus()) {
         case 0:
-            if (!reply.IsValid()) {
-                call.line("[WFM] WWFMGetFolderSize: ERROR_INVALID_PARAMETER");
-                return call.answer(ERROR_INVALID_PARAMETER);
-            }
+            if (!reply.IsValid())
+                return call.answer(ERROR_INVALID_PARAMETER,
+                                   "[WFM] WWFMGetFolderSize: ERROR_INVALID_PARAMETER");
             *size = reply.GetSize();
             return call.answer(0);
         case WFM_PERMISSION_DENY:
@@ -33,7 +30,6 @@ uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
         case WFM_FILE_NO_EXIST:
             return call.answer(ERROR_PATH_NOT_FOUND);
         default:
-            call.line("[WFM] WWFMGetFolderSize: ERROR_UNKNOWN Status(%d)", reply.GetStatus());
-            return call.end();
+            return call.answer(-1, "[WFM] WWFMGetFolderSize: ERROR_UNKNOWN Status(%d)", reply.GetStatus());
     }
 }

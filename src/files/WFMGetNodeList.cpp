@@ -100,6 +100,6 @@ uint32_t WFMGetNodeList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint3
     }
     if (total != nullptr) *total = found;
     *start = reply.nextStart + (isTeamRoot ? *teamCount : 0);
-    call.fail(dwStatus);
+    call.setStatus(dwStatus);
     return call.end();
 }

@@ -31,7 +31,7 @@ uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server
     if (!serverSidePath) path = MapTeamFolderPath(*context, path.parent, path.name);
 
     call.route(slaveID, path.slaveID);
-    call.routeToFcgi();
+    if (call.usesFcgi()) call.use(kServiceFcgi);
     if (fieldMask & (kFieldPrivilegeEx | kFieldUploadPrivilege))
         call.get(L"func=stat&path=%ls&file_total=1&file_name=%ls&get_privilege=1%ls&sid=%ls",
                  Encoded(path.parent), Encoded(path.name),
@@ -48,24 +48,20 @@ uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server
             break;
         case WFM_PERMISSION_DENY:
             // A team folder that isn't one's own is not to be told apart from an absent one.
-            if (path.mapped) {
-                call.line("[WFM] WFMGetPathInformation: IsTeamFolder&&Permission deny");
-                return call.answer(ERROR_PATH_NOT_FOUND);
-            }
-            LogLine(Logger::Debug, "[WFM] WFMGetPathInformation: WFM_PERMISSION_DENY");
+            if (path.matched)
+                return call.answer(ERROR_PATH_NOT_FOUND,
+                                   "[WFM] WFMGetPathInformation: IsTeamFolder&&Permission deny");
+            call.debugLine("[WFM] WFMGetPathInformation: WFM_PERMISSION_DENY");
             return call.answer(ERROR_ACCESS_DENIED);
         case WFM_FILE_NO_EXIST:
             return call.answer(ERROR_PATH_NOT_FOUND);
         default:
-            call.line("[WFM] WFMGetPathInformation: ERROR_UNKNOWN Status(%d)", reply.GetStatus());
-            return call.end();
+            return call.answer(-1, "[WFM] WFMGetPathInformation: ERROR_UNKNOWN Status(%d)",
+                               reply.GetStatus());
     }
-    if (reply.records.size() != 1) {
-        call.line("[WFM] WFMGetPathInformation: Get path num (%d) != 1",
-                  static_cast<int>(reply.records.size()));
-        call.fail(WFM_PARSE_XML_FAIL);
-        return call.end();
-    }
+    if (reply.records.size() != 1)
+        return call.fail(WFM_PARSE_XML_FAIL, "[WFM] WFMGetPathInformation: Get path num (%d) != 1",
+                         static_cast<int>(reply.records.size()));
     const _WFM_PATH_INFORMATION& found = reply.records.front();
     if (!found.bExists) {
         if (fieldMask & kFieldUploadPrivilege) information->nPrivilegeEx = found.nPrivilegeEx;

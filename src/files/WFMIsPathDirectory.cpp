@@ -22,5 +22,5 @@ uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wchar_t* server, u
     else if (*resultWord != ERROR_PATH_NOT_FOUND)
         call.line("[WFM] WFMIsPathDirectory: WFMGetPathInformation failed(dwParseStatus=%d)(dwStatus=%d)",
                   static_cast<int>(dwStatus), static_cast<int>(*resultWord));
-    return dwStatus;
+    return call.leave(dwStatus);
 }

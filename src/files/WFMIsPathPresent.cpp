@@ -13,7 +13,7 @@ uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
     *isPresent = false;
 
     const SplitPath split = SplitAtLastSlash(WithLeadingSlash(path));
-    if (split.name.empty() && split.parent.empty()) return WFM_PARSE_XML_FAIL;
+    if (split.name.empty() && split.parent.empty()) return call.leave(WFM_PARSE_XML_FAIL);
 
     _WFM_PATH_INFORMATION information;
     uint32_t dwStatus;
@@ -22,7 +22,7 @@ uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
             context, server, port, slaveID, split.name.c_str(), split.parent.c_str(), kFieldIsFolder,
             wantFolder ? kTypeFolders : kTypeFiles, serverSidePath, cancel, resultWord, &information);
         *isPresent = dwStatus == 0 && *resultWord == 0;
-        if (*isPresent || *resultWord == ERROR_PATH_NOT_FOUND) return dwStatus;
+        if (*isPresent || *resultWord == ERROR_PATH_NOT_FOUND) return call.leave(dwStatus);
     } else {
         // A share at the top.
         dwStatus = WFMGetFolderInformation(context, server, port, slaveID, L"/", split.name.c_str(),
@@ -33,12 +33,12 @@ uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uin
                 "[WFM] WFMGetFolderInformation: WFMGetFolderInformation path not "
                 "sync(PathInfo.szPathName=%ls)(DestPathName=%ls)",
                 information.szPathName, split.name.c_str());
-            return WFM_PARSE_XML_FAIL;
+            return call.leave(WFM_PARSE_XML_FAIL);
         }
         *isPresent = dwStatus == 0 && (*resultWord == 0 || *resultWord == ERROR_ACCESS_DENIED);
-        if (*isPresent) return dwStatus;
+        if (*isPresent) return call.leave(dwStatus);
     }
     call.line("[WFM] WFMGetFolderInformation: WFMGetFolderInformation failed(dwParseStatus=%d)(dwResult=%d)",
               static_cast<int>(dwStatus), static_cast<int>(*resultWord));
-    return dwStatus;
+    return call.leave(dwStatus);
 }

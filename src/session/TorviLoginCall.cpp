@@ -10,8 +10,8 @@ namespace {
 constexpr uint32_t kDefaultTimeoutMs = 15000;
 
 /// The password travels as base64 of its UTF-8 bytes: no hash and no salt, TLS is what protects it.
-QString EncodedPassword(const wchar_t* password) {
-    return QString::fromLatin1(ToQString(password).toUtf8().toBase64());
+QByteArray EncodedPassword(const wchar_t* password) {
+    return ToUtf8(password).toBase64();
 }
 
 void FillNetwork(const CTorviLogin& reply, _WFM_NETWORK_INFORMATION& network) {
@@ -59,24 +59,22 @@ uint32_t TorviLogin(const wchar_t* server, int32_t port, const wchar_t* user, co
                                 proxyUser,   proxyPassword,
                                 forwardedFor};
     Call call(rules, connection);
-    const bool passwordGiven = password != nullptr;  // it may be empty
-    if (!passwordGiven || !call.accepts(user, computerName, uid, serverNameCapacity, clientVersion,
-                                        serverName, isAdmin, isSlave, resultWord, context))
+    if (!call.accepts(user, Given{password}, computerName, uid, serverNameCapacity, clientVersion,
+                      Given{serverName}, isAdmin, isSlave, resultWord, context))
         return call.refuse();
     *isAdmin = *isSlave = false;
     call.begin(resultWord);
 
     call.setTimeout(timeoutMs != nullptr && *timeoutMs != 0 ? *timeoutMs : kDefaultTimeoutMs);
     // The server is asked once; whether to try another CGI is the client's decision.
-    HttpRequestInput& request = call.postAt(useFcgi ? L"%ls%ls:%d/cgi-bin/torvi/torvisrv.fcgi?func=login"
-                                                    : L"%ls%ls:%d/cgi-bin/torvi/torvisrv_login.cgi");
-    request.add_var("user", ToQString(user));
-    request.add_var("pwd", EncodedPassword(password));
-    request.add_var("nubo_user", "1");
-    request.add_var("nubo_computer", ToQString(computerName));
-    request.add_var("uid", ToQString(uid));
-    request.add_var("nubo_device_type", QString::number(deviceType));
-    request.add_var("Torvi_client_version", ToQString(clientVersion));
+    call.postAt(useFcgi ? L"/cgi-bin/torvi/torvisrv.fcgi?func=login" : L"/cgi-bin/torvi/torvisrv_login.cgi");
+    call.field("user", user);
+    call.field("pwd", EncodedPassword(password).constData());
+    call.field("nubo_user", "1");
+    call.field("nubo_computer", computerName);
+    call.field("uid", uid);
+    call.field("nubo_device_type", deviceType);
+    call.field("Torvi_client_version", clientVersion);
 
     // A redirect to TLS ends without a network error, with a body that isn't understood: the HTTP status
     // decides.
@@ -91,14 +89,14 @@ uint32_t TorviLogin(const wchar_t* server, int32_t port, const wchar_t* user, co
 
     if (network != nullptr) FillNetwork(reply, *network);
     if (auto session = OpenSession(reply, connection, useFcgi)) {
-        *isSlave = IsGiven(std::as_const(session->szSlaveID));
-        CopyText(serverName, serverNameCapacity, reply.servername);
+        *isSlave = !TextOf(session->szSlaveID).empty();
+        if (!reply.servername.empty()) CopyText(serverName, serverNameCapacity, reply.servername);
         *isAdmin = reply.isAdmin;
         *context = session.release();
     } else if (call.status() == 0) {
         // Despite its words this is the normal end of every refused login; the line has no prefix.
         call.line("TorviLogin: Failed to allocate memory pSid");
-        call.fail(WFM_PARSE_XML_FAIL);
+        call.setStatus(WFM_PARSE_XML_FAIL);
     }
     return call.end();
 }

@@ -15,16 +15,15 @@ uint32_t WFMGetVersion(const wchar_t* server, uint32_t port, const wchar_t* agen
     *version = {};
 
     // The bare CGI answers with its version, on either service and without a session.
-    call.getAt(L"%ls%ls:%d/cgi-bin/filemanager/utilRequest.cgi");
+    call.getAt(L"/cgi-bin/filemanager/utilRequest.cgi");
     CGetVersionJson reply;
     if (!call.ask(reply)) return call.end();
 
     // A server that doesn't tell its version is not a usable server.
-    if (reply.GetVersion().empty() || reply.GetBuildNumber().empty()) {
-        call.line("[WFM] WFMGetVersion: ERROR_NOT_SUPPORTED strVersion(%ls) strBuildNumber(%ls)",
-                  reply.GetVersion().c_str(), reply.GetBuildNumber().c_str());
-        return call.answer(ERROR_NOT_SUPPORTED);
-    }
+    if (reply.GetVersion().empty() || reply.GetBuildNumber().empty())
+        return call.answer(ERROR_NOT_SUPPORTED,
+                           "[WFM] WFMGetVersion: ERROR_NOT_SUPPORTED strVersion(%ls) strBuildNumber(%ls)",
+                           reply.GetVersion().c_str(), reply.GetBuildNumber().c_str());
     CopyTextCut(version->szVersion, reply.GetVersion());
     CopyTextCut(version->szBuildNumber, reply.GetBuildNumber());
     return call.answer(0);

@@ -1,8 +1,7 @@
 #include <QFile>
 
-#include "core/callframe.h"
-#include "files/MapTeamFolderPath.h"
 #include "files/PathRecord.h"
+#include "files/RouteTo.h"
 
 using namespace Lattice;
 
@@ -24,12 +23,11 @@ uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
     call.begin(resultWord);
 
     const SplitPath split = *remotePath == L'/' ? SplitAtLastSlash(remotePath) : SplitPath{};
-    const RemotePath source = MapTeamFolderPath(*context, split.parent, split.name);
+    const RemotePath source = RouteTo(call, slaveID, split.parent, split.name);
     if (source.parent.empty() || source.name.empty()) {
-        call.line("[WFM] WFMDownloadFileToHandle: ERROR_FILE_NOT_FOUND(%ls)(%ls)", source.name.c_str(),
-                  source.parent.c_str());
-        call.fail(WFM_PARSE_XML_FAIL);
-        return call.answer(ERROR_FILE_NOT_FOUND);
+        call.setResult(ERROR_FILE_NOT_FOUND);
+        return call.fail(WFM_PARSE_XML_FAIL, "[WFM] WFMDownloadFileToHandle: ERROR_FILE_NOT_FOUND(%ls)(%ls)",
+                         source.name.c_str(), source.parent.c_str());
     }
 
     _WFM_PATH_INFORMATION information;
@@ -42,25 +40,24 @@ uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
         call.setResult(0);
         total = *size;
     } else {
-        call.fail(askServer(resultWord));
+        call.setStatus(askServer(resultWord));
         if (call.status() != 0) return call.answer(-1);
         total = information.llSize;
     }
     if (total < 1) return call.end();  // nothing to fetch
     call.setResult(-1);
 
-    call.route(slaveID, source.slaveID);
-    HttpRequestInput& request = call.post(L"func=download");
-    request.add_var("isfolder", "0");
-    request.add_var("sid", ToQString(call.sid()));
-    request.add_var("source_total", "1");
-    request.add_var("source_path", ToQString(source.parent));
-    request.add_var("source_file", ToQString(source.name));
-    if (offset != nullptr) request.add_var("offset", QString::number(static_cast<qlonglong>(*offset)));
+    call.post(L"func=download");
+    call.field("isfolder", "0");
+    call.field("sid", call.sid());
+    call.field("source_total", "1");
+    call.field("source_path", source.parent);
+    call.field("source_file", source.name);
+    if (offset != nullptr) call.field("offset", *offset);
 
     const int64_t from = offset != nullptr && *offset > 0 ? *offset : 0;
     HttpRequestWorker& worker = call.worker();
-    const int started = worker.download(call.input(), total, from, callback, lpData, file);
+    const int started = worker.download(call.request(), total, from, callback, lpData, file);
     if (worker.dwProgress == 2) return call.answer(ERROR_INVALID_DATA);
     if (worker.dwProgress == 1 || IsSet(stop)) return call.answer(kTransferStopped);
     // The transport doesn't report what the network did: the caller compares the file with the size it
@@ -72,8 +69,8 @@ uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
                   source.name.c_str());
         uint32_t asked = 0;
         if (askServer(&asked) == 0 && asked == 0) {
-            LogLine(Logger::Debug, "[WFM] WFMDownloadFileToHandle: WFMGetPathInformation(%ls) filesize(%lld)",
-                    split.name.c_str(), static_cast<long long>(information.llSize));
+            call.debugLine("[WFM] WFMDownloadFileToHandle: WFMGetPathInformation(%ls) filesize(%lld)",
+                           split.name.c_str(), static_cast<long long>(information.llSize));
             if (information.llSize != 0) {
                 call.line("[WFM] WFMDownloadFileToHandle: (%ls) ACCESS_DENIED", split.name.c_str());
                 call.setResult(ERROR_ACCESS_DENIED);

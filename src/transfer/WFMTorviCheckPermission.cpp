@@ -1,6 +1,5 @@
 #include "core/StatusResultJson.h"
-#include "core/callframe.h"
-#include "files/MapTeamFolderPath.h"
+#include "files/RouteTo.h"
 
 using namespace Lattice;
 
@@ -12,8 +11,7 @@ uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
     if (!call.accepts(resultWord)) return call.refuse();
     call.begin(resultWord);
 
-    const RemotePath path = MapTeamFolderPath(*context, TextOf(folder), TextOf(fileName));
-    call.route(slaveID, path.slaveID);
+    const RemotePath path = RouteTo(call, slaveID, TextOf(folder), TextOf(fileName));
     call.get(L"func=nubo_check_permission&sid=%ls&path=%ls&file_name=%ls&check_upload=1", call.sid(),
              Encoded(path.parent), Encoded(path.name));
     CWFMStatusResultJson reply;

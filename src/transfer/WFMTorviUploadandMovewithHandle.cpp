@@ -1,5 +1,6 @@
 #include <QFile>
 
+#include "files/RouteTo.h"
 #include "transfer/GetUploadChunkResultJson.h"
 #include "transfer/filepart.h"
 
@@ -9,7 +10,7 @@ namespace {
 
 // The missing W of the first word must stay.
 constexpr HttpOutcomes kOutcomes{
-    {{407, WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ, "FM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ", -1},
+    {{407, WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ, "FM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ"},
      kServiceUnavailable},
     2};
 
@@ -50,19 +51,17 @@ uint32_t WFMTorviUploadandMovewithHandle(_WFM_AUTH_CONTEXT* context, const wchar
     if (!call.accepts(destination, uploadRoot, resultWord) || !IsReadableFile(file)) return call.refuse();
     call.begin(resultWord);
 
-    const RemotePath target = MapDestination(*context, destination);
-    call.route(slaveID, target.slaveID);
-    const std::wstring rename =
-        IsGiven(renameTarget) ? L"&rename_dest=" + Encoded(renameTarget) : std::wstring();
-    AddFilePart(
-        call.post(L"func=upload_and_move&sid=%ls&settime=1&mtime=%ls&filesize=%ls&dest_path=%ls&overwrite=%d"
-                  L"%ls&upload_root_dir=%ls",
-                  call.sid(), std::to_wstring(modifiedTime), std::to_wstring(fileSize),
-                  Encoded(target.parent), overwrite & 0xFFU, rename, Encoded(uploadRoot)),
-        target.name, LocalPath(*file), fileSize);
+    const RemotePath target = RouteTo(call, slaveID, destination);
+    const std::wstring rename = IsGiven(renameTarget) ? L"&rename_dest=" + Encoded(renameTarget) : L"";
+    call.post(
+        L"func=upload_and_move&sid=%ls&settime=1&mtime=%ls&filesize=%ls&dest_path=%ls&overwrite=%d%ls&upload_"
+        L"root_dir=%ls",
+        call.sid(), std::to_wstring(modifiedTime), std::to_wstring(fileSize), Encoded(target.parent),
+        overwrite & 0xFFU, rename, Encoded(uploadRoot));
+    AddFilePart(call, target.name, LocalPath(*file), fileSize);
 
     HttpRequestWorker& worker = call.worker();
-    if (call.judge(worker.upload(call.input(), "upload_and_move", false, callback, lpData)))
+    if (call.judge(worker.upload(call.request(), "upload_and_move", false, callback, lpData)))
         Judge(call, destination);
     if (worker.dwProgress == 2) call.setResult(WFM_INVALID_DATA);
     return call.end();

@@ -1,6 +1,7 @@
 #include <QFile>
 
 #include "core/GetResultJson.h"
+#include "files/RouteTo.h"
 #include "transfer/filepart.h"
 
 using namespace Lattice;
@@ -10,10 +11,7 @@ namespace {
 /// What the server said of a finished upload.
 void Judge(Call& call) {
     CWebFileManGetResultJson reply;
-    if (call.parse(reply) != 1 || !reply.GetResult()) {
-        call.line("[WFM] WFMUploadFilewithHandle: WFM_PARSE_XML_FAIL");
-        return call.fail(WFM_PARSE_XML_FAIL);
-    }
+    if (call.parse(reply) != 1 || !reply.GetResult()) return call.failNotUnderstood();
     if (reply.GetStatus() == 0) return call.setResult(0);
     call.line("[WFM] WFMUploadFilewithHandle: get error status = %d", reply.GetStatus());
     if (reply.GetStatus() == WFM_PERMISSION_DENY) call.setResult(ERROR_ACCESS_DENIED);
@@ -30,6 +28,7 @@ uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
         CallRules("[WFM] WFMUploadFilewithHandle")
             .withRefused("{call}: WFM_PARSE_XML_INVALID_PARAMETER")
             .withReason("{call} {word}")
+            .withNotUnderstood("{call}: {word}")
             .withSummary("{call}({server}:{port}): ({subject})failed ({status}) ({subject})")
             .withTimeout(kNoTimeout);
     Call call(rules, context, server, port);
@@ -37,14 +36,13 @@ uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
     if (!call.accepts(destination, resultWord) || !IsReadableFile(file)) return call.refuse();
     call.begin(resultWord);
 
-    const RemotePath target = MapDestination(*context, destination);
-    call.route(slaveID, target.slaveID);
-    AddFilePart(call.post(L"func=upload&sid=%ls&dest_path=%ls&overwrite=%d", call.sid(),
-                          Encoded(target.parent), overwrite & 0xFFU),
-                target.name, LocalPath(*file), file->size());
+    const RemotePath target = RouteTo(call, slaveID, destination);
+    call.post(L"func=upload&sid=%ls&dest_path=%ls&overwrite=%d", call.sid(), Encoded(target.parent),
+              overwrite & 0xFFU);
+    AddFilePart(call, target.name, LocalPath(*file), file->size());
 
     HttpRequestWorker& worker = call.worker();
-    if (call.judge(worker.upload(call.input(), "Upload", false, callback, lpData))) Judge(call);
+    if (call.judge(worker.upload(call.request(), "Upload", false, callback, lpData))) Judge(call);
 
     // A stopped or short transfer outweighs what the server said.
     const bool isShort = call.result() == 0 && worker.llTotalFileSize != worker.llTotalBytesTransferred;

@@ -13,14 +13,9 @@ QString LocalPath(const QFile& file) {
     return QFileInfo(file).absoluteFilePath();
 }
 
-RemotePath MapDestination(const _WFM_AUTH_CONTEXT& context, const wchar_t* destination) {
-    const SplitPath split = SplitAtLastSlash(destination);
-    return MapTeamFolderPath(context, split.parent, split.name);
-}
-
-void AddFilePart(HttpRequestInput& request, const std::wstring& name, const QString& localPath, qint64 size) {
-    request.add_var("Filename", ToQString(name));
-    request.add_file("Filedata", localPath, ToQString(name), "application/octet-stream", size, 0, false);
+void AddFilePart(Call& call, const std::wstring& name, const QString& localPath, qint64 size) {
+    call.field("Filename", name);
+    call.addFile("Filedata", localPath, name, size);
 }
 
 }  // namespace Lattice

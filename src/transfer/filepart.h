@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/callframe.h"
-#include "files/MapTeamFolderPath.h"
 
 class QFile;
 
@@ -11,9 +10,7 @@ namespace Lattice {
 bool IsReadableFile(const QFile* file);
 /// The path on which the transport opens the caller's file by itself.
 QString LocalPath(const QFile& file);
-/// Where a destination, folder and file name in one text, lies on the server.
-RemotePath MapDestination(const _WFM_AUTH_CONTEXT& context, const wchar_t* destination);
 /// The form of an upload: the name as a plain field, then the file.
-void AddFilePart(HttpRequestInput& request, const std::wstring& name, const QString& localPath, qint64 size);
+void AddFilePart(Call& call, const std::wstring& name, const QString& localPath, qint64 size);
 
 }  // namespace Lattice

@@ -233,8 +233,8 @@ public:
     std::uint16_t port() const { return m_port; }
 
 private:
+    std::uint16_t m_port = 0;  // first: making the socket sets it
     int m_fd = -1;
-    std::uint16_t m_port = 0;
 };
 
 /// A port that nobody listened on a moment ago, for child processes that can't choose their own.

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "WebFileManAPI.h"
+
+/// Every call that talks to a server, as a row: how it is called, and how it words its failures.
+/// A row here gives a call all tests of the shared road: each fault of the transport, each kind of bad reply,
+/// the refused arguments and the time-out.
+struct CallRow {
+    const char* name = "";
+    /// Calls it with good arguments. `context` is null for the calls that have none.
+    std::function<uint32_t(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                           uint32_t* resultWord)>
+        run;
+    bool needsSession = true;
+    bool has404 = false;        ///< tells a missing CGI from other failures
+    bool isLogin = false;       ///< the HTTP status decides where a reply isn't understood
+    bool isWrapper = false;     ///< asks through another export
+    bool arrayIsReply = false;  ///< a JSON array is its good answer
+    bool nonObjectIsUnderstood = false;
+    int timeoutMs = 60000;  ///< 0: none
+    const char* goodReply = R"({"status":1,"success":"true"})";
+    /// The lines of a failed call. {word}, {port}, {status} and {result} are filled in.
+    std::vector<const char*> failure;
+    /// The line of a reply that isn't understood, if not the first of `failure` with WFM_PARSE_XML_FAIL.
+    const char* notUnderstood = nullptr;
+    const char* refused = nullptr;
+    const char* proxyWord = "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ";
+    /// Where the connection can't be made, the result word of a listing says so.
+    bool isListing = false;
+};
+
+inline void PrintTo(const CallRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
+const std::vector<CallRow>& callTable();
+
+/// Fills {name}s of a line template.
+std::string fillLine(std::string line, const std::string& word, uint32_t port, uint32_t status,
+                     int32_t result);

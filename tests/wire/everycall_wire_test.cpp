@@ -1,0 +1,233 @@
+// The road that all calls share, driven through every call of the table: what each fault of the network and
+// each kind of bad reply does to the two numbers and the log.
+
+#include <gtest/gtest.h>
+
+#include "calltable.h"
+#include "support/logcapture.h"
+#include "support/rawserver.h"
+#include "support/session.h"
+#include "support/timers.h"
+#include "support/wire.h"
+
+using namespace wire;
+
+namespace {
+
+constexpr uint32_t kUntouched = 0xABCD;
+
+/// What a call should come to, whichever call it is.
+struct Outcome {
+    uint32_t dwStatus;
+    std::string word;  ///< empty: the reply isn't understood
+    int32_t result = -1;
+};
+
+class EveryCallWire : public testing::TestWithParam<CallRow> {
+protected:
+    SessionPtr session() const {
+        SessionOptions options;
+        options.agentName = L"agent";
+        return GetParam().needsSession ? makeSession(options) : nullptr;
+    }
+
+    uint32_t run(uint16_t port, uint32_t* result) {
+        SessionPtr context = session();
+        m_log.clear();
+        *result = kUntouched;
+        return GetParam().run(context.get(), kServer, port, result);
+    }
+
+    void expectFailure(uint16_t port, Outcome outcome) {
+        const CallRow& row = GetParam();
+        const bool isConnectFault = outcome.dwStatus == 2;
+        if (row.isListing && isConnectFault) outcome.result = IsNetworkAlive() ? 53 : 1231;
+        uint32_t result = 0;
+        EXPECT_EQ(run(port, &result), outcome.dwStatus);
+        EXPECT_EQ(static_cast<int32_t>(result), outcome.result);
+
+        std::vector<std::string> expected;
+        for (const char* line : row.failure)
+            expected.push_back(fillLine(line, outcome.word.empty() ? "WFM_PARSE_XML_FAIL" : outcome.word,
+                                        port, outcome.dwStatus, outcome.result));
+        if (outcome.word.empty() && row.notUnderstood != nullptr) expected[0] = row.notUnderstood;
+        EXPECT_EQ(linesOfTheCall(), expected);
+    }
+
+    /// The outcome of a reply of HTTP 200 that isn't understood.
+    Outcome notUnderstood() const {
+        return GetParam().isLogin ? Outcome{6, "FAIL(httpStatusCode=200)"} : Outcome{14, ""};
+    }
+
+    /// Without debug output, and without the line in which the transport says that an upload broke.
+    std::vector<std::string> linesOfTheCall() {
+        std::vector<std::string> texts;
+        for (const LogLine& line : m_log.lines())
+            if (!line.level.empty() && line.text.find("HttpRequestWorker") == std::string::npos)
+                texts.push_back(line.text);
+        return texts;
+    }
+
+    LogCapture m_log;
+};
+
+std::string rowName(const testing::TestParamInfo<CallRow>& info) {
+    return info.param.name;
+}
+
+}  // namespace
+
+TEST_P(EveryCallWire, RefusesANullServerWithOneLineAndTouchesNothing) {
+    SessionPtr context = session();
+    m_log.clear();
+    for (const wchar_t* server : {static_cast<const wchar_t*>(nullptr), L""}) {
+        uint32_t result = kUntouched;
+        EXPECT_EQ(GetParam().run(context.get(), server, 80, &result), 8u);
+        if (std::string(GetParam().name) != "TorviLogout") {
+            EXPECT_EQ(result, kUntouched);
+        }
+    }
+    std::string line = fillLine(GetParam().refused, "", 80, 8, 0);
+    if (const auto at = line.find("{server}"); at != std::string::npos) line.erase(at, 8);
+    m_log.expectLines({line, line});
+}
+
+TEST_P(EveryCallWire, RefusesPortZeroBeforeAnythingElse) {
+    SessionPtr context = session();
+    m_log.clear();
+    uint32_t result = kUntouched;
+    EXPECT_EQ(GetParam().run(context.get(), kServer, 0, &result), 8u);
+    std::string line = fillLine(GetParam().refused, "", 0, 8, 0);
+    if (const auto at = line.find("{server}"); at != std::string::npos) line.replace(at, 8, "127.0.0.1");
+    m_log.expectLines({line});
+}
+
+TEST_P(EveryCallWire, RefusesANullContext) {
+    if (!GetParam().needsSession) GTEST_SKIP() << "has no session";
+    uint32_t result = kUntouched;
+    EXPECT_EQ(GetParam().run(nullptr, kServer, 80, &result), 8u);
+}
+
+TEST_P(EveryCallWire, SucceedsWithoutALine) {
+    RawServer server({Reply::json(GetParam().goodReply)});
+    uint32_t result = 0;
+    EXPECT_EQ(run(server.port(), &result), 0u);
+    m_log.expectNoLines();
+    EXPECT_EQ(server.requestCount(), 1u);
+}
+
+TEST_P(EveryCallWire, ReadsAChunkedReply) {
+    RawServer server({Reply::json(GetParam().goodReply).chunked()});
+    uint32_t result = 0;
+    EXPECT_EQ(run(server.port(), &result), 0u);
+}
+
+TEST_P(EveryCallWire, ReadsACompressedReply) {
+    RawServer server({Reply::json(GetParam().goodReply).gzip()});
+    uint32_t result = 0;
+    EXPECT_EQ(run(server.port(), &result), 0u);
+}
+
+TEST_P(EveryCallWire, Http407Is11) {
+    RawServer server({Reply::status(407)});
+    expectFailure(server.port(), {11, GetParam().proxyWord});
+}
+
+TEST_P(EveryCallWire, Http503Is12) {
+    RawServer server({Reply::status(503)});
+    expectFailure(server.port(), {12, "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL"});
+}
+
+TEST_P(EveryCallWire, Http404Is10WhereItIsTestedAnd6Elsewhere) {
+    RawServer server({Reply::status(404)});
+    expectFailure(server.port(), GetParam().has404 ? Outcome{10, "WFM_PARSE_XML_CGI_NOT_FOUND"}
+                                                   : Outcome{6, "FAIL(httpStatusCode=404)"});
+}
+
+TEST_P(EveryCallWire, Http500Is6EvenWithAGoodBody) {
+    RawServer server({Reply::status(500, GetParam().goodReply)});
+    expectFailure(server.port(), {6, "FAIL(httpStatusCode=500)"});
+}
+
+TEST_P(EveryCallWire, Http302IsNotFollowed) {
+    RawServer server({Reply::redirect("https://127.0.0.1/")});
+    expectFailure(server.port(),
+                  GetParam().isLogin ? Outcome{14, "WFM_FORCE_HTTPS_REDIRECT", -8} : Outcome{14, ""});
+    EXPECT_EQ(server.requestCount(), 1u);
+}
+
+TEST_P(EveryCallWire, ARefusedConnectionIs2) {
+    RefusedPort port;
+    expectFailure(port.port(), {2, "FAIL(httpStatusCode=0)"});
+}
+
+TEST_P(EveryCallWire, AConnectionClosedBeforeTheReplyIs2) {
+    RawServer server({Reply::closeBeforeReply()});
+    expectFailure(server.port(), {2, "FAIL(httpStatusCode=0)"});
+}
+
+TEST_P(EveryCallWire, APostIsNeverSentTwice) {
+    RawServer server({Reply::closeBeforeReply()});
+    uint32_t result = 0;
+    run(server.port(), &result);
+    if (server.request(0).method() == "POST") {
+        EXPECT_EQ(server.requestCount(), 1u);
+    }
+}
+
+TEST_P(EveryCallWire, AConnectionClosedInsideTheReplyIs2) {
+    RawServer server({Reply::json(GetParam().goodReply).contentLength(5000)});
+    expectFailure(server.port(), {2, "FAIL(httpStatusCode=200)"});
+}
+
+TEST_P(EveryCallWire, AnEmptyBodyIs14) {
+    RawServer server({Reply::json("")});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, ABodyThatIsNotJsonIs14) {
+    RawServer server({Reply::text("<html>sorry</html>")});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, ATruncatedBodyIs14) {
+    const std::string good = GetParam().goodReply;
+    RawServer server({Reply::json(good.substr(0, good.size() - 2))});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, AJsonTextIs14) {
+    if (GetParam().nonObjectIsUnderstood) GTEST_SKIP() << "has a rule of its own";
+    RawServer server({Reply::json(R"("status")")});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, AJsonArrayIs14) {
+    if (GetParam().nonObjectIsUnderstood || GetParam().arrayIsReply) GTEST_SKIP() << "has a rule of its own";
+    RawServer server({Reply::json("[]")});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, ANumberBeyond32BitsIs14) {
+    RawServer server({Reply::json(std::string(GetParam().name) == "WFMGetVersion"
+                                      ? R"({"version":[],"build":"1"})"
+                                      : R"({"status":99999999999,"sid":"x"})")});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, NestingDeeperThanTheReaderGoesIs14) {
+    RawServer server({Reply::json(std::string(5000, '[') + std::string(5000, ']'))});
+    expectFailure(server.port(), notUnderstood());
+}
+
+TEST_P(EveryCallWire, SetsItsOwnTimeout) {
+    RawServer server({Reply::json(GetParam().goodReply)});
+    SessionPtr context = session();
+    TimerCapture timers;
+    uint32_t result = 0;
+    GetParam().run(context.get(), kServer, server.port(), &result);
+    const int expected = GetParam().timeoutMs;
+    EXPECT_EQ(timers.started(), expected > 0 ? std::vector<int>{expected} : std::vector<int>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(, EveryCallWire, testing::ValuesIn(callTable()), rowName);
