@@ -17,6 +17,10 @@ struct UploadFile {
 
 using Context = _WFM_AUTH_CONTEXT*;
 
+uint32_t goOn(int64_t, int64_t, int64_t, int64_t, uint32_t, uint32_t, void*, void*, void*) {
+    return 0;
+}
+
 uint32_t getVersion(Context, const wchar_t* server, uint32_t port, uint32_t* result) {
     _WFM_VERSION_INFORMATION version;
     return WFMGetVersion(server, port, L"", false, 0, L"", L"", L"", L"", 0, result, &version);
@@ -95,14 +99,14 @@ uint32_t createFile(Context context, const wchar_t* server, uint32_t port, uint3
 
 uint32_t upload(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     UploadFile local;
-    return WFMUploadFilewithHandle(context, server, port, L"", &local.file, L"/home/a", nullptr, nullptr, 1,
+    return WFMUploadFilewithHandle(context, server, port, L"", &local.file, L"/home/a", nullptr, goOn, 1,
                                    nullptr, result);
 }
 
 uint32_t uploadAndMove(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     UploadFile local;
     return WFMTorviUploadandMovewithHandle(context, server, port, L"", &local.file, L"/home/a", L"/home/.up",
-                                           nullptr, 10, 1, nullptr, nullptr, 1, nullptr, result);
+                                           nullptr, 10, 1, nullptr, goOn, 1, nullptr, result);
 }
 
 uint32_t checkPermission(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
