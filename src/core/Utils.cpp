@@ -256,22 +256,23 @@ int Utf8ToUnicode_1(const char* in, wchar_t* out, int capacity) {
     if (!in || !out || capacity < 0) {
         return 0;
     }
-    // Counted first: a text that doesn't fit must leave `out` alone.
+    const auto begin = reinterpret_cast<const unsigned char*>(in);
     const auto room = static_cast<size_t>(capacity);
-    size_t length = 0;
-    for (auto at = reinterpret_cast<const unsigned char*>(in); *at; NextCharacter(at)) {
-        if (++length >= room) {
+    // No text has more characters than bytes. Where that doesn't settle it they are counted first: a text
+    // that doesn't fit must leave `out` alone.
+    if (std::strlen(in) >= room) {
+        size_t length = 0;
+        for (const unsigned char* at = begin; *at; NextCharacter(at)) {
+            ++length;
+        }
+        if (length >= room) {
             return 0;
         }
     }
-    if (length >= room) {
-        return 0;
+    for (const unsigned char* at = begin; *at;) {
+        *out++ = static_cast<wchar_t>(NextCharacter(at));
     }
-    auto at = reinterpret_cast<const unsigned char*>(in);
-    for (size_t i = 0; i < length; ++i) {
-        out[i] = static_cast<wchar_t>(NextCharacter(at));
-    }
-    out[length] = L'\0';
+    *out = L'\0';
     return 1;
 }
 

@@ -23,8 +23,11 @@ namespace {
 constexpr int threads = 4;
 constexpr int linesPerThread = 50;
 
+/// A call that is refused for its port: one line with the server's name, in characters of every length.
 void FailOnce() {
-    WFMCloneAuthContext(nullptr, nullptr);
+    uint32_t resultWord;
+    _WFM_VERSION_INFORMATION version;
+    WFMGetVersion(L"né文\U0001F600", 0, L"", false, 0, L"", L"", L"", L"", 0, &resultWord, &version);
 }
 
 void FailOften() {
@@ -60,7 +63,7 @@ int main(int argc, char** argv) {
     if (argc != 5) {
         return 2;
     }
-    const QString folder = QString::fromLocal8Bit(argv[1]);
+    const QString folder = QString::fromUtf8(argv[1]);
     const std::string application = argv[2], finish = argv[3], end = argv[4];
 
     qInstallMessageHandler(Handler);
