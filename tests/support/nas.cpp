@@ -82,7 +82,9 @@ void Nas::disarm() {
 }
 
 std::int64_t Nas::hits(int fault) {
-    for (const Json::Value& entry : parsed(control("GET", "faults"))["faults"]) {
+    // Held by name: the loop would outlive a temporary.
+    const Json::Value reply = parsed(control("GET", "faults"));
+    for (const Json::Value& entry : reply["faults"]) {
         if (entry["id"].asInt() == fault) return entry["hits"].asInt64();
     }
     throw std::out_of_range("no such fault: " + std::to_string(fault));
