@@ -26,6 +26,8 @@ struct HttpRequestWorker::Proxy {
 namespace {
 
 constexpr int kStatusTimeOut = 408;
+constexpr int kStatusUnauthorized = 401;
+constexpr int kProbeTimeOut = 10000;
 constexpr int kStatusProxyAuthentication = 407;
 
 bool hasBody(const QString& method) {
@@ -120,7 +122,7 @@ int HttpRequestWorker::execute(HttpRequestInput* input) {
     buffer.open(QIODevice::ReadOnly);
     OneWayBody oneWay(buffer);
     Exchange exchange(*this, send(*input, makeRequest(*input, contentType, kWithPragma), oneWay));
-    return finish(input->timeout_msec, oneWay);
+    return finish(exchange, input->timeout_msec, oneWay);
 }
 
 int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
@@ -153,22 +155,61 @@ int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
         response = reply->readAll();
         error_str = reply->errorString();
         // Inside a tunnel Qt keeps the proxy's 407 to itself.
-        if (error_type == QNetworkReply::ProxyAuthenticationRequiredError && http_status == 0) {
-            http_status = kStatusProxyAuthentication;
-        }
+        const bool refusedTunnel =
+            error_type == QNetworkReply::ProxyAuthenticationRequiredError && http_status == 0;
+        if (refusedTunnel || (http_status == kStatusUnauthorized && answeredByProxy(*reply)))
+            setProxyRefusal();
         if (error_type == QNetworkReply::ContentReSendError) settleRefusedResend(*reply);
     }
     reply->deleteLater();
     return error_type;
 }
 
-int HttpRequestWorker::finish(int msec, const OneWayBody& body) {
+int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& body) {
+    const QUrl url = reply->url();
     wait_for_finished(reply, msec);
+    // Before any other event loop runs: the reply is up for deletion already.
+    exchange.end();
     // A connection that breaks while Qt writes the body ends in an error without a name, depending on timing.
     const bool brokeUnderBody =
         error_type == QNetworkReply::UnknownNetworkError && body.pos() > 0 && !body.ranDry();
     if (brokeUnderBody) error_type = QNetworkReply::RemoteHostClosedError;
+
+    const bool lost = error_type == QNetworkReply::RemoteHostClosedError ||
+                      error_type == QNetworkReply::UnknownNetworkError;
+    if (lost && http_status == 0 && proxyRefuses(url)) setProxyRefusal();
     return error_type;
+}
+
+void HttpRequestWorker::setProxyRefusal() {
+    error_type = QNetworkReply::ProxyAuthenticationRequiredError;
+    error_str = QStringLiteral("Proxy requires authentication");
+    http_status = kStatusProxyAuthentication;
+}
+
+/// Some proxies refuse wrong credentials with 401, as if they were the host. What they pass on has a "Via".
+bool HttpRequestWorker::answeredByProxy(const QNetworkReply& reply) const {
+    return proxy != nullptr && proxy->mode == kProxyManual && !proxy->user.isEmpty() &&
+           reply.url().scheme() != QLatin1String("https") && !reply.hasRawHeader("Via");
+}
+
+/// Whether a proxy's refusal is behind a connection that was lost: Qt doesn't read an answer that comes
+/// before the body is out, and has one error for all that a tunnel's proxy says but 407. So the proxy is
+/// asked once more, for nothing and without a body.
+bool HttpRequestWorker::proxyRefuses(const QUrl& url) const {
+    if (m_isProbe || proxy == nullptr || proxy->mode != kProxyManual) return false;
+    QUrl root;
+    root.setScheme(QStringLiteral("http"));
+    root.setHost(url.host());
+    root.setPort(url.port(url.scheme() == QLatin1String("https") ? 443 : 80));
+    root.setPath(QStringLiteral("/"));
+    HttpRequestInput input(root.toString(), QStringLiteral("OPTIONS"), false);
+    input.set_timeout_msec(kProbeTimeOut);
+    HttpRequestWorker probe;
+    probe.m_isProbe = true;
+    probe.setProxy(proxy->mode, proxy->host, proxy->user, proxy->password);
+    probe.execute(&input);
+    return probe.http_status == kStatusProxyAuthentication;
 }
 
 /// Qt wanted to send the body again and couldn't.

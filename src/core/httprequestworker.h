@@ -12,6 +12,7 @@ class QFile;
 class QNetworkAccessManager;
 class QNetworkReply;
 class QNetworkRequest;
+class QUrl;
 class OneWayBody;
 
 /// Where a request's proxy comes from.
@@ -83,9 +84,12 @@ private:
     void applyProxy(QNetworkRequest& request, bool hasBody);
     /// Issues the request. `body` must outlive the reply; GET, HEAD and DELETE leave it alone.
     QNetworkReply* send(const HttpRequestInput& input, QNetworkRequest request, OneWayBody& body);
-    /// Waits for the reply and calls a connection that broke under the body by its name.
-    int finish(int msec, const OneWayBody& body);
+    /// Waits for the reply, ends the exchange, and calls what broke it by its name.
+    int finish(Exchange& exchange, int msec, const OneWayBody& body);
     void settleRefusedResend(const QNetworkReply& reply);
+    void setProxyRefusal();
+    bool answeredByProxy(const QNetworkReply& reply) const;
+    bool proxyRefuses(const QUrl& url) const;
     static QByteArray makeBoundary();
     /// key=value pairs joined by "&".
     static QByteArray formText(const HttpRequestInput& input);
@@ -98,4 +102,5 @@ private:
     void* m_lpData = nullptr;
     QFile* m_file = nullptr;
     bool m_sizeMismatch = false;
+    bool m_isProbe = false;
 };

@@ -89,8 +89,7 @@ int HttpRequestWorker::download(HttpRequestInput* input, qint64 total, qint64 of
     connect(reply, &QNetworkReply::readyRead, this, &HttpRequestWorker::downloadReadyRead);
     // What is left at the end goes to the file, not to `response`.
     connect(reply, &QNetworkReply::finished, this, &HttpRequestWorker::downloadReadyRead);
-    finish(input->timeout_msec, oneWay);
-    exchange.end();
+    finish(exchange, input->timeout_msec, oneWay);
     m_file = nullptr;
     return 0;
 }

@@ -117,8 +117,7 @@ int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool 
         llBodyFileBytes = body.filesize();
         connect(reply, &QNetworkReply::uploadProgress, this, &HttpRequestWorker::uploadProgress);
     }
-    const int error = finish(input->timeout_msec, oneWay);
-    exchange.end();
+    const int error = finish(exchange, input->timeout_msec, oneWay);
 
     if (dwProgress != 0 || bNoFileData) return error;
     const bool allSent = llBodyFileBytes == llTotalBytesTransferred - llStartOffset;
