@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QRegularExpression>
 #include <QString>
 #include <algorithm>
 #include <cstdio>
 #include <mutex>
 #include <ostream>
-#include <regex>
 #include <stdexcept>
 
 #include "WebFileManAPI.h"
@@ -38,10 +38,11 @@ void captureHandler(QtMsgType type, const QMessageLogContext&, const QString& me
 }
 
 LogLine parsed(const std::string& text) {
-    static const std::regex head(R"(^\[([01]\d|2[0-3]):[0-5]\d:[0-5]\d\] \[([A-Za-z]+)\] )");
-    std::smatch match;
-    if (!std::regex_search(text, match, head)) return {"", text};
-    return {match[2].str(), match.suffix().str()};
+    static const QRegularExpression head(R"(^\[([01]\d|2[0-3]):[0-5]\d:[0-5]\d\] \[([A-Za-z]+)\] )");
+    const QRegularExpressionMatch match = head.match(QString::fromStdString(text));
+    if (!match.hasMatch()) return {"", text};
+    // The head is ASCII: its length counts bytes as well.
+    return {match.captured(2).toStdString(), text.substr(static_cast<std::size_t>(match.capturedLength()))};
 }
 
 }  // namespace
