@@ -41,7 +41,8 @@ public:
     void disarm();
     /// How often that fault took effect.
     std::int64_t hits(int fault);
-    /// How many requests came for that func, or in all if it is empty; control requests don't count.
+    /// How many requests came for that func, or in all if it is empty; control requests don't count,
+    /// nor those that a fault answered.
     std::int64_t requestCount(const std::string& func = {});
     void forgetRequests();
     void expireSessions();

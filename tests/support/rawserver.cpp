@@ -1053,9 +1053,21 @@ RefusedPort::~RefusedPort() {
 }
 
 std::uint16_t freePort() {
-    std::uint16_t port = 0;
-    ::close(boundSocket(port));
-    return port;
+    // Below the range that the system hands out, where nobody else takes it meanwhile; and the library reads
+    // a proxy's port as a signed 16-bit number.
+    static std::atomic<unsigned> next{static_cast<unsigned>(::getpid())};
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const auto port = static_cast<std::uint16_t>(10000 + (next += 7919) % 22000);
+        const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(port);
+        const bool free = ::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) == 0;
+        ::close(fd);
+        if (free) return port;
+    }
+    throw std::runtime_error("no free port");
 }
 
 }  // namespace wire
