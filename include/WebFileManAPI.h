@@ -95,6 +95,8 @@
 ///   connection that died before an answer; a POST or PUT reaches a server once at most.
 /// - The time-out covers a whole exchange, from connecting to the last byte: 60 seconds unless a call says
 ///   otherwise. Transfers have none.
+/// - Through a manual proxy, a connection that is lost without an answer is followed by one OPTIONS request,
+///   of 10 seconds at most, which learns whether the proxy refused (11).
 ///
 /// @section threads Threads
 ///
