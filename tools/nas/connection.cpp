@@ -447,7 +447,11 @@ void Connection::passReply(const char* data, size_t length, bool head) {
     }
     bool stops = isFault(FaultKind::CloseBeforeReply) || isFault(FaultKind::CloseInReply) ||
                  isFault(FaultKind::Reset) || isFault(FaultKind::Stall);
-    if (!stops || replyStopped_ || (head && fault_->body)) {
+    if (replyStopped_) {
+        stalled_.append(data, length);
+        return;
+    }
+    if (!stops || (head && fault_->body)) {
         down_.append(data, length);
         return;
     }
