@@ -48,8 +48,8 @@ int Read(const Json::Value& root, CGetNodeInfoJson& reply) {
 }  // namespace
 
 int CGetNodeInfoJson::Parser(char* text) {
+    status = -1;
     CGetNodeInfoJson page = *this;
-    page.status = -1;
     const int understood = ParseReply(text, [&](const Json::Value& root) { return Read(root, page); });
     // Half a page must not move the listing on.
     if (understood == 1) *this = std::move(page);

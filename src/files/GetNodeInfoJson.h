@@ -8,8 +8,8 @@
 /// The reply of "get_list": one page of a folder.
 class TORVIAPI_EXPORT CGetNodeInfoJson {
 public:
+    virtual int Parser(char* text);  // first in the class's table; it must stay there
     virtual ~CGetNodeInfoJson() = default;
-    virtual int Parser(char* text);
 
     int GetStatus() const { return status; }
 
