@@ -173,18 +173,6 @@ void Logger::work() {
     m_ended.notify_all();
 }
 
-/// Writes on this thread what stands in the queue now.
-void Logger::drain() {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    for (size_t left = m_lines.size(); left > 0 && !m_lines.empty(); --left) {
-        const QString line = std::move(m_lines.front());
-        m_lines.pop_front();
-        lock.unlock();
-        processLog(line);
-        lock.lock();
-    }
-}
-
 void Logger::closeFile() {
     disconnect(this, SIGNAL(updateLog(QString)), nullptr, nullptr);
     QMutexLocker lock(&m_fileMutex);
@@ -208,8 +196,12 @@ void Logger::finish() {
             requestStop();
             m_ended.wait(lock, [this, generation = m_generation] { return m_generation != generation; });
         } else {
+            // Lines stand here only if the system had no thread for them.
+            const std::deque<QString> lines = std::exchange(m_lines, {});
             lock.unlock();
-            drain();
+            for (const QString& line : lines) {
+                processLog(line);
+            }
             closeFile();
             lock.lock();
         }
@@ -221,17 +213,21 @@ void Logger::finish() {
 }
 
 void Logger::closeForGood() {
-    {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_closed = true;
-    }
-    if (onLoggerThread) {
-        // The application ends the process from its message handler: this thread can't wait for itself.
-        drain();
-        closeFile();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    m_closed = true;
+    if (!onLoggerThread) {
+        lock.unlock();
+        finish();
         return;
     }
-    finish();
+    // The application ends the process from its message handler: this thread can't wait for itself.
+    m_linesBeforeStop = 0;
+    const std::deque<QString> lines = std::exchange(m_lines, {});
+    lock.unlock();
+    for (const QString& line : lines) {
+        processLog(line);
+    }
+    closeFile();
 }
 
 void LogLine(Logger::LogLevel level, const char* format, ...) {

@@ -78,7 +78,6 @@ private:
     void startThread();
     void requestStop();
     void work();
-    void drain();
     void closeFile();
     void closeForGood();
 
