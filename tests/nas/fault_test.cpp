@@ -222,4 +222,9 @@ TEST_F(NasFaults, RequestsAreCountedByName) {
     EXPECT_EQ(2, nas.requestCount("get_list"));
     EXPECT_EQ(1, nas.requestCount("version"));
     EXPECT_EQ(3, nas.requestCount());
+    get(cgi(listQuery(sid, "/Public") + "&x=1"));
+    EXPECT_EQ(3, nas.requestCount("get_list"));
+    get(cgi("func=nothing"));
+    EXPECT_EQ(0, nas.requestCount("nothing"));
+    EXPECT_EQ(1, nas.requestCount("refused"));
 }

@@ -16,6 +16,8 @@ namespace {
 
 constexpr size_t kBuffer = 128 * 1024;
 constexpr size_t kLongestHead = 64 * 1024;
+// One busy connection mustn't keep the others waiting.
+constexpr int kRoundsPerTurn = 32;
 constexpr auto kLinger = std::chrono::seconds(2);
 const char* const kHeadEnd = "\r\n\r\n";
 
@@ -111,12 +113,13 @@ bool Connection::pump(uint32_t clientEvents) {
             stalled_.clear();
         }
     }
-    for (bool moved = true; moved;) {
-        moved = false;
-        moved |= readClient();
+    more_ = true;
+    for (int round = 0; more_ && round < kRoundsPerTurn; ++round) {
+        bool moved = readClient();
         moved |= writeService();
         moved |= readService();
         moved |= writeClient();
+        more_ = moved;
     }
     if (ending_ != Ending::None && down_.empty()) {
         if (ending_ == Ending::Reset) {

@@ -25,7 +25,10 @@ public:
 
     // Moves what can be moved. False: the connection is over.
     bool pump(uint32_t clientEvents);
-    std::optional<Clock::time_point> deadline() const { return deadline_; }
+    // When to pump again without an event; the clock's beginning stands for at once.
+    std::optional<Clock::time_point> deadline() const {
+        return more_ ? std::optional<Clock::time_point>(Clock::time_point()) : deadline_;
+    }
 
 private:
     enum class RequestStage { Head, Body, Opaque };
@@ -63,6 +66,7 @@ private:
     bool clientEnded_ = false;
     bool serviceEnded_ = false;
     bool serviceFinished_ = false;  // we told the service that no more comes
+    bool more_ = false;             // there was more to move than one turn may take
     bool lingering_ = false;        // all is sent; what the client still sends is dropped
     Ending ending_ = Ending::None;  // once `down_` is empty
     std::optional<Clock::time_point> deadline_;

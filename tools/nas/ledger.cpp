@@ -10,7 +10,7 @@ void Ledger::add(const LedgerEntry& entry) {
     std::lock_guard<std::mutex> lock(mutex_);
     ++total_;
     // Names that nobody serves share one counter: a client can't make the table grow.
-    ++byFunc_[entry.http == 400 || entry.http == 404 ? "refused" : entry.func];
+    ++byFunc_[entry.known ? entry.func : "refused"];
     newest_.push_back(entry);
     if (newest_.size() > kKept) {
         newest_.pop_front();

@@ -13,6 +13,7 @@ struct LedgerEntry {
     std::string method;
     std::string path;
     std::string func;
+    bool known = false;  // there is such a call
     std::string user;
     int http = 200;
     int status = -1;  // the reply's "status", -1 without one

@@ -203,6 +203,7 @@ Endpoint Service::findEndpoint(const std::string& path) const {
 void Service::serveCall(Request& request, httplib::Response& response, LedgerEntry& entry) {
     entry.func = callName(request.endpoint, request.query);
     const Call& call = findCall(request);
+    entry.known = true;
     checkHeaders(request, call);
     requireShape(request.query, call.shapes, "query");
     Answer answer;
