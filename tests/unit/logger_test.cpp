@@ -15,6 +15,10 @@
 #include <atomic>
 #include <clocale>
 #include <cstdarg>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <future>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -577,13 +581,13 @@ TEST_F(LoggerTest, OrderIsKeptForEachThread) {
 
 TEST_F(LoggerTest, ACallDoesNotWaitForTheOutput) {
     DebugOutput output;
-    std::mutex gate;
-    gate.lock();
-    output.onLine = [&](const QString&) { std::lock_guard<std::mutex> wait(gate); };
+    std::promise<void> gate;
+    const std::shared_future<void> opened = gate.get_future().share();
+    output.onLine = [&](const QString&) { opened.wait(); };
     for (int i = 0; i < 1000; ++i) {
         LogLine(Logger::Error, "line %d", i);  // would hang if it waited
     }
-    gate.unlock();
+    gate.set_value();
     EXPECT_THAT(output.lines(), SizeIs(1000));
 }
 
@@ -639,14 +643,14 @@ TEST_F(LoggerTest, AMessageHandlerMayFinishTheLogger) {
 
 TEST_F(LoggerTest, FinishWritesEveryLinePostedSoFar) {
     DebugOutput output;
-    std::mutex gate;
-    gate.lock();
-    output.onLine = [&](const QString&) { std::lock_guard<std::mutex> wait(gate); };
+    std::promise<void> gate;
+    const std::shared_future<void> opened = gate.get_future().share();
+    output.onLine = [&](const QString&) { opened.wait(); };
     open();
     for (int i = 0; i < 500; ++i) {
         LogLine(Logger::Error, "line %d.", i);
     }
-    std::thread opener([&] { gate.unlock(); });
+    std::thread opener([&] { gate.set_value(); });
     logger.finish();
     opener.join();
     const std::string text = folder.read("log");
