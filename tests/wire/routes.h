@@ -1,0 +1,68 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "support/session.h"
+#include "support/wire.h"
+
+namespace wire {
+
+/// One way on which a session's call goes out.
+struct Route {
+    const char* name;
+    SessionOptions options;
+    const wchar_t* slaveID;  ///< the call's argument
+    std::string cgi;         ///< the path of the request
+    bool isFileManager = false;
+};
+
+/// Every way: either service, to the session's own node and to another one. `fcgi` is the sync service's CGI
+/// of this call where the server has the faster end.
+inline std::vector<Route> routes(const std::string& fcgi = "torvisrv.cgi") {
+    const auto session = [](const char* ownSlaveID) {
+        SessionOptions options;
+        options.agentName = L"agent";
+        options.slaveID = ownSlaveID;
+        return options;
+    };
+    std::vector<Route> all;
+    const std::string sync = "/cgi-bin/torvi/torvisrv.cgi";
+    all.push_back({"no node named", session(""), nullptr, sync});
+    all.push_back({"a node, but no cluster", session(""), L"Node", sync});
+    all.push_back({"a cluster, no node named", session("Own"), L"", sync});
+    all.push_back({"another node", session("Own"), L"Node", "/Node" + sync});
+    all.push_back({"the session's own node", session("Own"), L"oWN", sync});
+
+    Route route{"the faster end", session("Own"), L"Node", "/Node/cgi-bin/torvi/" + fcgi};
+    route.options.fcgi = true;
+    all.push_back(route);
+
+    route = {"the file manager", session("Own"), L"Node", "/cgi-bin/filemanager/utilRequest.cgi"};
+    route.options.fileManager = route.isFileManager = true;
+    all.push_back(route);
+    return all;
+}
+
+/// A call on a session, to a node. Its numbers are the call's own business.
+using CallTo = std::function<void(_WFM_AUTH_CONTEXT* session, uint32_t port, const wchar_t* slaveID)>;
+
+/// On every route the call sends one GET with this query and with the headers of a GET, and nothing else.
+/// `fileManagerQuery` is the file manager's, where it differs.
+inline void expectOnEveryRoute(const std::string& query, const CallTo& call,
+                               const std::vector<Route>& all = routes(),
+                               const std::string& fileManagerQuery = {}, const char* file = __builtin_FILE(),
+                               int where = __builtin_LINE()) {
+    for (const Route& route : all) {
+        const testing::ScopedTrace trace(file, where, std::string("route: ") + route.name);
+        const RawServer server({Reply::json("{}")});
+        const SessionPtr session = makeSession(route.options);
+        call(session.get(), server.port(), route.slaveID);
+        const bool differs = route.isFileManager && !fileManagerQuery.empty();
+        expectGet(server.onlyRequest(), route.cgi + "?" + (differs ? fileManagerQuery : query),
+                  baseHeaders(server, "agent"), file, where);
+    }
+}
+
+}  // namespace wire
