@@ -70,8 +70,9 @@ int HttpRequestWorker::download(HttpRequestInput* input, qint64 total, qint64 of
     buffer.open(QIODevice::ReadOnly);
     OneWayBody oneWay(buffer);
     Exchange exchange(*this, send(*input, request, oneWay));
-    // Only once the request is on its way: of a bound set before that, Qt's network thread never hears when
-    // the method is POST, and it would hold the file.
+    // Twice: a GET starts at once. A POST starts in the event loop, and of a bound set before that Qt's
+    // network thread never hears, so that it would hold the file.
+    reply->setReadBufferSize(kReadBuffer);
     QMetaObject::invokeMethod(
         reply, [started = reply] { started->setReadBufferSize(kReadBuffer); }, Qt::QueuedConnection);
 
@@ -89,13 +90,23 @@ int HttpRequestWorker::download(HttpRequestInput* input, qint64 total, qint64 of
     connect(reply, &QNetworkReply::readyRead, this, &HttpRequestWorker::downloadReadyRead);
     // What is left at the end goes to the file, not to `response`.
     connect(reply, &QNetworkReply::finished, this, &HttpRequestWorker::downloadReadyRead);
+    // An opening call that ran the event loop has kept these signals from the slots.
+    if (reply->bytesAvailable() > 0 || reply->isFinished()) {
+        const qint64 received = reply->bytesAvailable();
+        const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
+        downloadReadyRead();
+        downloadProgress(received, length.isValid()      ? length.toLongLong()
+                                   : reply->isFinished() ? received
+                                                         : -1);
+    }
     finish(exchange, input->timeout_msec, oneWay);
     m_file = nullptr;
     return 0;
 }
 
 void HttpRequestWorker::downloadReadyRead() {
-    if (m_file != nullptr) m_file->write(reply->readAll());
+    // An aborted reply is closed already.
+    if (m_file != nullptr && reply->isOpen()) m_file->write(reply->readAll());
 }
 
 void HttpRequestWorker::downloadProgress(qint64 bytesReceived, qint64 bytesTotal) {
