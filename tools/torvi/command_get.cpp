@@ -63,19 +63,16 @@ public:
         if (restart || m_partial.size() > m_remote.size) m_partial.truncate(0);
         const int64_t have = m_partial.size();
         if (have == m_remote.size) return have;
-        int64_t offset = resumeOffset(have, m_remote.size);
+        const int64_t offset = resumeOffset(have, m_remote.size);
         tellResume(have, offset);
         if (fetch(offset) == kSizeMismatch) {
             explainMismatch();
-            if (offset == 0) throw incomplete(QStringLiteral("the server did not announce the file's size"));
-            note(QStringLiteral("%1: the server does not go on at byte %2, starting again")
-                     .arg(m_what)
-                     .arg(offset));
-            offset = 0;
-            if (fetch(offset) == kSizeMismatch) {
-                explainMismatch();
-                throw incomplete(QStringLiteral("the server did not announce the file's size"));
-            }
+            // What is here may well be good: a lost connection looks the same.
+            throw incomplete(offset == 0
+                                 ? QStringLiteral("the server did not send the file")
+                                 : QStringLiteral("the server did not go on at byte %1; run it again, "
+                                                  "or with --restart to fetch all of it")
+                                       .arg(offset));
         }
         // A transfer that broke off is reported as a success.
         if (m_partial.size() != m_remote.size) {
@@ -98,15 +95,14 @@ private:
     void tellResume(int64_t have, int64_t offset) const {
         if (have == 0) return;
         if (offset == have) {
-            note(QStringLiteral("%1: resuming at byte %2 of %3").arg(m_what).arg(have).arg(m_remote.size));
+            note(QStringLiteral("%1: resuming at byte %2 of %3")
+                     .arg(m_what, QString::number(have), QString::number(m_remote.size)));
             return;
         }
-        note(QStringLiteral("%1: %2 of %3 bytes are here, but a transfer can't be resumed beyond its half: "
-                            "going on at byte %4")
-                 .arg(m_what)
-                 .arg(have)
-                 .arg(m_remote.size)
-                 .arg(offset));
+        note(
+            QStringLiteral("%1: %2 of %3 bytes are here, but a transfer can't be resumed beyond its half: "
+                           "going on at byte %4")
+                .arg(m_what, QString::number(have), QString::number(m_remote.size), QString::number(offset)));
     }
 
     /// One request. Gives the result word, 0 or kSizeMismatch; everything else ends the command.
@@ -146,9 +142,8 @@ private:
         QString text = QStringLiteral("%1: cancelled").arg(m_what);
         if (kept > 0) {
             text += QStringLiteral(", %1 of %2 bytes are kept in %3")
-                        .arg(kept)
-                        .arg(m_remote.size)
-                        .arg(QString::fromStdString(m_partial.path()));
+                        .arg(QString::number(kept), QString::number(m_remote.size),
+                             QString::fromStdString(m_partial.path()));
         }
         return Failure(Exit::Cancelled, text);
     }
@@ -173,9 +168,7 @@ private:
 /// Names one version of one remote file.
 QByteArray identityOf(const Session& session, const QString& path, const Entry& remote) {
     return QStringLiteral("%1\n%2\n%3\n%4")
-        .arg(session.identity(), path)
-        .arg(remote.size)
-        .arg(remote.modified)
+        .arg(session.identity(), path, QString::number(remote.size), QString::number(remote.modified))
         .toUtf8();
 }
 

@@ -190,8 +190,7 @@ void list(const GlobalOptions& global, const ListOptions& options) {
         // Not as a failure of its own: stdout has its document already.
         reportFailure(
             Failure(Exit::Incomplete, QStringLiteral("%1: the server announced %2 entries and gave fewer")
-                                          .arg(what)
-                                          .arg(listing.total)),
+                                          .arg(what, QString::number(listing.total))),
             false);
         throw AlreadyReported(Exit::Incomplete);
     }

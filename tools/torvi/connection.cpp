@@ -35,8 +35,7 @@ void resolveProxy(Connection& connection) {
         throw Failure(Exit::Usage,
                       QStringLiteral("--proxy: %1 is neither none nor system nor HOST:PORT with a port "
                                      "from 1 to %2")
-                          .arg(connection.proxy)
-                          .arg(kHighestPort));
+                          .arg(connection.proxy, QString::number(kHighestPort)));
     }
     connection.proxyMode = 2;
     connection.proxyHost = proxy;

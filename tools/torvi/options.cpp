@@ -28,6 +28,11 @@ Exit codes:
   5  not found                  11  no space or quota left on the server
 )";
 
+/// A flag bound to an optional would be false, not empty, when it isn't given.
+std::function<void(int64_t)> decide(std::optional<bool>& flag) {
+    return [&flag](int64_t count) { flag = count > 0; };
+}
+
 }  // namespace
 
 void addFooter(CLI::App& app) {
@@ -59,7 +64,8 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
         ->envname("TORVI_PORT")
         ->type_name("PORT")
         ->group(connection);
-    app.add_flag("--tls,!--no-tls", options.tls, "Use HTTPS. The certificate is not verified")
+    app.add_flag_function("--tls,!--no-tls", decide(options.tls),
+                          "Use HTTPS. The certificate is not verified")
         ->group(connection);
     app.add_option("--user", options.user, "User name")
         ->envname("TORVI_USER")
@@ -76,7 +82,8 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
     app.add_option("--node", options.node, "Slave id of the cluster node that has the path")
         ->type_name("ID")
         ->group(connection);
-    app.add_flag("--fcgi,!--no-fcgi", options.fcgi, "The server has the FastCGI end of the service")
+    app.add_flag_function("--fcgi,!--no-fcgi", decide(options.fcgi),
+                          "The server has the FastCGI end of the service")
         ->group(connection);
 
     const char* proxy = "Proxy";

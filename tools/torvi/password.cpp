@@ -1,6 +1,7 @@
 #include "password.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -39,15 +40,25 @@ private:
     bool m_silenced = false;
 };
 
+/// Waits for input, and looks up now and then: a signal that came just before a wait would not end it.
+bool waitForInput(int fd) {
+    constexpr int kLookUpMs = 100;
+    pollfd waiting = {fd, POLLIN, 0};
+    for (;;) {
+        if (interrupted()) return false;
+        const int ready = ::poll(&waiting, 1, kLookUpMs);
+        if (ready > 0) return true;
+        if (ready < 0 && errno != EINTR) return false;
+    }
+}
+
 /// False if the input can't be read.
 bool readLine(int fd, std::string& line) {
     char c = 0;
     while (line.size() < kLongestPassword) {
+        if (!waitForInput(fd)) return false;
         const ssize_t n = ::read(fd, &c, 1);
-        if (n < 0 && errno == EINTR) {
-            if (interrupted()) return false;
-            continue;
-        }
+        if (n < 0 && errno == EINTR) continue;
         if (n < 0) return false;
         if (n == 0 || c == '\n') break;
         line.push_back(c);

@@ -26,7 +26,12 @@ void installInterruptHandlers() {
     sigemptyset(&action.sa_mask);
     // No SA_RESTART, so that a password prompt ends; the second signal takes its default way.
     action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM}) sigaction(signal, &action, nullptr);
+    // Someone who started it with nohup wants it to outlive the terminal.
+    struct sigaction hangUp = {};
+    if (sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN) {
+        sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
 bool interrupted() {
