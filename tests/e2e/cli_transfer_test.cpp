@@ -263,7 +263,7 @@ TEST_F(CliTransfer, AServerThatDoesNotGoOnIsReportedAndWhatIsHereIsKept) {
 
 TEST_F(CliTransfer, AnErrorPageIsNotTakenForTheFile) {
     serve("film", randomBytes(3000000));
-    nas.arm("http-status,match=download,status=500");
+    nas.arm("reply,match=download,status=500,content=an error page in place of the file");
     const ProcessResult result = cli.run({"get", "/home/film"});
     EXPECT_EQ(result.exitCode, 8) << result.err;
     EXPECT_THAT(result.err, HasSubstr("did not send the file"));
@@ -278,7 +278,7 @@ TEST_F(CliTransfer, AnErrorPageDoesNotSpoilWhatIsHere) {
     ASSERT_GT(arrived, 0);
     const std::string partial = cli.partial();
     nas.arm("http-status,match=stat,status=503,skip=1");
-    nas.arm("http-status,match=download,status=503");
+    nas.arm("reply,match=download,status=503,content=an error page in place of the file");
     EXPECT_EQ(cli.run({"get", "/home/film"}).exitCode, 3);
     EXPECT_EQ(static_cast<std::int64_t>(std::filesystem::file_size(partial)), arrived);
     ASSERT_EQ(cli.run({"get", "/home/film"}).exitCode, 0);
@@ -320,6 +320,24 @@ TEST_F(CliTransfer, CtrlCEndsADownloadThatGetsNoBytes) {
     EXPECT_FALSE(kept("film"));
     EXPECT_THAT(cli.partial(), Not(IsEmpty()));
     EXPECT_EQ(nas.requestCount("logout"), 1);
+}
+
+TEST_F(CliTransfer, CtrlCEndsAResumedDownloadThatReportsNoProgress) {
+    const std::string content = randomBytes(8 << 20);
+    serve("film", content);
+    ASSERT_GT(breakOff("film", 6 << 20), 4 << 20);
+    nas.arm("trickle,match=download,bytes=65536,ms=100");
+    const auto process = cli.start({"get", "/home/film"});
+    ASSERT_TRUE(process->waitFor([](const std::string&, const std::string& err) {
+        return err.find("film: 60%") != err.npos;
+    })) << process->err();
+    process->sendSignal(SIGINT);
+    EXPECT_EQ(process->wait(), 7) << process->err();
+    EXPECT_FALSE(kept("film"));
+    EXPECT_EQ(nas.requestCount("logout"), nas.requestCount("login"));
+    nas.disarm();
+    EXPECT_EQ(cli.run({"get", "/home/film"}).exitCode, 0);
+    EXPECT_TRUE(cli.work().read("film") == content);
 }
 
 TEST_F(CliTransfer, TwoDownloadsOfOneFileDoNotMix) {
