@@ -1,6 +1,5 @@
 #include "core/GetResultJson.h"
 #include "files/RouteTo.h"
-#include "transfer/filepart.h"
 
 using namespace Lattice;
 
@@ -11,10 +10,12 @@ uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
     if (!call.accepts(path, resultWord)) return call.refuse();
     call.begin(resultWord);
 
-    // A file is created by uploading nothing, and an existing one is emptied.
+    // A file is made by uploading nothing, and one that is there is emptied.
     const RemotePath target = RouteTo(call, slaveID, path);
     call.post(L"func=upload&sid=%ls&dest_path=%ls&overwrite=%d", call.sid(), Encoded(target.parent), 1);
-    AddFilePart(call, target.name, ToQString(target.name), 0);
+    call.field("Filename", target.name);
+    // A team folder's root has no name; the transport leaves out a part without a variable.
+    call.addFile(target.name.empty() ? "" : "Filedata", ToQString(target.name), target.name, 0);
     if (!call.judge(call.worker().upload(call.request(), "Upload", true, nullptr, nullptr)))
         return call.end();
 
@@ -25,8 +26,7 @@ uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
                          "[WFM] WFMCreateFile: WFM_PARSE_XML_FAIL nParseResult(%d) Result(%d)", parsed,
                          reply.GetResult());
     if (reply.GetStatus() == 0) return call.answer(0);
-    call.line("[WFM] WFMCreateFile: get error status = %d, %ls", reply.GetStatus(),
-              (WithTrailingSlash(target.parent) + target.name).c_str());
+    call.line("[WFM] WFMCreateFile: get error status = %d, %ls", reply.GetStatus(), path);
     switch (reply.GetStatus()) {
         case WFM_PERMISSION_DENY:
             return call.answer(ERROR_ACCESS_DENIED);

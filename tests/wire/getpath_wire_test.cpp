@@ -9,6 +9,7 @@
 
 #include "../../src/files/GetNodeInfoJson.h"
 #include "lines.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/pathrecord.h"
@@ -43,6 +44,7 @@ struct GetPathCall {
         return GetPath(session, agent, kServer, port, slaveID, path, pattern, start, limit, typeFilter,
                        fieldMask, wantSort, nullptr, parser);
     }
+    bool isUntouched() const { return reply.GetStatus() == -1 && reply.nextStart == 0; }
 };
 
 std::string getList(const std::string& behind) {
@@ -135,23 +137,12 @@ TEST_F(GetPathWire, CallsTheParserThroughItsTable) {
 }
 
 TEST_F(GetPathWire, RefusesWhatMustBeGivenWithOneLine) {
-    RawServer server({Reply::json(kPage)});
-    void (*const spoilers[])(GetPathCall&) = {
-        [](GetPathCall& page) { page.agent = nullptr; },   [](GetPathCall& page) { page.agent = L""; },
-        [](GetPathCall& page) { page.path = nullptr; },    [](GetPathCall& page) { page.path = L""; },
-        [](GetPathCall& page) { page.pattern = nullptr; }, [](GetPathCall& page) { page.pattern = L""; },
-        [](GetPathCall& page) { page.typeFilter = 0; },    [](GetPathCall& page) { page.parser = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        GetPathCall page;
-        spoil(page);
-        EXPECT_EQ(page.run(session.get(), server.port()), 8u);
-        EXPECT_EQ(page.reply.GetStatus(), -1);
-        EXPECT_EQ(page.reply.nextStart, 0u);
-        log.expectLines({refusedLine("GetPath", server.port())});
-    }
-    EXPECT_EQ(server.connectionCount(), 0u);
+    expectRefusals<GetPathCall>(
+        log, session.get(), "GetPath",
+        {[](GetPathCall& page) { page.agent = nullptr; }, [](GetPathCall& page) { page.agent = L""; },
+         [](GetPathCall& page) { page.path = nullptr; }, [](GetPathCall& page) { page.path = L""; },
+         [](GetPathCall& page) { page.pattern = nullptr; }, [](GetPathCall& page) { page.pattern = L""; },
+         [](GetPathCall& page) { page.typeFilter = 0; }, [](GetPathCall& page) { page.parser = nullptr; }});
 }
 
 TEST_F(GetPathWire, RefusesAConnectionThatLeadsNowhere) {

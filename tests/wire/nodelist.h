@@ -45,6 +45,11 @@ struct NodeListCall {
                               teamCountInOut, listOut);
     }
 
+    bool isUntouched() const {
+        return result == 0xABCD && total == 0xABCD && start == 0 && teamIndex == 0 && teamCount == 0 &&
+               records.isUntouched();
+    }
+
     /// The two numbers.
     void expectNumbers(uint32_t dwStatus, int32_t resultWordValue, _WFM_AUTH_CONTEXT* session, uint32_t port,
                        const char* file = __builtin_FILE(), int where = __builtin_LINE()) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "pathroutes.h"
 #include "support/session.h"
 #include "support/wire.h"
 
@@ -62,6 +63,26 @@ inline void expectOnEveryRoute(const std::string& query, const CallTo& call,
         const bool differs = route.isFileManager && !fileManagerQuery.empty();
         expectGet(server.onlyRequest(), route.cgi + "?" + (differs ? fileManagerQuery : query),
                   baseHeaders(server, "agent"), file, where);
+    }
+}
+
+/// A call on a session that names a path by its folder and its name.
+using CallForPath = std::function<void(_WFM_AUTH_CONTEXT* session, uint32_t port, const PathRoute& route)>;
+/// Its query for the two as they are sent, percent-encoded.
+using PathQuery = std::function<std::string(const std::string& folder, const std::string& name)>;
+
+/// Wherever the path lies, the call sends one GET to its place and node.
+inline void expectOnEveryPathRoute(const PathQuery& query, const CallForPath& call,
+                                   const char* file = __builtin_FILE(), int where = __builtin_LINE()) {
+    for (const PathRoute& route : pathRoutes()) {
+        // Folder and name must be given.
+        if (route.folder == nullptr || *route.folder == L'\0' || *route.name == L'\0') continue;
+        const testing::ScopedTrace trace(file, where, std::string("route: ") + route.what);
+        const RawServer server({Reply::json("{}")});
+        const SessionPtr session = route.session();
+        call(session.get(), server.port(), route);
+        expectGet(server.onlyRequest(), route.cgi() + "?" + query(route.sent, route.sentName),
+                  baseHeaders(server), file, where);
     }
 }
 

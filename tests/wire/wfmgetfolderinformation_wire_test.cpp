@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "lines.h"
 #include "lists.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -37,6 +37,7 @@ struct FolderInformationCall {
         return WFMGetFolderInformation(session, kServer, port, slaveID, parent, name, fieldMask,
                                        serverSidePath, nullptr, resultWord, information);
     }
+    bool isUntouched() const { return result == 0xABCD && out.isUntouched(); }
 };
 
 const char* const kTree = R"([{"text":"A","iconCls":"folder","cls":"w"},
@@ -60,6 +61,20 @@ TEST_F(WFMGetFolderInformationWire, AsksForTheParentsFoldersEncoded) {
                            call.slaveID = slaveID;
                            call.run(context, port);
                        });
+}
+
+TEST_F(WFMGetFolderInformationWire, ThePathGoesToTheTeamFoldersPlaceAndNode) {
+    expectOnEveryPathRoute(
+        [](const std::string& folder, const std::string&) {
+            return "func=get_tree&sid=sid123&is_iso=0&node=" + folder;
+        },
+        [](_WFM_AUTH_CONTEXT* context, uint32_t port, const PathRoute& route) {
+            FolderInformationCall call;
+            call.parent = route.folder;
+            call.name = route.name;
+            call.slaveID = route.slaveID;
+            call.run(context, port);
+        });
 }
 
 TEST_F(WFMGetFolderInformationWire, TheParentIsShareRootOrGetsASlashOrIsAServerSidePath) {
@@ -188,22 +203,12 @@ TEST_F(WFMGetFolderInformationWire, ATeamFoldersRootIsNoFolderInItself) {
 }
 
 TEST_F(WFMGetFolderInformationWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
-    void (*const spoilers[])(FolderInformationCall&) = {
-        [](FolderInformationCall& call) { call.parent = nullptr; },
-        [](FolderInformationCall& call) { call.parent = L""; },
-        [](FolderInformationCall& call) { call.name = nullptr; },
-        [](FolderInformationCall& call) { call.name = L""; },
-        [](FolderInformationCall& call) { call.resultWord = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        FolderInformationCall call;
-        spoil(call);
-        EXPECT_EQ(call.run(session.get(), 80), 8u);
-        EXPECT_EQ(call.result, 0xABCDu);
-        EXPECT_TRUE(call.out.isUntouched());
-        log.expectLines({refusedLine("WFMGetFolderInformation", 80)});
-    }
+    expectRefusals<FolderInformationCall>(log, session.get(), "WFMGetFolderInformation",
+                                          {[](FolderInformationCall& call) { call.parent = nullptr; },
+                                           [](FolderInformationCall& call) { call.parent = L""; },
+                                           [](FolderInformationCall& call) { call.name = nullptr; },
+                                           [](FolderInformationCall& call) { call.name = L""; },
+                                           [](FolderInformationCall& call) { call.resultWord = nullptr; }});
 }
 
 TEST_F(WFMGetFolderInformationWire, AHostileReplyIsRefused) {

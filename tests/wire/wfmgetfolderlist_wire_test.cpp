@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "lines.h"
 #include "lists.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -38,6 +38,7 @@ struct FolderListCall {
         return WFMGetFolderList(session, kServer, port, slaveID, fieldMask, node, nullptr, resultWord,
                                 countOut, listOut);
     }
+    bool isUntouched() const { return result == 0xABCD && records.isUntouched(); }
 };
 
 class WFMGetFolderListWire : public testing::Test {
@@ -123,21 +124,12 @@ TEST_F(WFMGetFolderListWire, AFailedCallHandsOutNothing) {
 }
 
 TEST_F(WFMGetFolderListWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
-    void (*const spoilers[])(FolderListCall&) = {[](FolderListCall& call) { call.node = nullptr; },
-                                                 [](FolderListCall& call) { call.node = L""; },
-                                                 [](FolderListCall& call) { call.resultWord = nullptr; },
-                                                 [](FolderListCall& call) { call.countOut = nullptr; },
-                                                 [](FolderListCall& call) { call.listOut = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        FolderListCall call;
-        spoil(call);
-        EXPECT_EQ(call.run(session.get(), 80), 8u);
-        EXPECT_EQ(call.result, 0xABCDu);
-        EXPECT_TRUE(call.records.isUntouched());
-        log.expectLines({refusedLine("WFMGetFolderList", 80)});
-    }
+    expectRefusals<FolderListCall>(
+        log, session.get(), "WFMGetFolderList",
+        {[](FolderListCall& call) { call.node = nullptr; }, [](FolderListCall& call) { call.node = L""; },
+         [](FolderListCall& call) { call.resultWord = nullptr; },
+         [](FolderListCall& call) { call.countOut = nullptr; },
+         [](FolderListCall& call) { call.listOut = nullptr; }});
 }
 
 TEST_F(WFMGetFolderListWire, AHostileReplyIsRefusedOrListsNothing) {

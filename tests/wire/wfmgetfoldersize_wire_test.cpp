@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "lines.h"
-#include "pathroutes.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -34,6 +34,7 @@ struct FolderSizeCall {
     uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) {
         return WFMGetFolderSize(session, kServer, port, slaveID, name, parent, nullptr, resultWord, out);
     }
+    bool isUntouched() const { return result == 0xABCD && size == -77; }
 };
 
 std::string query(const std::string& path, const std::string& name) {
@@ -61,19 +62,13 @@ TEST_F(WFMGetFolderSizeWire, AsksForThePathEncoded) {
 }
 
 TEST_F(WFMGetFolderSizeWire, ThePathGoesToTheTeamFoldersPlaceAndNode) {
-    for (const PathRoute& route : pathRoutes()) {
-        if (route.folder == nullptr || *route.folder == L'\0' || *route.name == L'\0') continue;
-        SCOPED_TRACE(route.what);
-        RawServer server({Reply::json("{}")});
-        const SessionPtr routed = route.session();
+    expectOnEveryPathRoute(query, [](_WFM_AUTH_CONTEXT* context, uint32_t port, const PathRoute& route) {
         FolderSizeCall call;
         call.parent = route.folder;
         call.name = route.name;
         call.slaveID = route.slaveID;
-        call.run(routed.get(), server.port());
-        expectGet(server.onlyRequest(), route.cgi() + "?" + query(route.sent, route.sentName),
-                  baseHeaders(server));
-    }
+        call.run(context, port);
+    });
 }
 
 TEST_F(WFMGetFolderSizeWire, WhatTheServerSaysDecidesResultAndSize) {
@@ -126,20 +121,10 @@ TEST_F(WFMGetFolderSizeWire, ASizeThatIsNoTextOrNumberIs14) {
 }
 
 TEST_F(WFMGetFolderSizeWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
-    void (*const spoilers[])(FolderSizeCall&) = {[](FolderSizeCall& call) { call.name = nullptr; },
-                                                 [](FolderSizeCall& call) { call.name = L""; },
-                                                 [](FolderSizeCall& call) { call.parent = nullptr; },
-                                                 [](FolderSizeCall& call) { call.parent = L""; },
-                                                 [](FolderSizeCall& call) { call.resultWord = nullptr; },
-                                                 [](FolderSizeCall& call) { call.out = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        FolderSizeCall call;
-        spoil(call);
-        EXPECT_EQ(call.run(session.get(), 80), 8u);
-        EXPECT_EQ(call.result, 0xABCDu);
-        EXPECT_EQ(call.size, -77);
-        log.expectLines({refusedLine("WWFMGetFolderSize", 80)});
-    }
+    expectRefusals<FolderSizeCall>(
+        log, session.get(), "WWFMGetFolderSize",
+        {[](FolderSizeCall& call) { call.name = nullptr; }, [](FolderSizeCall& call) { call.name = L""; },
+         [](FolderSizeCall& call) { call.parent = nullptr; }, [](FolderSizeCall& call) { call.parent = L""; },
+         [](FolderSizeCall& call) { call.resultWord = nullptr; },
+         [](FolderSizeCall& call) { call.out = nullptr; }});
 }

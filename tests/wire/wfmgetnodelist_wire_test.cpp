@@ -4,13 +4,13 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "lines.h"
 #include "nodelist.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -152,35 +152,18 @@ TEST_F(WFMGetNodeListWire, ThePathGetsASlashInFrontAndIsEncoded) {
 }
 
 TEST_F(WFMGetNodeListWire, EveryArgumentThatMustBeGivenIsRefusedWithOneLineAndNothingIsTouched) {
-    RawServer server({Reply::json(kGood)});
     const SessionPtr session = makeAgentSession();
-    const std::function<void(NodeListCall&)> spoilers[] = {
-        [](NodeListCall& page) { page.pattern = nullptr; },
-        [](NodeListCall& page) { page.pattern = L""; },
-        [](NodeListCall& page) { page.path = nullptr; },
-        [](NodeListCall& page) { page.path = L""; },
-        [](NodeListCall& page) { page.typeFilter = 0; },
-        [](NodeListCall& page) { page.fieldMask = 0; },
-        [](NodeListCall& page) { page.resultWord = nullptr; },
-        [](NodeListCall& page) { page.startInOut = nullptr; },
-        [](NodeListCall& page) { page.countOut = nullptr; },
-        [](NodeListCall& page) { page.teamIndexInOut = nullptr; },
-        [](NodeListCall& page) { page.teamCountInOut = nullptr; },
-        [](NodeListCall& page) { page.listOut = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        NodeListCall page;
-        page.start = 3;
-        spoil(page);
-        EXPECT_EQ(page.run(session.get(), server.port()), 8u);
-        EXPECT_EQ(page.result, 0xABCDu);
-        EXPECT_EQ(page.total, 0xABCDu);
-        EXPECT_EQ(page.start, 3u);
-        EXPECT_TRUE(page.records.isUntouched());
-        log.expectLines({refusedLine("WFMGetNodeList", server.port())});
-    }
-    EXPECT_EQ(server.connectionCount(), 0u);
+    expectRefusals<NodeListCall>(
+        log, session.get(), "WFMGetNodeList",
+        {[](NodeListCall& page) { page.pattern = nullptr; }, [](NodeListCall& page) { page.pattern = L""; },
+         [](NodeListCall& page) { page.path = nullptr; }, [](NodeListCall& page) { page.path = L""; },
+         [](NodeListCall& page) { page.typeFilter = 0; }, [](NodeListCall& page) { page.fieldMask = 0; },
+         [](NodeListCall& page) { page.resultWord = nullptr; },
+         [](NodeListCall& page) { page.startInOut = nullptr; },
+         [](NodeListCall& page) { page.countOut = nullptr; },
+         [](NodeListCall& page) { page.teamIndexInOut = nullptr; },
+         [](NodeListCall& page) { page.teamCountInOut = nullptr; },
+         [](NodeListCall& page) { page.listOut = nullptr; }});
 }
 
 TEST_F(WFMGetNodeListWire, CancelFlagTotalAndLimitNeedNotBeGiven) {
@@ -324,6 +307,58 @@ TEST_F(WFMGetNodeListWire, ACancelFlagThatIsSetWhileThePageComesCounts) {
     call.cancel = &cancel;
     call.expectNumbers(0, 1235, session.get(), server.port());
     EXPECT_TRUE(call.records.isEmpty());
+}
+
+TEST_F(WFMGetNodeListWire, AFolderGoesToTheTeamFoldersPlaceAndNode) {
+    const struct {
+        const char* what;
+        const char* ownSlaveID;
+        const wchar_t* slaveID;
+        const wchar_t* path;
+        const char* prefix;
+        const char* sent;
+    } rows[] = {
+        {"the root", "Own", L"Other", L"/home/.Torvi/T", "Node/", "vtf%3A%2F%2FS"},
+        {"the root with its slash", "Own", nullptr, L"/home/.Torvi/T/", "Node/", "vtf%3A%2F%2FS"},
+        {"below", "Own", L"Other", L"/home/.Torvi/T/a", "Node/", "vtf%3A%2F%2FS%2Fa"},
+        {"deep below", "Own", L"Other", L"home/.Torvi/T/a/b c/", "Node/", "vtf%3A%2F%2FS%2Fa%2Fb%20c"},
+        {"beside", "Own", L"Other", L"/home/.Torvi/TT", "Other/", "%2Fhome%2F.Torvi%2FTT"},
+        {"on the own node", "Own", L"Other", L"/home/.Torvi/Mine", "", "vtf%3A%2F%2FM"},
+        {"without a cluster", "", L"Other", L"/home/.Torvi/T/a", "", "vtf%3A%2F%2FS%2Fa"},
+    };
+    for (const auto& row : rows)
+        // Whatever the type filter: only the area itself is listed otherwise.
+        for (const uint32_t typeFilter : {1u, 3u}) {
+            SCOPED_TRACE(row.what);
+            RawServer server({Reply::json(kGood)});
+            const SessionPtr session = makeTeamSession(
+                {{L"/home/.Torvi/T/", L"vtf://S/"}, {L"/home/.Torvi/Mine/", L"vtf://M/", L"oWN"}},
+                row.ownSlaveID);
+            NodeListCall page;
+            page.path = row.path;
+            page.typeFilter = typeFilter;
+            page.slaveID = row.slaveID;
+            page.expectNumbers(0, 0, session.get(), server.port());
+            EXPECT_EQ(page.records.take(), Lines{"name=a exists child"});
+            EXPECT_EQ(page.start, 1u);
+            expectGet(server.onlyRequest(),
+                      "/" + std::string(row.prefix) + "cgi-bin/torvi/torvisrv.cgi?" +
+                          getList(row.sent, 10, 0, "&no_sort=0"),
+                      baseHeaders(server, "agent"));
+        }
+}
+
+TEST_F(WFMGetNodeListWire, TheFileManagerIsAskedForTheClientSidePath) {
+    RawServer server({Reply::json(kGood)});
+    const SessionPtr session = makeTeamSession();
+    useFileManager(*session);
+    call.path = L"/home/.Torvi/T/a";
+    call.run(session.get(), server.port());
+    call.records.take();
+    expectGet(
+        server.onlyRequest(),
+        "/cgi-bin/filemanager/utilRequest.cgi?" + getList("%2Fhome%2F.Torvi%2FT%2Fa", 10, 0, "&no_sort=0"),
+        baseHeaders(server, "agent"));
 }
 
 TEST_F(WFMGetNodeListWire, TheTeamAreaBeginsWithTheTeamFolders) {

@@ -7,7 +7,7 @@
 
 #include "lines.h"
 #include "lists.h"
-#include "pathroutes.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -39,6 +39,7 @@ struct PathInformationCall {
         return WFMGetPathInformation(session, kServer, port, slaveID, name, parent, fieldMask, typeFilter,
                                      serverSidePath, nullptr, resultWord, information);
     }
+    bool isUntouched() const { return result == 0xABCD && out.isUntouched(); }
 };
 
 /// A stat reply with one entry of that name.
@@ -84,19 +85,15 @@ TEST_F(WFMGetPathInformationWire, AsksForOnePathEncodedOnEveryRoute) {
 }
 
 TEST_F(WFMGetPathInformationWire, ThePathGoesToTheTeamFoldersPlaceAndNode) {
-    for (const PathRoute& route : pathRoutes()) {
-        if (route.folder == nullptr || *route.folder == L'\0' || *route.name == L'\0') continue;
-        SCOPED_TRACE(route.what);
-        RawServer server({Reply::json("{}")});
-        const SessionPtr routed = route.session();
-        PathInformationCall call;
-        call.parent = route.folder;
-        call.name = route.name;
-        call.slaveID = route.slaveID;
-        call.run(routed.get(), server.port());
-        expectGet(server.onlyRequest(), route.cgi() + "?" + query(route.sent, route.sentName),
-                  baseHeaders(server));
-    }
+    expectOnEveryPathRoute(
+        [](const std::string& folder, const std::string& name) { return query(folder, name); },
+        [](_WFM_AUTH_CONTEXT* context, uint32_t port, const PathRoute& route) {
+            PathInformationCall call;
+            call.parent = route.folder;
+            call.name = route.name;
+            call.slaveID = route.slaveID;
+            call.run(context, port);
+        });
 }
 
 TEST_F(WFMGetPathInformationWire, TheParentGetsASlashUnlessItIsAServerSidePath) {
@@ -313,23 +310,13 @@ TEST_F(WFMGetPathInformationWire, WithoutATypeOrAFieldThatCountsTheReplyIsNotUnd
 }
 
 TEST_F(WFMGetPathInformationWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
-    void (*const spoilers[])(PathInformationCall&) = {
-        [](PathInformationCall& call) { call.name = nullptr; },
-        [](PathInformationCall& call) { call.name = L""; },
-        [](PathInformationCall& call) { call.parent = nullptr; },
-        [](PathInformationCall& call) { call.parent = L""; },
-        [](PathInformationCall& call) { call.resultWord = nullptr; },
-        [](PathInformationCall& call) { call.information = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        PathInformationCall call;
-        spoil(call);
-        EXPECT_EQ(call.run(session.get(), 80), 8u);
-        EXPECT_EQ(call.result, 0xABCDu);
-        EXPECT_TRUE(call.out.isUntouched());
-        log.expectLines({refusedLine("WFMGetPathInformation", 80)});
-    }
+    expectRefusals<PathInformationCall>(log, session.get(), "WFMGetPathInformation",
+                                        {[](PathInformationCall& call) { call.name = nullptr; },
+                                         [](PathInformationCall& call) { call.name = L""; },
+                                         [](PathInformationCall& call) { call.parent = nullptr; },
+                                         [](PathInformationCall& call) { call.parent = L""; },
+                                         [](PathInformationCall& call) { call.resultWord = nullptr; },
+                                         [](PathInformationCall& call) { call.information = nullptr; }});
 }
 
 TEST_F(WFMGetPathInformationWire, AFailedCallLeavesAZeroedRecord) {

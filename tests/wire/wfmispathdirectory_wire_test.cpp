@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "lines.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -33,6 +34,7 @@ struct IsDirectoryCall {
     uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) {
         return WFMIsPathDirectory(session, kServer, port, slaveID, path, nullptr, resultWord, out);
     }
+    bool isUntouched() const { return result == 0xABCD && isDirectory; }
 };
 
 std::string failedLine(int dwStatus, int result) {
@@ -134,18 +136,9 @@ TEST_F(WFMIsPathDirectoryWire, SharesBareNamesAndASlashAtTheEndAreRefusedByTheSt
 }
 
 TEST_F(WFMIsPathDirectoryWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
-    void (*const spoilers[])(IsDirectoryCall&) = {[](IsDirectoryCall& call) { call.path = nullptr; },
-                                                  [](IsDirectoryCall& call) { call.path = L""; },
-                                                  [](IsDirectoryCall& call) { call.resultWord = nullptr; },
-                                                  [](IsDirectoryCall& call) { call.out = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        IsDirectoryCall call;
-        spoil(call);
-        EXPECT_EQ(call.run(session.get(), 80), 8u);
-        EXPECT_EQ(call.result, 0xABCDu);
-        EXPECT_TRUE(call.isDirectory);
-        log.expectLines({refusedLine("WFMIsPathDirectory", 80)});
-    }
+    expectRefusals<IsDirectoryCall>(
+        log, session.get(), "WFMIsPathDirectory",
+        {[](IsDirectoryCall& call) { call.path = nullptr; }, [](IsDirectoryCall& call) { call.path = L""; },
+         [](IsDirectoryCall& call) { call.resultWord = nullptr; },
+         [](IsDirectoryCall& call) { call.out = nullptr; }});
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lines.h"
+#include "refusals.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -35,6 +36,7 @@ struct IsPresentCall {
         return WFMIsPathPresent(session, kServer, port, slaveID, path, wantFolder, serverSidePath, nullptr,
                                 resultWord, out);
     }
+    bool isUntouched() const { return result == 0xABCD && isPresent; }
 };
 
 // The lines carry the other function's name.
@@ -214,18 +216,9 @@ TEST_F(WFMIsPathPresentWire, ASlashAtTheEndIsRefusedByTheStat) {
 }
 
 TEST_F(WFMIsPathPresentWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
-    void (*const spoilers[])(IsPresentCall&) = {[](IsPresentCall& call) { call.path = nullptr; },
-                                                [](IsPresentCall& call) { call.path = L""; },
-                                                [](IsPresentCall& call) { call.resultWord = nullptr; },
-                                                [](IsPresentCall& call) { call.out = nullptr; }};
-    for (const auto& spoil : spoilers) {
-        SCOPED_TRACE(&spoil - spoilers);
-        log.clear();
-        IsPresentCall call;
-        spoil(call);
-        EXPECT_EQ(call.run(session.get(), 80), 8u);
-        EXPECT_EQ(call.result, 0xABCDu);
-        EXPECT_TRUE(call.isPresent);
-        log.expectLines({refusedLine("WFMIsPathPresent", 80)});
-    }
+    expectRefusals<IsPresentCall>(
+        log, session.get(), "WFMIsPathPresent",
+        {[](IsPresentCall& call) { call.path = nullptr; }, [](IsPresentCall& call) { call.path = L""; },
+         [](IsPresentCall& call) { call.resultWord = nullptr; },
+         [](IsPresentCall& call) { call.out = nullptr; }});
 }
