@@ -1,6 +1,6 @@
 #include "core/onewaybody.h"
 
-OneWayBody::OneWayBody(QIODevice& source) : m_source(source) {
+OneWayBody::OneWayBody(QIODevice& source) : m_source(source), m_total(source.size()) {
     // Unbuffered: Qt shall see the source's end and size as they are.
     QIODevice::open(QIODevice::ReadOnly | QIODevice::Unbuffered);
 }
@@ -22,7 +22,7 @@ qint64 OneWayBody::readData(char* data, qint64 maxSize) {
     const qint64 count = m_source.read(data, maxSize);
     if (count > 0 || maxSize == 0) return count;
     // Told 0, Qt would wait for bytes that never come.
-    if (pos() < size()) m_ranDry = true;
+    if (pos() < m_total) m_ranDry = true;
     return -1;
 }
 

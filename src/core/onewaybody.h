@@ -28,5 +28,6 @@ protected:
 
 private:
     QIODevice& m_source;
+    const qint64 m_total;  // as the request announces it
     bool m_ranDry = false;
 };
