@@ -253,7 +253,10 @@ void HttpRequestWorker::clearOutcome() {
 
 QNetworkRequest HttpRequestWorker::makeRequest(const HttpRequestInput& input, const QByteArray& contentType,
                                                PragmaHeader pragma) {
-    QNetworkRequest request(QUrl(input.url_str, QUrl::TolerantMode));
+    QUrl url(input.url_str, QUrl::TolerantMode);
+    // Of a URL that it rejects, QUrl keeps scheme and host: the request would go to another port of that host.
+    if (!url.isValid()) url.clear();
+    QNetworkRequest request(url);
     if (input.secure) request.setSslConfiguration(QSslConfiguration::defaultConfiguration());
     request.setHeader(QNetworkRequest::UserAgentHeader, input.agent_name);
     if (!contentType.isEmpty()) request.setHeader(QNetworkRequest::ContentTypeHeader, contentType);

@@ -15,8 +15,8 @@ class QNetworkRequest;
 class QUrl;
 class OneWayBody;
 
-/// Where a request's proxy comes from.
-enum _PROXY_MODE_ { kProxyNone = 0, kProxySystem = 1, kProxyManual = 2 };
+/// Where a request's proxy comes from. Callers pass any number.
+enum _PROXY_MODE_ : quint32 { kProxyNone = 0, kProxySystem = 1, kProxyManual = 2 };
 
 /// Runs one request to its end on the calling thread. Serves one request only.
 class TORVIAPI_EXPORT HttpRequestWorker : public QObject {

@@ -72,10 +72,12 @@ TEST(AuthContextWire, TheGettersRefuseNullWith87AndTheirLines) {
     EXPECT_EQ(WFMGetSlaveID(session.get(), &capacity, nullptr), 87u);
     EXPECT_EQ(WFMGetSid(nullptr, &capacity, buffer), 87u);
     EXPECT_EQ(WFMGetSid(session.get(), &none, buffer), 87u);
+    EXPECT_EQ(WFMGetSid(session.get(), nullptr, buffer), 87u);
+    EXPECT_EQ(WFMGetSid(session.get(), &capacity, nullptr), 87u);
     const std::string sync_ = "[WFM] WFMGetUseNuboCGI: WFM_PARSE_XML_INVALID_PARAMETER";
     const std::string slave = "[WFM] WFMGetSlaveID: WFM_PARSE_XML_INVALID_PARAMETER";
     const std::string sid = "[WFM] WFMGetSid: WFM_PARSE_XML_INVALID_PARAMETER";
-    log.expectLines({sync_, sync_, slave, slave, slave, slave, sid, sid});
+    log.expectLines({sync_, sync_, slave, slave, slave, slave, sid, sid, sid, sid});
 }
 
 TEST(AuthContextWire, AnEmptySidIsAnInvalidArgument) {
@@ -180,6 +182,7 @@ TEST(AuthContextWire, ACloneOutlivesItsSource) {
     Lists lists;
     lists.give(source.get());
     source->bUseFcgi = true;
+    source->bSecure = true;
     source->bAutoProxyUpdated = true;
     source->dwProxyMode = 2;
     source->dwProxyFlags = 5;
@@ -201,7 +204,7 @@ TEST(AuthContextWire, ACloneOutlivesItsSource) {
     EXPECT_STREQ(clone->szAgentName, L"agent");
     EXPECT_TRUE(clone->bUseNuboCGI);
     EXPECT_TRUE(clone->bUseFcgi);
-    EXPECT_FALSE(clone->bSecure);
+    EXPECT_TRUE(clone->bSecure);
     EXPECT_FALSE(clone->bAutoProxyUpdated);
     EXPECT_EQ(clone->dwProxyMode, 2u);
     EXPECT_EQ(clone->dwProxyFlags, 5u);
@@ -254,6 +257,13 @@ TEST(AuthContextWire, AListThatBreaksOffClonesUpToThereWithNullSlots) {
     EXPECT_EQ(clone->lppOriPathList[1], nullptr);
     EXPECT_EQ(clone->lppOriPathList[2], nullptr);
     log.expectNoLines();  // no slave list is no broken one
+
+    // What is broken stays usable: it clones again, and takes new lists.
+    _WFM_AUTH_CONTEXT* again = nullptr;
+    ASSERT_EQ(WFMCloneAuthContext(clone.get(), &again), 1u);
+    EXPECT_EQ(Lists().give(again), 0u);
+    EXPECT_STREQ(again->lppOriPathList[2], L"/home/.Torvi/C/");
+    WFMFreeAuthContext(again);
 }
 
 TEST(AuthContextWire, EachListThatBeginsWithNothingHasItsLine) {

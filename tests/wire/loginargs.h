@@ -22,6 +22,8 @@ struct LoginArgs {
     uint32_t capacity = 260;
     uint32_t proxyMode = 0;
     const wchar_t* proxyHost = nullptr;
+    const wchar_t* proxyUser = nullptr;
+    const wchar_t* proxyPassword = nullptr;
     const wchar_t* forwardedFor = nullptr;
     const wchar_t* clientVersion = L"5.1";
     const uint32_t* timeout = nullptr;
@@ -45,8 +47,8 @@ struct LoginArgs {
 
     uint32_t run() {
         return TorviLogin(server, port, user, password, secure, computer, uid, agent, deviceType, capacity,
-                          proxyMode, proxyHost, L"", L"", forwardedFor, clientVersion, 7, timeout, fcgi,
-                          serverName, isAdmin, isSlave, resultWord, context, 7, network);
+                          proxyMode, proxyHost, proxyUser, proxyPassword, forwardedFor, clientVersion, 7,
+                          timeout, fcgi, serverName, isAdmin, isSlave, resultWord, context, 7, network);
     }
     int32_t signedResult() const { return static_cast<int32_t>(result); }
 };

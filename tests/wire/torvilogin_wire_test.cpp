@@ -4,6 +4,7 @@
 
 #include "loginargs.h"
 #include "support/logcapture.h"
+#include "support/proxy.h"
 #include "support/timers.h"
 
 using namespace wire;
@@ -422,4 +423,83 @@ TEST(TorviLoginWire, TheSessionSpeaksAsTheLoginDid) {
     EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
     expectGet(server.request(1), "/cgi-bin/torvi/torvisrv.fcgi?func=logout&sid=abc&logout=1",
               with(baseHeaders(server, "Client/7"), "X-Forwarded-For", "10.1.2.3"));
+}
+
+TEST(TorviLoginWire, ASessionOfTlsGoesOnWithTls) {
+    RawServer::Options options;
+    options.certificate = Certificate::SelfSigned;
+    RawServer server({Reply::json(kGood), Reply::json(R"({"status":1,"success":true})")}, options);
+    LoginArgs login(server);
+    login.secure = true;
+    ASSERT_EQ(login.run(), 0u);
+    EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
+    EXPECT_EQ(server.requestCount(), 2u);
+}
+
+TEST(TorviLoginWire, ASessionKeepsItsProxy) {
+    if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
+    const TinyProxy proxy("pu", "pp");
+    RawServer server({Reply::json(kGood), Reply::json(R"({"status":1,"success":true})")});
+    const std::wstring host = proxy.hostAndPort();
+    LoginArgs login(server);
+    login.proxyMode = 2;
+    login.proxyHost = host.c_str();
+    login.proxyUser = L"pu";
+    login.proxyPassword = L"pp";
+    ASSERT_EQ(login.run(), 0u);
+    EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
+    ASSERT_EQ(server.requestCount(), 2u);
+    EXPECT_EQ(server.request(0).headerCount("Via"), 1u);
+    EXPECT_EQ(server.request(1).headerCount("Via"), 1u);
+}
+
+TEST(TorviLoginWire, OnlyASessionWithALocalServerKeepsForWhomItActs) {
+    RawServer server({Reply::json(kGood), Reply::json(R"({"status":1,"success":true})")});
+    LoginArgs login(server);
+    login.server = L"localhost";
+    login.forwardedFor = L"10.1.2.3";
+    ASSERT_EQ(login.run(), 0u);
+    EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
+    EXPECT_EQ(server.request(1).headerCount("X-Forwarded-For"), 0u);
+}
+
+TEST(TorviLoginWire, AnAgentThatDoesNotFitIsNotKept) {
+    for (const auto& [length, kept] : {std::pair{259, true}, std::pair{260, false}}) {
+        RawServer server({Reply::json(kGood), Reply::json(R"({"status":1,"success":true})")});
+        const std::wstring agent(length, L'a');
+        LoginArgs login(server);
+        login.agent = agent.c_str();
+        ASSERT_EQ(login.run(), 0u);
+        EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
+        EXPECT_EQ(server.request(0).header("User-Agent").size(), static_cast<size_t>(length));
+        EXPECT_EQ(server.request(1).header("User-Agent"), kept ? std::string(259, 'a') : "VEXA Torvi");
+    }
+}
+
+TEST(TorviLoginWire, NumbersMayComeAsText) {
+    RawServer server(
+        {Reply::json(R"({"status":"1","sid":"s","nubo_cluster_status":"1","nubo_slave_id":"n"})")});
+    LoginArgs login(server);
+    EXPECT_EQ(login.run(), 0u);
+    EXPECT_EQ(login.result, 0u);
+    EXPECT_TRUE(login.slave);
+}
+
+TEST(TorviLoginWire, AdminIsTheTextOrNumber1) {
+    const std::pair<const char*, bool> rows[] = {
+        {R"("1")", true}, {"1", true}, {R"("0")", false}, {R"("true")", false}};
+    for (const auto& [value, isAdmin] : rows) {
+        RawServer server({Reply::json(std::string(R"({"status":1,"sid":"s","admingroup":)") + value + "}")});
+        LoginArgs login(server);
+        EXPECT_EQ(login.run(), 0u);
+        EXPECT_EQ(login.admin, isAdmin) << value;
+    }
+}
+
+TEST(TorviLoginWire, ANodeThatSaysItselfThatItIsNotReadyOpensASessionToo) {
+    RawServer server({Reply::json(R"({"status":-90,"sid":"s"})")});
+    LoginArgs login(server);
+    EXPECT_EQ(login.run(), 0u);
+    EXPECT_EQ(login.signedResult(), -37);
+    EXPECT_NE(login.made, nullptr);
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+// Only here can a session without a sid be had.
+#include "../../src/core/authcontext.h"
 #include "support/logcapture.h"
 #include "support/session.h"
 #include "support/wire.h"
@@ -51,6 +53,17 @@ TEST(TorviLogoutWire, ASlavesSessionSendsNothingUnlessForced) {
     EXPECT_EQ(TorviLogout(kServer, server.port(), true, session.get()), 0u);
     expectRequestLine(server.onlyRequest(),
                       "GET /cgi-bin/torvi/torvisrv_logout.cgi?sid=sid123&logout=1 HTTP/1.1");
+}
+
+TEST(TorviLogoutWire, AnEmptySidSendsNothing) {
+    RawServer server({Reply::json(kDone)});
+    const SessionPtr session = makeSession();
+    session->pszSid[0] = L'\0';
+    LogCapture log;
+    EXPECT_EQ(TorviLogout(kServer, server.port(), false, session.get()), 0u);
+    EXPECT_EQ(server.requestCount(), 0u);
+    log.expectNoLines();
+    EXPECT_EQ(TorviLogout(kServer, 0, false, session.get()), 8u);
 }
 
 TEST(TorviLogoutWire, IsSafeToCallTwice) {

@@ -118,6 +118,30 @@ TEST(WFMGetVersionWire, RefusesNullOutParametersAndTouchesNothing) {
     log.expectLines({line, line});
 }
 
+TEST(WFMGetVersionWire, AnUnknownProxyModeIsTheSystemsProxy) {
+    for (const uint32_t mode : {3U, 7U, 0xFFFFFFFFU}) {
+        RawServer server({Reply::json(kGood)});
+        _WFM_VERSION_INFORMATION version;
+        uint32_t result = 1;
+        EXPECT_EQ(WFMGetVersion(kServer, server.port(), L"", false, mode, L"127.0.0.1:1", L"u", L"p", L"", 0,
+                                &result, &version),
+                  0u);
+        EXPECT_EQ(result, 0u);
+    }
+}
+
+TEST(WFMGetVersionWire, AUrlThatCannotBeFormedIs6) {
+    LogCapture log;
+    _WFM_VERSION_INFORMATION version;
+    uint32_t result = 1;
+    EXPECT_EQ(WFMGetVersion(kServer, 70000, L"", false, 0, L"", L"", L"", L"", 0, &result, &version), 6u);
+    EXPECT_EQ(WFMGetVersion(L"[::1", 80, L"", false, 0, L"", L"", L"", L"", 0, &result, &version), 6u);
+    log.expectLines({"[WFM] WFMGetVersion: FAIL(httpStatusCode=0)",
+                     "[WFM] WFMGetVersion(127.0.0.1:70000) failed dwStatus(6)",
+                     "[WFM] WFMGetVersion: FAIL(httpStatusCode=0)",
+                     "[WFM] WFMGetVersion([::1:80) failed dwStatus(6)"});
+}
+
 TEST(WFMGetVersionWire, SeparatesProxyModes) {
     RawServer server({Reply::json(kGood)});
     _WFM_VERSION_INFORMATION version;
