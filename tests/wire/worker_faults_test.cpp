@@ -176,3 +176,17 @@ TEST(WorkerFaults, AnErrorThatComesWhileTheBodyGoesOutIsRead) {
     EXPECT_EQ(worker.upload(&input, "Upload", false, nullptr, nullptr), 403);
     EXPECT_EQ(worker.http_status, 503);
 }
+
+TEST(WorkerFaults, AFileThatGivesLessThanItsSizeEndsTheUploadAsAnError) {
+    // The kernel states a page for it and gives a line.
+    const QString path = "/sys/kernel/uevent_seqnum";
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.readAll().size() >= file.size())
+        GTEST_SKIP() << "no such file here";
+    RawServer server({Reply::text("ok")});
+    HttpRequestInput input(urlOf(server), "POST", false);  // no time-out, as uploads have
+    input.add_file("Filedata", path, "f", "", file.size(), 0, false);
+    HttpRequestWorker worker;
+    EXPECT_EQ(worker.upload(&input, "Upload", false, nullptr, nullptr), 99);
+    for (const Request& sent : server.requests()) EXPECT_FALSE(sent.complete);
+}
