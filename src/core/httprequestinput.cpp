@@ -32,11 +32,11 @@ void HttpRequestInput::set_timeout_msec(int msec) {
 }
 
 void HttpRequestInput::add_var(QString key, QString value) {
-    vars.append(qMakePair(std::move(key), std::move(value)));
+    vars.append({key, value});
 }
 
 void HttpRequestInput::add_raw_header(QString name, QString value) {
-    raw_headers.append(qMakePair(std::move(name), std::move(value)));
+    raw_headers.append({name, value});
 }
 
 void HttpRequestInput::add_file(QString variableName, QString localFilename, QString requestFilename,

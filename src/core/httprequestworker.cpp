@@ -90,7 +90,7 @@ HttpRequestWorker::~HttpRequestWorker() {
 }
 
 void HttpRequestWorker::setProxy(_PROXY_MODE_ mode, QString host, QString user, QString password) {
-    proxy.reset(new Proxy{mode, std::move(host), std::move(user), std::move(password)});
+    proxy = std::make_unique<Proxy>(Proxy{mode, std::move(host), std::move(user), std::move(password)});
 }
 
 int HttpRequestWorker::execute(HttpRequestInput* input) {

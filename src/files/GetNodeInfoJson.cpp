@@ -7,8 +7,10 @@ using namespace Lattice;
 
 namespace {
 
-_WFM_PATH_INFORMATION Record(const PathEntry& entry, uint32_t fieldMask) {
-    _WFM_PATH_INFORMATION record = EmptyPathRecord();
+/// Filled where it lies: a record is large, and a page has many.
+void AddRecord(const PathEntry& entry, uint32_t fieldMask, std::vector<_WFM_PATH_INFORMATION>& records) {
+    _WFM_PATH_INFORMATION& record = records.emplace_back();
+    record.nPrivilegeEx = -1;
     record.bExists = true;
     record.bHasChild = true;
     bool hasChild = !IsPresent(entry.json, "have_child") || JsonGetInt(entry.json, "have_child", 0) != 0;
@@ -20,7 +22,6 @@ _WFM_PATH_INFORMATION Record(const PathEntry& entry, uint32_t fieldMask) {
         const std::wstring shareID = JsonText(entry.json, "nubo_share_id");
         if (shareID != L"---") CopyText(record.szShareID, shareID);
     }
-    return record;
 }
 
 int Read(const Json::Value& root, CGetNodeInfoJson& reply) {
@@ -38,7 +39,7 @@ int Read(const Json::Value& root, CGetNodeInfoJson& reply) {
         const PathEntry entry(json);
         if (entry.name.empty() || !wildCmp(reply.pattern.c_str(), entry.name.c_str(), 0)) continue;
         if (entry.wantedBy(reply.typeFilter) && entry.exists)
-            reply.records.push_back(Record(entry, reply.fieldMask));
+            AddRecord(entry, reply.fieldMask, reply.records);
         // One name was asked for, and this was it, kept or not.
         if (!isWild) break;
     }
@@ -52,6 +53,11 @@ int CGetNodeInfoJson::Parser(char* text) {
     CGetNodeInfoJson page = *this;
     const int understood = ParseReply(text, [&](const Json::Value& root) { return Read(root, page); });
     // Half a page must not move the listing on.
-    if (understood == 1) *this = std::move(page);
+    if (understood == 1) {
+        status = page.status;
+        total = page.total;
+        nextStart = page.nextStart;
+        records.swap(page.records);
+    }
     return understood;
 }

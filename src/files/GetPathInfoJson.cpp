@@ -32,7 +32,7 @@ int Read(const Json::Value& root, CGetPathInfoJson& reply) {
         if (entry.name == reply.expectedName && entry.wantedBy(reply.typeFilter))
             reply.records.push_back(Record(entry, reply.fieldMask));
     }
-    if (entries.size() > 0 && reply.records.empty()) reply.status = WFM_FILE_NO_EXIST;
+    if (!entries.empty() && reply.records.empty()) reply.status = WFM_FILE_NO_EXIST;
     return 1;
 }
 
