@@ -15,7 +15,7 @@ void AddRecord(const PathEntry& entry, uint32_t fieldMask, std::vector<_WFM_PATH
     record.bHasChild = true;
     bool hasChild = !IsPresent(entry.json, "have_child") || JsonGetInt(entry.json, "have_child", 0) != 0;
     entry.fill(record, fieldMask);
-    if ((fieldMask & kFieldIsFolder) && !entry.isFolder) record.bHasChild = hasChild = false;
+    if ((fieldMask & kFieldIsFolder) && !entry.isFolder()) record.bHasChild = hasChild = false;
     if (fieldMask & kFieldHasChild) record.bHasChild = hasChild;
     if (fieldMask & kFieldShare) {
         record.dwNuboType = static_cast<uint32_t>(JsonGetInt(entry.json, "nubo_type", 0));
@@ -38,7 +38,7 @@ int Read(const Json::Value& root, CGetNodeInfoJson& reply) {
     for (const Json::Value& json : entries) {
         const PathEntry entry(json);
         if (entry.name.empty() || !wildCmp(reply.pattern.c_str(), entry.name.c_str(), 0)) continue;
-        if (entry.wantedBy(reply.typeFilter) && entry.exists)
+        if (entry.wantedBy(reply.typeFilter) && entry.exists())
             AddRecord(entry, reply.fieldMask, reply.records);
         // One name was asked for, and this was it, kept or not.
         if (!isWild) break;

@@ -11,7 +11,7 @@ constexpr int kHighestPrivilegeEx = 2;
 
 _WFM_PATH_INFORMATION Record(const PathEntry& entry, uint32_t fieldMask) {
     _WFM_PATH_INFORMATION record = EmptyPathRecord();
-    record.bExists = entry.exists;
+    record.bExists = entry.exists();
     if (fieldMask & (kFieldPrivilegeEx | kFieldUploadPrivilege)) {
         record.nPrivilegeEx = JsonGetInt(entry.json, "privilege_ex", -1);
         if (record.nPrivilegeEx > kHighestPrivilegeEx) record.nPrivilegeEx = -1;

@@ -14,11 +14,6 @@ uint32_t AccessOf(int privilege) {
     return 0;
 }
 
-/// An entry that tells neither its existence nor its time counts as gone.
-bool Exists(const Json::Value& entry, int64_t modifiedTime) {
-    return IsPresent(entry, "exist") ? JsonGetInt(entry, "exist", 0) != 0 : modifiedTime != 0;
-}
-
 }  // namespace
 
 _WFM_PATH_INFORMATION EmptyPathRecord() {
@@ -27,25 +22,33 @@ _WFM_PATH_INFORMATION EmptyPathRecord() {
     return record;
 }
 
-PathEntry::PathEntry(const Json::Value& entry)
-    : json(entry),
-      name(JsonText(entry, "filename")),
-      isFolder(JsonGetInt(entry, "isfolder", 0) == 1),
-      modifiedTime(JsonGetInt64(entry, "epochmt", 0)),
-      exists(Exists(entry, modifiedTime)) {}
+PathEntry::PathEntry(const Json::Value& entry) : json(entry), name(JsonText(entry, "filename")) {}
+
+bool PathEntry::isFolder() const {
+    return JsonGetInt(json, "isfolder", 0) == 1;
+}
+
+int64_t PathEntry::modifiedTime() const {
+    return JsonGetInt64(json, "epochmt", 0);
+}
+
+bool PathEntry::exists() const {
+    return IsPresent(json, "exist") ? JsonGetInt(json, "exist", 0) != 0 : modifiedTime() != 0;
+}
 
 bool PathEntry::wantedBy(uint32_t typeFilter) const {
-    return (typeFilter & (isFolder ? kTypeFolders : kTypeFiles)) != 0;
+    return (typeFilter & (isFolder() ? kTypeFolders : kTypeFiles)) != 0;
 }
 
 void PathEntry::fill(_WFM_PATH_INFORMATION& record, uint32_t fieldMask) const {
     if (fieldMask & kFieldName) CopyTextCut(record.szPathName, name);
-    if (fieldMask & kFieldIsFolder) record.bIsFolder = isFolder;
+    if (fieldMask & kFieldIsFolder) record.bIsFolder = isFolder();
     if (fieldMask & kFieldAccess) record.dwAccess = AccessOf(JsonGetInt(json, "privilege", 0));
     if (fieldMask & kFieldSize) record.llSize = JsonGetSize(json, "filesize", 0);
-    if (modifiedTime <= 0) return;
-    if (fieldMask & kFieldModifiedTime) record.llModifiedTime = modifiedTime;
-    if (fieldMask & kFieldSecondTime) record.llSecondTime = modifiedTime;
+    const int64_t time = modifiedTime();
+    if (time <= 0) return;
+    if (fieldMask & kFieldModifiedTime) record.llModifiedTime = time;
+    if (fieldMask & kFieldSecondTime) record.llSecondTime = time;
 }
 
 _WFM_PATH_INFORMATION** HandOverList(const std::vector<_WFM_PATH_INFORMATION>& first,

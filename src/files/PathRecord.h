@@ -29,10 +29,15 @@ enum TypeFilter : uint32_t { kTypeFiles = 1, kTypeFolders = 2, kTypeCheckChild =
 /// The record that says nothing yet.
 _WFM_PATH_INFORMATION EmptyPathRecord();
 
-/// What an entry of a listing or a stat reply says of itself, whatever fields are wanted.
+/// What an entry of a listing or a stat reply says of itself. All but the name is read when it is asked for:
+/// what an entry that isn't wanted says elsewhere must not spoil the page.
 struct PathEntry {
     explicit PathEntry(const Json::Value& entry);
 
+    bool isFolder() const;  // an entry that doesn't say so is a file
+    int64_t modifiedTime() const;
+    /// An entry that tells neither its existence nor its time counts as gone.
+    bool exists() const;
     /// Whether the type filter wants it.
     bool wantedBy(uint32_t typeFilter) const;
     /// Fills name, kind, access, size and times of a record, as far as they are wanted.
@@ -40,9 +45,6 @@ struct PathEntry {
 
     const Json::Value& json;
     std::wstring name;
-    bool isFolder;
-    int64_t modifiedTime;
-    bool exists;
 };
 
 /// The list as the caller gets it and deletes it; null when there is nothing to list.

@@ -45,10 +45,12 @@ uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
     if (call.judge(worker.upload(call.request(), "Upload", false, callback, lpData))) Judge(call);
 
     // A stopped or short transfer outweighs what the server said.
-    const bool isShort = call.result() == 0 && worker.llTotalFileSize != worker.llTotalBytesTransferred;
-    if (isShort || worker.dwProgress == 1)
+    const bool isShort = worker.llTotalFileSize != worker.llTotalBytesTransferred;
+    if (worker.dwProgress == 1)
         call.setResult(ERROR_REQUEST_ABORTED);
     else if (worker.dwProgress == 2)
         call.setResult(ERROR_INVALID_DATA);
+    else if (call.result() == 0 && isShort)
+        call.setResult(ERROR_REQUEST_ABORTED);
     return call.end();
 }

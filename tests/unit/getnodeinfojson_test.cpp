@@ -158,6 +158,18 @@ TEST(CGetNodeInfoJson, APatternWithoutWildcardsStopsAtAMatchThatIsNotRecorded) {
     }
 }
 
+TEST(CGetNodeInfoJson, WhatAnUnwantedEntrySaysElsewhereDoesNotSpoilThePage) {
+    const char* const broken[] = {R"({"filename":"other","epochmt":99999999999})",
+                                  R"({"filename":"other","isfolder":99999999999})",
+                                  R"({"filename":"a","isfolder":1,"epochmt":99999999999})"};
+    for (const char* entry : broken) {
+        SCOPED_TRACE(entry);
+        CGetNodeInfoJson reply = page(L"a*", 1);
+        EXPECT_EQ(parse(reply, listing(entry + std::string(R"(,{"filename":"a","epochmt":"5"})"))), 1);
+        EXPECT_EQ(reply.records.size(), 1u);
+    }
+}
+
 TEST(CGetNodeInfoJson, AWildPatternGoesThroughTheWholePage) {
     for (const wchar_t* pattern : {L"*b*", L"?b", L"*", L"?B"}) {
         CGetNodeInfoJson reply = page(pattern);

@@ -220,3 +220,30 @@ TEST(WFMUploadFilewithHandleWire, ABrokenConnectionIsMinus1WithACallbackAnd13Wit
     expectABrokenUpload<UploadCall>(true, -1);
     expectABrokenUpload<UploadCall>(false, 13);
 }
+
+namespace {
+
+/// A file that tells another size than it has, as one that changed since it was asked.
+class FileOfAnotherSize : public QFile {
+public:
+    using QFile::QFile;
+    qint64 size() const override { return QFile::size() + 2; }
+};
+
+}  // namespace
+
+TEST(WFMUploadFilewithHandleWire, AShortTransferIs1235AndOneThatIsNotTrusted13) {
+    for (const auto& [verdict, result] :
+         {std::pair<uint32_t, int32_t>{0, 1235}, {1, 1235}, {2, 13}, {3, 1235}}) {
+        SCOPED_TRACE(verdict);
+        RawServer server({Reply::json(kGood)});
+        const LocalFile local;
+        FileOfAnotherSize file(local.file.fileName());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        UploadCall call(server);
+        call.file = &file;
+        answerWith(call.progress, 0, 0, verdict);
+        EXPECT_EQ(call.run(), 0u);
+        EXPECT_EQ(call.signedResult(), result);
+    }
+}
