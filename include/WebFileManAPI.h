@@ -18,21 +18,22 @@
 /// the server answered. A call has done its work when both are 0; either may fail without the other. The
 /// calls report by numbers alone and throw nothing; a progress callback must not throw either.
 ///
-/// | dwStatus | Meaning                                                                                  |
-/// |----------|------------------------------------------------------------------------------------------|
-/// | 0        | a reply came and was understood; whether it says yes is the result word                  |
-/// | 2        | not connected, connection lost, or time-out: network errors 1 to 99                      |
-/// | 6        | any other network error: HTTP 400 and above, a fault of proxy or protocol, a broken URL  |
-/// | 7        | the caller's list or buffer can't take the reply                                         |
-/// | 8        | an argument is refused, or there is no `QCoreApplication`: nothing sent, nothing written |
-/// | 10       | HTTP 404, in the calls that say so: the server doesn't have this service                 |
-/// | 11       | HTTP 407: the proxy wants other credentials                                              |
-/// | 12       | HTTP 503: the server is there and not ready                                              |
-/// | 14       | the reply wasn't understood (nor is a 3xx or an empty one), or a login was refused       |
-/// | 87, 122  | in place of 8 and 7: WFMGetUseNuboCGI, WFMGetSlaveID, WFMGetSid                          |
+/// | dwStatus | Meaning                                                                                 |
+/// |----------|-----------------------------------------------------------------------------------------|
+/// | 0        | a reply came and was understood; whether it says yes is the result word                 |
+/// | 2        | not connected, connection lost, or time-out: network errors 1 to 99                     |
+/// | 6        | any other network error: HTTP 400 and above, a fault of proxy or protocol, a broken URL |
+/// | 7        | the caller's list or buffer can't take the reply                                        |
+/// | 8        | an argument is refused, or there is no `QCoreApplication`: nothing sent                 |
+/// | 10       | HTTP 404, in the calls that say so: the server doesn't have this service                |
+/// | 11       | HTTP 407: the proxy wants other credentials                                             |
+/// | 12       | HTTP 503: the server is there and not ready                                             |
+/// | 14       | the reply wasn't understood (nor is a 3xx or an empty one), or a login was refused      |
+/// | 87, 122  | in place of 8 and 7: WFMGetUseNuboCGI, WFMGetSlaveID, WFMGetSid                         |
 ///
 /// Every call may return 8, and every call that sends a request 2, 6, 11, 12 and 14; the tables below tell
-/// what is particular to a call.
+/// what is particular to a call. With 8 nothing is written, but for the cases of 8 that a call's table lists
+/// with a result word.
 ///
 /// The result word becomes 0xFFFFFFFF (-1) before anything else and stays so while `dwStatus` isn't 0, but
 /// for the cases that a call's table lists. -1 together with `dwStatus` 0 means that the server refused for a
@@ -70,7 +71,8 @@
 /// - Texts are NUL-terminated `wchar_t` (UTF-32); every length and capacity counts wide characters, the
 ///   terminator included. The library copies what it keeps: arguments may go when the call returns.
 /// - `server` is a host name or an address without scheme, an IPv6 address in square brackets. A context
-///   doesn't keep server and port; pass them to every call.
+///   doesn't keep server and port; pass them to every call. A port above 65535, or a server text that makes
+///   no URL, is a broken URL: nothing is sent.
 /// - `slaveID` names the cluster node that a request is for; null or empty is the node of the session. It
 ///   counts only in a session that has a slave id of its own (WFMGetSlaveID). The node that
 ///   WFMUpdateTeamFolderInfo gave for a team folder goes before it.
@@ -167,8 +169,8 @@ struct _WFM_NETWORK_INFORMATION {
 /// One listed or stat-ed path. 17472 bytes, so that a page of 1000 takes 17 MB.
 ///
 /// Only the fields that the call's `fieldMask` selects are filled, and only by the calls named; the others
-/// are 0, empty or false, nPrivilegeEx -1. Records of team folders that WFMGetNodeList puts into a listing
-/// are filled whatever the mask.
+/// are 0, empty or false, nPrivilegeEx -1; bHasChild has rules of its own. Records of team folders that
+/// WFMGetNodeList puts into a listing are filled whatever the mask.
 ///
 /// | Bit   | Selects        | Bit   | Selects                                                      |
 /// |-------|----------------|-------|--------------------------------------------------------------|
@@ -178,13 +180,18 @@ struct _WFM_NETWORK_INFORMATION {
 /// | 0x008 | bIsFolder      | 0x100 | nPrivilegeEx, with the question whether an upload is allowed |
 /// | 0x010 | llSize         | 0x200 | bHasChild                                                    |
 struct _WFM_PATH_INFORMATION {
-    wchar_t szPathName[4096];  ///< leaf name, 2047 characters at most, terminated
-    uint32_t dwAccess;         ///< 0 none, 1 read, 2 read and write
-    int32_t nPrivilegeEx;      ///< WFMGetPathInformation only: the server's number, 0 to 2; -1 unknown
-    bool bIsFolder;            ///< false is a file, if bit 0x008 was given
-    bool bExists;              ///< true in every record that a call hands out; needs no bit
-    bool bHasChild;  ///< WFMGetNodeList with bit 0x200 and type filter 6; else true for folders, or nothing
-    int64_t llSize;  ///< bytes; 0 from WFMGetFolderList and WFMGetFolderInformation
+    /// Leaf name, terminated: from the server 2047 characters at most, a team folder's in a listing, which
+    /// comes from the caller's own list, cut at 4095.
+    wchar_t szPathName[4096];
+    uint32_t dwAccess;     ///< 0 none, 1 read, 2 read and write
+    int32_t nPrivilegeEx;  ///< WFMGetPathInformation only: the server's number, 0 to 2; -1 unknown
+    bool bIsFolder;        ///< false is a file, if bit 0x008 was given
+    bool bExists;          ///< true in every record that a call hands out; needs no bit
+    /// WFMGetNodeList: has children, if it was asked with type filter 6 and bit 0x200; otherwise true, but
+    /// false for files under bit 0x008. Team folders in a listing: has folders in it, with filter bit 4,
+    /// otherwise false. From other calls false.
+    bool bHasChild;
+    int64_t llSize;          ///< bytes; 0 from WFMGetFolderList and WFMGetFolderInformation
     int64_t llModifiedTime;  ///< seconds since the epoch; 0 if the server has none
     int64_t llSecondTime;    ///< the same time once more
     uint32_t dwNuboType;     ///< WFMGetNodeList only: the server's kind of share, 8 for a team folder
@@ -484,13 +491,15 @@ TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool 
 
 /// Lists a folder page by page, newest first. A listing of "/home/.Torvi" with folders in its type filter
 /// begins with the session's team folders, as if they lay there.
-/// @param context,server,port  the session and where; its agent name must not be empty, or else 8
+/// @param context,server,port  the session and where; its agent name must not be empty, or else 8 (but see
+///                    the team folders below)
 /// @param slaveID     null, or the node to ask
 /// @param pattern     names to keep, "*" and "?" are wild, upper and lower case are the same; "*" keeps all.
 ///                    Works on this side, page by page: it saves no traffic. Not null or empty
 /// @param path        the folder; a "/" in front is added. Not null or empty
-/// @param typeFilter  sum of 1 files, 2 folders, 4 ask whether folders have children (with 2 and without 1
-///                    only); not 0
+/// @param typeFilter  sum of 1 files, 2 folders, 4 ask whether folders have children; not 0. The server is
+///                    asked with 6 only, and the file manager never; team folders with 6 and 7, by a request
+///                    for each
 /// @param fieldMask   fields to fill, see _WFM_PATH_INFORMATION; not 0. Names need 0x20
 /// @param cancel      may be null. Read when the page has come: a set flag gives 1235 and no list
 /// @param limit       entries asked for, team folders included; not checked, give at least 1
@@ -514,14 +523,15 @@ TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool 
 /// | 2        | 1231        | not connected, and this machine has no network                        |
 /// | 2        | 53          | not connected                                                         |
 /// | 6        | -1          | also a type filter without 1 and 2                                    |
-/// | 8        | -1          | the session has no agent name                                         |
+/// | 8        | -1          | the session has no agent name, and the page no team folders           |
 ///
 /// **18 doesn't say that the folder is there and empty.** A missing or denied folder and a session that has
 /// ended look the same; WFMGetPathInformation tells the first two (3 and 5), WFMGetFolderList the last
 /// (1244).
 ///
-/// Team folders at hand make a page a success even if the server's half of it failed; the next page then
-/// tells. So go on until a page brings no news, rather than to `total`:
+/// Team folders at hand make a page a success even if the server's half of it failed, or couldn't be asked
+/// for want of an agent name; the next page then tells. So go on until a page brings no news, rather than to
+/// `total`:
 ///
 ///     uint32_t word, total, start = 0, count, teamIndex = 0, teamCount = 0;
 ///     for (;;) {
@@ -621,9 +631,9 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderInformation(_WFM_AUTH_CONTEXT* context, con
 /// | 0        | -1          | refused otherwise, as when the session has ended                             |
 /// | 14       | -1          | also a reply with no entry, a field mask of 0, a type filter without 1 and 2 |
 ///
-/// With field mask 0x100 nPrivilegeEx is filled with 3 too: it tells whether the path could be made. Shares,
-/// as "/Public", are asked for with WFMGetFolderInformation. Twice: safe. Next: a transfer, or
-/// WFMGetFolderSize.
+/// With field mask 0x100 nPrivilegeEx is filled with 3 too, if the reply has an entry of that name that says
+/// that it isn't there: it tells whether the path could be made. Shares, as "/Public", are asked for with
+/// WFMGetFolderInformation. Twice: safe. Next: a transfer, or WFMGetFolderSize.
 TORVIAPI_EXPORT uint32_t WFMGetPathInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, const wchar_t* slaveID, const wchar_t* name,
                                                const wchar_t* parent, uint32_t fieldMask, uint32_t typeFilter,
@@ -660,7 +670,8 @@ TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wc
 ///                        empty
 /// @param wantFolder      true: a folder is looked for, false: a file. Shares, as "/Public", are looked for
 ///                        in either case
-/// @param serverSidePath  true: `path` is a "vtf://" path already and isn't mapped
+/// @param serverSidePath  true: `path` is a "vtf://" path already and isn't mapped. "vtf://S", a team
+///                        folder's root, isn't found so: ask for it by its client-side path
 /// @param cancel          not read; may be null
 /// @param resultWord      not null
 /// @param isPresent       false until proven; not null
@@ -669,14 +680,15 @@ TORVIAPI_EXPORT uint32_t WFMIsPathDirectory(_WFM_AUTH_CONTEXT* context, const wc
 /// | dwStatus | Result word | When                                                               |
 /// |----------|-------------|--------------------------------------------------------------------|
 /// | 0        | 0           | present                                                            |
-/// | 0        | 3           | not present, or of the other type                                  |
+/// | 0        | 3           | not present, or of the other type; a share: also refused otherwise |
 /// | 0        | 5           | access denied; a share is then present, another path is not proven |
-/// | 0        | -1          | refused otherwise                                                  |
-/// | 14       | any         | also "/", and a share that the server spells otherwise             |
+/// | 0        | -1          | refused otherwise, a share excepted                                |
+/// | 14       | -1          | also "/"                                                           |
+/// | 14       | 0           | "/*": a share was found, under another name                        |
 /// | 8        | -1          | also a "/" at the end                                              |
 ///
-/// A share that the user may not enter counts as present. Twice: safe. Next: WFMCreateFile or an upload if it
-/// isn't.
+/// A session that has ended is refused otherwise, so that a share then looks as if it weren't there. A share
+/// that the user may not enter counts as present. Twice: safe. Next: WFMCreateFile or an upload if it isn't.
 TORVIAPI_EXPORT uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, const wchar_t* path, bool wantFolder,
                                           bool serverSidePath, bool* cancel, uint32_t* resultWord,
@@ -692,16 +704,17 @@ TORVIAPI_EXPORT uint32_t WFMIsPathPresent(_WFM_AUTH_CONTEXT* context, const wcha
 /// @param size        receives the bytes, when both numbers are 0; not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                               |
-/// |----------|-------------|----------------------------------------------------|
-/// | 0        | 0           | `size` is filled                                   |
-/// | 0        | 3           | no such path                                       |
-/// | 0        | 5           | access denied                                      |
-/// | 0        | 87          | the server's number isn't one                      |
-/// | 0        | -1          | refused otherwise                                  |
-/// | 2        | -1          | also a server that adds for longer than 60 seconds |
+/// | dwStatus | Result word | When                                                                          |
+/// |----------|-------------|-------------------------------------------------------------------------------|
+/// | 0        | 0           | `size` is filled                                                              |
+/// | 0        | 3           | no such path                                                                  |
+/// | 0        | 5           | access denied                                                                 |
+/// | 0        | 87          | the server's number is missing, empty, negative, or 2048 characters or longer |
+/// | 0        | -1          | refused otherwise                                                             |
+/// | 2        | -1          | also a server that adds for longer than 60 seconds                            |
 ///
-/// Twice: safe, but the server adds up anew.
+/// The number is read as far as it goes: "7 bytes" is 7 and "abc" is 0, both with result word 0. Twice: safe,
+/// but the server adds up anew.
 TORVIAPI_EXPORT uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                           const wchar_t* slaveID, const wchar_t* name, const wchar_t* parent,
                                           bool* cancel, uint32_t* resultWord, int64_t* size);
@@ -716,15 +729,18 @@ TORVIAPI_EXPORT uint32_t WFMGetFolderSize(_WFM_AUTH_CONTEXT* context, const wcha
 /// @param resultWord  not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                   |
-/// |----------|-------------|----------------------------------------|
-/// | 0        | 0           | an empty file is there                 |
-/// | 0        | 5           | access denied                          |
-/// | 0        | 112         | quota used up                          |
-/// | 0        | -1          | refused otherwise                      |
-/// | 2, 6     | -1          | not known: the file may have been made |
+/// | dwStatus | Result word | When                                                     |
+/// |----------|-------------|----------------------------------------------------------|
+/// | 0        | 0           | an empty file is there                                   |
+/// | 0        | 5           | access denied                                            |
+/// | 0        | 112         | quota used up                                            |
+/// | 0        | -1          | refused otherwise                                        |
+/// | 2, 6     | -1          | not known: the file may have been made                   |
+/// | 14       | -1          | also any reply whose "success" isn't true, a refusal too |
 ///
-/// Time-out 60 seconds. Twice: empties the file again. Next: WFMTorviUploadandMovewithHandle to fill it.
+/// A path that ends in "/", or is a team folder's root, has no name: the request then has an empty "Filename"
+/// and no file, and what comes of it is up to the server. Time-out 60 seconds. Twice: empties the file again.
+/// Next: WFMTorviUploadandMovewithHandle to fill it.
 TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                        const wchar_t* slaveID, const wchar_t* path, bool* cancel,
                                        uint32_t* resultWord);
@@ -783,26 +799,30 @@ TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, con
 /// @param slaveID      null, or the node to ask
 /// @param file         the caller's, open for reading, with a name: **the library opens the same path
 ///                     again**, so unwritten data must be flushed. It stays open and where it is. Not null
-/// @param destination  folder and name together; not null or empty
+/// @param destination  folder and name together; not null or empty. One without a name (it ends in "/", or is
+///                     a team folder's root) uploads under the local file's name, with "Filename" empty
 /// @param lpData,callback  progress; may be null
 /// @param overwrite    low byte only: 1 replaces a file that is there; what 0 does is up to the server
 /// @param reserved     null
 /// @param resultWord   system-style numbers; not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                             |
-/// |----------|-------------|------------------------------------------------------------------|
-/// | 0        | 0           | the file is there                                                |
-/// | 0        | 5           | access denied                                                    |
-/// | 0        | 112         | quota used up                                                    |
-/// | 0        | 13          | the file ended short while it was sent                           |
-/// | 0        | 1235        | accepted, but not all bytes went out, or the closing call said 1 |
-/// | 0        | -1          | refused otherwise                                                |
-/// | 2        | 1235        | stopped by the callback                                          |
-/// | 2        | -1          | not connected, or the file's size changed while it was sent      |
-/// | 2, 6     | 13          | the same without a callback, if not all bytes went out           |
-/// | 6        | -1          | also a file that can't be opened by its path                     |
-/// | 8        | untouched   | also a file that isn't there or isn't open for reading           |
+/// | dwStatus     | Result word | When                                                                    |
+/// |--------------|-------------|-------------------------------------------------------------------------|
+/// | 0            | 0           | the file is there                                                       |
+/// | 0            | 5           | access denied                                                           |
+/// | 0            | 112         | quota used up                                                           |
+/// | 0            | 1235        | accepted, but the file's size changed between the check and the sending |
+/// | 0            | 13          | refused, and not all bytes went out                                     |
+/// | 0            | -1          | refused otherwise                                                       |
+/// | 2            | 1235, 13    | stopped by the callback with 1, 2                                       |
+/// | 2            | -1          | stopped by the callback otherwise; not connected                        |
+/// | 2            | -1          | the file ended short or changed its size under way                      |
+/// | 2, 6, 11, 12 | 13          | failed without a callback, and not all bytes went out                   |
+/// | any but 8    | 1235, 13    | the closing call said 1, 2: it outweighs the answer, understood or not  |
+/// | 6            | -1          | also a file that can't be opened by its path                            |
+/// | 8            | untouched   | also a file that isn't there or isn't open for reading                  |
+/// | 14           | -1          | also any reply whose "success" isn't true, a refusal too                |
 ///
 /// After 2 and 6 the file may have arrived all the same: ask WFMGetPathInformation. Twice: sends it again.
 /// Next: WFMGetPathInformation, to learn the time that the server gave it.
@@ -816,7 +836,8 @@ TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, con
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID       null, or the node to ask
 /// @param file          as for WFMUploadFilewithHandle
-/// @param destination   folder and name together; not null or empty
+/// @param destination   folder and name together; not null or empty. Without a name as for
+///                      WFMUploadFilewithHandle
 /// @param uploadRoot    folder under which the server keeps the unfinished file; sent as given, not mapped.
 ///                      Not null or empty
 /// @param renameTarget  the name to take instead, as the server wants it; sent as given, not mapped. Null or
@@ -830,16 +851,19 @@ TORVIAPI_EXPORT uint32_t WFMUploadFilewithHandle(_WFM_AUTH_CONTEXT* context, con
 /// @param resultWord    client codes; not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                      |
-/// |----------|-------------|---------------------------------------------------------------------------|
-/// | 0        | 0           | the file is there                                                         |
-/// | 0        | other       | refused: the client code of the server's status                           |
-/// | 0        | -44         | the user's home folder is not available                                   |
-/// | 0        | -31         | the file ended short while it was sent, or the closing call said 2        |
-/// | 2        | -1          | stopped by the callback; not connected; the file's size changed meanwhile |
-/// | 2, 6     | -31         | the same without a callback, if not all bytes went out                    |
-/// | 6        | -1          | also a file that can't be opened by its path, or a negative fileSize      |
-/// | 8        | untouched   | also a file that isn't there or isn't open for reading                    |
+/// | dwStatus     | Result word | When                                                                 |
+/// |--------------|-------------|----------------------------------------------------------------------|
+/// | 0            | 0           | the file is there                                                    |
+/// | 0            | other       | refused: the client code of the server's status                      |
+/// | 0            | -44         | the user's home folder is not available                              |
+/// | 0            | -31         | not all bytes went out                                               |
+/// | 2            | -31         | stopped by the callback with 2                                       |
+/// | 2            | -1          | stopped by the callback otherwise; not connected                     |
+/// | 2            | -1          | the file ended short or changed its size under way                   |
+/// | 2, 6, 11, 12 | -31         | failed without a callback, and not all bytes went out                |
+/// | any but 8    | -31         | the closing call said 2: it outweighs the answer, understood or not  |
+/// | 6            | -1          | also a file that can't be opened by its path, or a negative fileSize |
+/// | 8            | untouched   | also a file that isn't there or isn't open for reading               |
 ///
 /// A stop and a lost connection look alike: the callback knows which it was. After 2 and 6 the file may have
 /// arrived all the same: ask WFMGetPathInformation. Twice: sends it again. Next: TorviLogin after -29; else
