@@ -128,7 +128,7 @@ TEST_F(WFMCreateFileWire, TheParentIsEncodedAndTheNameIsNot) {
 TEST_F(WFMCreateFileWire, WhatTheServerSaysDecidesTheResult) {
     const auto refused = [](int status) {
         return std::vector<LogLine>{"[WFM] WFMCreateFile: get error status = " + std::to_string(status) +
-                                    ", /home/.Torvi/T/\xE6\x96\x87"};
+                                    ", vtf://S/\xE6\x96\x87"};
     };
     const struct {
         const char* status;
