@@ -495,6 +495,25 @@ TEST_F(WFMGetNodeListWire, ATeamFoldersChildrenAreLookedForWithALookIntoIt) {
               baseHeaders(server, "agent"));
 }
 
+TEST_F(WFMGetNodeListWire, EachTeamFolderIsLookedIntoAlsoWhereFilesAreListed) {
+    RawServer server({Reply::json(kNothing),
+                      Reply::json(R"({"total":1,"datas":[{"filename":"in","isfolder":1,"epochmt":"5"}]})"),
+                      Reply::json(kNothing), Reply::json(kGood)});
+    const SessionPtr session = makeTeamSession(kThreeFolders);
+    call.path = L"/home/.Torvi";
+    call.typeFilter = 7;
+    call.expectNumbers(0, 0, session.get(), server.port());
+    EXPECT_EQ(call.records.take(),
+              (Lines{teamRecord("A"), "name=B access=2 folder exists child size=4096 nubo=8", teamRecord("C"),
+                     "name=a exists child"}));
+    ASSERT_EQ(server.requestCount(), 4u);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(server.request(i).queryText(),
+                  getList("vtf%3A%2F%2F" + std::to_string(i + 1) + "%2F", 10, 0, "&type=4&no_sort=0"));
+    EXPECT_EQ(server.request(3).queryText(), getList("%2Fhome%2F.Torvi", 7, 0, "&no_sort=0"));
+    log.expectNoLines();
+}
+
 TEST_F(WFMGetNodeListWire, ALookIntoATeamFolderThatFailsCountsAsNoChild) {
     RawServer server({Reply::status(500), Reply::json(kNothing)});
     const SessionPtr session = makeTeamSession();
@@ -503,6 +522,48 @@ TEST_F(WFMGetNodeListWire, ALookIntoATeamFolderThatFailsCountsAsNoChild) {
     call.expectNumbers(0, 0, session.get(), server.port());
     EXPECT_EQ(call.records.take(), Lines{teamRecord("T")});
     log.expectLines({"[WFM] GetPath: FAIL(httpStatusCode=500)", summaryLine("GetPath", server.port(), 6)});
+}
+
+TEST_F(WFMGetNodeListWire, WithoutAnAgentTheTeamFoldersAreListedAllTheSameAndNothingIsSent) {
+    RawServer server({Reply::json(kGood)});
+    const SessionPtr session = makeSession();
+    setTeamFolders(*session, kThreeFolders);
+    log.clear();
+    call.path = L"/home/.Torvi";
+    call.expectNumbers(0, 0, session.get(), server.port());
+    EXPECT_EQ(call.records.take(), (Lines{teamRecord("A"), teamRecord("B"), teamRecord("C")}));
+    EXPECT_EQ(call.total, 3u);
+    EXPECT_EQ(call.start, 3u);
+    log.expectLines({refusedLine("GetPath", server.port())});
+    log.clear();
+    // The next page tells.
+    call.expectNumbers(8, -1, session.get(), server.port());
+    EXPECT_TRUE(call.records.isEmpty());
+    log.expectLines({refusedLine("GetPath", server.port()), summaryLine("WFMGetNodeList", server.port(), 8)});
+    EXPECT_EQ(server.connectionCount(), 0u);
+}
+
+TEST_F(WFMGetNodeListWire, ATeamCountLowersTheServersStartOutsideTheTeamAreaToo) {
+    const struct {
+        uint32_t start, teamCount;
+        int asked;
+    } rows[] = {{9, 4, 5}, {4, 4, 0}, {3, 4, 0}, {9, 0, 9}};
+    const SessionPtr session = makeTeamSession(kThreeFolders);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.asked);
+        RawServer server({Reply::json(kGood)});
+        NodeListCall page;
+        page.start = row.start;
+        page.teamCount = row.teamCount;
+        page.expectNumbers(0, 0, session.get(), server.port());
+        EXPECT_EQ(page.records.take(), Lines{"name=a exists child"});
+        EXPECT_EQ(server.onlyRequest().queryText(), getList("%2Fhome", 10, row.asked, "&no_sort=0"));
+        // Only in the team area is it added again.
+        EXPECT_EQ(page.start, static_cast<uint32_t>(row.asked) + 1);
+        EXPECT_EQ(page.total, 3u);
+        EXPECT_EQ(page.teamCount, row.teamCount);
+        EXPECT_EQ(page.teamIndex, 0u);
+    }
 }
 
 TEST_F(WFMGetNodeListWire, TheTeamAreaIsAnOrdinaryFolderWhereTheConditionsDoNotHold) {

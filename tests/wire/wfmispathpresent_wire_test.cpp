@@ -89,7 +89,9 @@ TEST_F(WFMIsPathPresentWire, LeavesTheMappingToTheStatUnlessThePathIsTheServers)
     } rows[] = {
         {L"/home/.Torvi/T/b/a", false, "/Node/cgi-bin/torvi/torvisrv.cgi?func=stat&path=vtf%3A%2F%2FS%2Fb"},
         {L"/home/.Torvi/T/b/a", true, "/cgi-bin/torvi/torvisrv.cgi?func=stat&path=%2Fhome%2F.Torvi%2FT%2Fb"},
-        {L"vtf://S/b/a", true, "/cgi-bin/torvi/torvisrv.cgi?func=stat&path=vtf%3A%2F%2FS%2Fb"}};
+        {L"vtf://S/b/a", true, "/cgi-bin/torvi/torvisrv.cgi?func=stat&path=vtf%3A%2F%2FS%2Fb"},
+        // A team folder's root splits inside the scheme.
+        {L"vtf://a", true, "/cgi-bin/torvi/torvisrv.cgi?func=stat&path=%2Fvtf%3A%2F"}};
     RawServer server({Reply::json(kFile)});
     size_t count = 0;
     for (const auto& row : rows) {
@@ -153,6 +155,16 @@ TEST_F(WFMIsPathPresentWire, AShareThatIsNotThereIsLogged) {
         EXPECT_FALSE(call.isPresent);
         log.expectLines({failedLine(0, 3)});
     }
+}
+
+TEST_F(WFMIsPathPresentWire, AShareLooksAbsentOnceTheSessionHasEndedAndIsLogged) {
+    RawServer server({Reply::json(R"({"status":3})")});
+    IsPresentCall call;
+    call.path = L"/Public";
+    EXPECT_EQ(call.run(session.get(), server.port()), 0u);
+    EXPECT_EQ(call.result, 3u);
+    EXPECT_FALSE(call.isPresent);
+    log.expectLines({failedLine(0, 3)});
 }
 
 TEST_F(WFMIsPathPresentWire, AShareUnderAnotherNameIs14) {
