@@ -152,7 +152,7 @@ int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
         if (!reply->isFinished()) reply->abort();
         error_type = reply->error();
         http_status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-        response = reply->readAll();
+        if (reply->isOpen()) response = reply->readAll();  // an aborted one is closed
         error_str = reply->errorString();
         // Inside a tunnel Qt keeps the proxy's 407 to itself.
         const bool refusedTunnel =
@@ -254,7 +254,8 @@ void HttpRequestWorker::clearOutcome() {
 QNetworkRequest HttpRequestWorker::makeRequest(const HttpRequestInput& input, const QByteArray& contentType,
                                                PragmaHeader pragma) {
     QUrl url(input.url_str, QUrl::TolerantMode);
-    // Of a URL that it rejects, QUrl keeps scheme and host: the request would go to another port of that host.
+    // Of a URL that it rejects, QUrl keeps scheme and host: the request would go to another port of that
+    // host.
     if (!url.isValid()) url.clear();
     QNetworkRequest request(url);
     if (input.secure) request.setSslConfiguration(QSslConfiguration::defaultConfiguration());
