@@ -287,14 +287,19 @@ int main(int argc, char** argv) {
     int64_t size = 1024 * kMiB;
     int rounds = 5;
     std::string parent = std::filesystem::temp_directory_path();
-    for (int i = 1; i + 1 < argc; i += 2) {
+    for (int i = 1; i < argc; i += 2) {
         const std::string option = argv[i];
-        if (option == "--size")
-            size = std::atoll(argv[i + 1]) * kMiB;
-        else if (option == "--rounds")
-            rounds = std::atoi(argv[i + 1]);
-        else if (option == "--dir")
-            parent = argv[i + 1];
+        const char* value = i + 1 < argc ? argv[i + 1] : "";
+        if (option == "--dir")
+            parent = value;
+        else if (option == "--size" && std::atoll(value) > 0)
+            size = std::atoll(value) * kMiB;
+        else if (option == "--rounds" && std::atoi(value) > 0)
+            rounds = std::atoi(value);
+        else {
+            std::fprintf(stderr, "usage: %s [--size MiB] [--rounds N] [--dir SCRATCH]\n", argv[0]);
+            return 2;
+        }
     }
     return compare(size, rounds, parent);
 }
