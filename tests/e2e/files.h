@@ -1,0 +1,27 @@
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+
+/// The same bytes for the same seed.
+inline std::string randomBytes(std::size_t size, unsigned seed = 1) {
+    std::mt19937_64 generator(seed);
+    std::string bytes(size, '\0');
+    for (char& byte : bytes) byte = static_cast<char>(generator());
+    return bytes;
+}
+
+inline std::int64_t modifiedTime(const std::string& path) {
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 ? static_cast<std::int64_t>(status.st_mtim.tv_sec) : -1;
+}
+
+inline void setModifiedTime(const std::string& path, std::int64_t seconds) {
+    const timespec times[2] = {{static_cast<time_t>(seconds), 0}, {static_cast<time_t>(seconds), 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+}

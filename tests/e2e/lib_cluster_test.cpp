@@ -1,0 +1,131 @@
+#include <fstream>
+#include <sstream>
+
+#include "lib_support.h"
+#include "support/nginx.h"
+#include "support/progress.h"
+
+using namespace e2e;
+using testing::ElementsAre;
+
+namespace {
+
+std::string templateText() {
+    std::ifstream in(NGINX_CLUSTER_TEMPLATE);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+/// Two nodes with one set of sessions, behind a front end that knows them by their ids.
+class LibCluster : public testing::TestWithParam<Road> {
+protected:
+    static std::vector<std::string> node(const TempDir& sessions, const std::string& id) {
+        return {"--slave-id", id, "--session-dir", sessions.file("sids"), "--team", "ben:/home/Plans:anna"};
+    }
+    Login loginAtTheFront() {
+        Login login;
+        login.road = GetParam();
+        login.port = front.port();
+        return login;
+    }
+
+    TempDir sessions;
+    Nas master{withArguments(node(sessions, "master"))};
+    Nas other{withArguments(node(sessions, "node2"))};
+    Nginx front{templateText(),
+                {{"MASTER", "127.0.0.1:" + std::to_string(master.port())},
+                 {"MASTER_ID", "master"},
+                 {"NODE", "127.0.0.1:" + std::to_string(other.port())},
+                 {"NODE_ID", "node2"}}};
+};
+
+}  // namespace
+
+TEST_P(LibCluster, ATeamFolderOnTheOtherNodeIsReachedThroughTheFrontEnd) {
+    other.folder().write("homes/ben/Plans/old.txt", "old");
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"node2");
+    other.forgetRequests();
+    master.forgetRequests();
+
+    EXPECT_EQ(client.upload({"new plan", L"/home/.Torvi/Plans/new 1.txt"}), kDone);
+    EXPECT_EQ(other.folder().read("homes/ben/Plans/new 1.txt"), "new plan");
+    Upload moved{"moved", L"/home/.Torvi/Plans/moved"};
+    moved.move = true;
+    EXPECT_EQ(client.upload(moved), kDone);
+    EXPECT_EQ(modifiedTime(other.folder().file("homes/ben/Plans/moved")), moved.time);
+    std::vector<Entry> entries;
+    Pages pages;
+    pages.path = L"/home/.Torvi/Plans";
+    pages.limit = 2;
+    EXPECT_EQ(client.list(pages, entries), kDone);
+    EXPECT_THAT(names(entries), testing::UnorderedElementsAre("old.txt", "new 1.txt", "moved"));
+    std::string bytes;
+    EXPECT_EQ(client.download(L"/home/.Torvi/Plans/old.txt", bytes), kDone);
+    EXPECT_EQ(bytes, "old");
+    EXPECT_EQ(client.createFile(L"/home/.Torvi/Plans/empty"), kDone);
+    EXPECT_EQ(client.mayUpload(L"/home/.Torvi/Plans", L"x"), kDone);
+    std::int64_t size = 0;
+    EXPECT_EQ(client.folderSize(L"/home/.Torvi", L"Plans", size), kDone);
+    EXPECT_EQ(size, 16);
+    EXPECT_EQ(master.requestCount(), 0) << master.log();
+    EXPECT_EQ(other.requestCount("refused"), 0) << other.log();
+}
+
+TEST_P(LibCluster, OwnFilesStayWithTheMaster) {
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"node2");
+    other.forgetRequests();
+    EXPECT_EQ(client.upload({"mine", L"/home/mine"}), kDone);
+    EXPECT_EQ(master.folder().read("homes/anna/mine"), "mine");
+    EXPECT_EQ(client.stat(L"/home", L"mine"), kDone);
+    EXPECT_EQ(other.requestCount(), 0);
+    // The team folder stands in the listing all the same; its children are asked of its own node.
+    Pages pages;
+    pages.path = L"/home/.Torvi";
+    pages.typeFilter = 6;
+    std::vector<Entry> entries;
+    EXPECT_EQ(client.page(pages, entries), kDone);
+    EXPECT_THAT(names(entries), ElementsAre("Plans"));
+    EXPECT_FALSE(entries[0].hasChild);
+}
+
+TEST_P(LibCluster, ATeamFolderOfTheMastersOwnGoesWithoutAPrefix) {
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"MASTER");
+    EXPECT_EQ(client.upload({"plan", L"/home/.Torvi/Plans/p"}), kDone);
+    EXPECT_EQ(master.folder().read("homes/ben/Plans/p"), "plan");
+    EXPECT_EQ(front.read("access.log").find("/MASTER/"), std::string::npos);
+}
+
+TEST_P(LibCluster, TheNodeThatIsToldAtLoginIsTheContexts) {
+    Login login = loginAtTheFront();
+    EXPECT_EQ(login.run(), kDone);
+    EXPECT_TRUE(login.isSlave);
+    wchar_t id[260] = {};
+    std::uint32_t capacity = 260;
+    EXPECT_EQ(WFMGetSlaveID(login.session.get(), &capacity, id), 0u);
+    EXPECT_STREQ(id, L"master");
+    // A slave's session is ended by its master; only a forced logout says so to the server.
+    EXPECT_EQ(TorviLogout(L"127.0.0.1", front.port(), false, login.session.get()), 0u);
+    EXPECT_EQ(master.requestCount("logout"), 0);
+    EXPECT_EQ(TorviLogout(L"127.0.0.1", front.port(), true, login.session.get()), 0u);
+    EXPECT_EQ(master.requestCount("logout"), 1);
+}
+
+TEST_P(LibCluster, ANodeThatIsGoneIsTheFrontEndsError) {
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"node2");
+    other.stop();
+    Upload upload{randomBytes(100000), L"/home/.Torvi/Plans/x"};
+    Progress progress;
+    upload.callback = Progress::callback;
+    upload.data = &progress;
+    EXPECT_EQ(client.upload(upload), (Numbers{6, -1}));  // 502
+    EXPECT_EQ(client.stat(L"/home/.Torvi/Plans", L"x"), (Numbers{6, -1}));
+    EXPECT_EQ(client.upload({"mine", L"/home/mine"}), kDone);
+}
+
+INSTANTIATE_TEST_SUITE_P(Roads, LibCluster,
+                         testing::Values(Road{Service::Sync, false}, Road{Service::Fcgi, false}), roadName);

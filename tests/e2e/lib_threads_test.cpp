@@ -1,0 +1,176 @@
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <thread>
+
+#include "lib_support.h"
+#include "support/process.h"
+
+using namespace e2e;
+
+namespace {
+
+class LibThreads : public LibRoad {};
+class LibMemory : public LibRoad {};
+
+/// Passes bytes between its clients and a server, all on the thread that made it.
+class Relay {
+public:
+    explicit Relay(std::uint16_t to) : m_to(to) {
+        m_server.listen(QHostAddress::LocalHost);
+        QObject::connect(&m_server, &QTcpServer::newConnection, [this] {
+            while (QTcpSocket* client = m_server.nextPendingConnection()) connectOn(client);
+        });
+    }
+    std::uint16_t port() const { return m_server.serverPort(); }
+    /// Until this is called nothing passes.
+    void open() {
+        m_isOpen = true;
+        for (const auto& pass : m_passes) pass();
+    }
+    std::int64_t passed() const { return m_passed; }
+
+private:
+    void connectOn(QTcpSocket* client) {
+        auto* server = new QTcpSocket(client);
+        server->connectToHost(QHostAddress::LocalHost, m_to);
+        for (const auto& [from, to] : {std::pair(client, server), std::pair(server, client)}) {
+            const auto pass = [this, from = from, to = to] {
+                if (m_isOpen) m_passed += to->write(from->readAll());
+            };
+            QObject::connect(from, &QTcpSocket::readyRead, pass);
+            m_passes.emplace_back(pass);
+        }
+        QObject::connect(server, &QTcpSocket::disconnected, client, &QTcpSocket::disconnectFromHost);
+    }
+
+    std::uint16_t m_to;
+    bool m_isOpen = false;
+    std::int64_t m_passed = 0;
+    std::vector<std::function<void()>> m_passes;
+    QTcpServer m_server;
+};
+
+/// One worker's day: every kind of call, on files of its own beside one that all read.
+void workAlone(const Client& client, int number) {
+    const std::wstring name = L"/home/w " + std::to_wstring(number);
+    const std::string bytes =
+        randomBytes(50000 + static_cast<std::size_t>(number), static_cast<unsigned>(number));
+    SCOPED_TRACE("worker " + std::to_string(number));
+    Upload upload{bytes, name};
+    for (const bool move : {false, true}) {
+        upload.move = move;
+        EXPECT_EQ(client.upload(upload), kDone);
+        std::string back;
+        EXPECT_EQ(client.download(name, back), kDone);
+        EXPECT_TRUE(back == bytes);
+    }
+    EXPECT_EQ(client.createFile(name + L".new"), kDone);
+    Entry entry;
+    EXPECT_EQ(client.stat(L"/home", name.substr(6), &entry), kDone);
+    EXPECT_EQ(entry.size, static_cast<std::int64_t>(bytes.size()));
+    EXPECT_EQ(entry.time, upload.time);
+    std::vector<Entry> entries;
+    Pages page;
+    page.limit = 10;
+    EXPECT_EQ(client.page(page, entries), kDone);
+    EXPECT_FALSE(entries.empty());
+    EXPECT_EQ(client.folders(L"share_root", entries), kDone);
+    bool answer = false;
+    EXPECT_EQ(client.isPresent(name, false, answer), kDone);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(client.isDirectory(L"/home/d", answer), kDone);
+    EXPECT_TRUE(answer);
+    std::int64_t size = 0;
+    EXPECT_EQ(client.folderSize(L"/home", L"d", size), kDone);
+    EXPECT_EQ(size, 6);
+    EXPECT_EQ(client.mayUpload(L"/home", L"x"), kDone);
+    std::string shared;
+    EXPECT_EQ(client.download(L"/home/d/shared", shared), kDone);
+    EXPECT_EQ(shared, "shared");
+    EXPECT_EQ(client.stat(L"/home", L"none"), (Numbers{0, 3}));
+}
+
+}  // namespace
+
+TEST_P(LibThreads, SixteenThreadsOnClonesDoTheirCallsAtOnce) {
+    put("d/shared", "shared");
+    std::vector<Client> clones;
+    for (int i = 0; i < 16; ++i) clones.push_back(client.clone());
+    std::vector<std::thread> threads;
+    threads.reserve(clones.size());
+    for (int i = 0; i < 16; ++i) {
+        threads.emplace_back([&clone = clones[static_cast<std::size_t>(i)], i] { workAlone(clone, i); });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(nas.requestCount("upload"), 32);  // a created file is an upload too
+    EXPECT_EQ(nas.requestCount("upload_and_move"), 16);
+    EXPECT_EQ(nas.requestCount("refused"), 0);
+}
+
+TEST_P(LibThreads, TimersAndSocketsOfTheCallersThreadRunWhileACallWaits) {
+    put("a", "bytes");
+    // The call can't end but through this thread's own sockets, and those wait for this thread's timer.
+    Relay relay(portOf(nas, GetParam()));
+    Client throughRelay = client.clone();
+    throughRelay.setPort(relay.port());
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, [&] { relay.open(); });
+    timer.start(20);
+    EXPECT_EQ(throughRelay.stat(L"/home", L"a"), kDone);
+    EXPECT_FALSE(timer.isActive());
+    EXPECT_GT(relay.passed(), 0);
+    std::string bytes;
+    EXPECT_EQ(throughRelay.upload({"more", L"/home/b"}), kDone);
+    EXPECT_EQ(throughRelay.download(L"/home/b", bytes), kDone);
+    EXPECT_EQ(bytes, "more");
+}
+
+TEST_P(LibThreads, ATimerFiresWhileTheServerStalls) {
+    put("a", "bytes");
+    const int fault = nas.arm("stall,match=stat,ms=300");
+    int fired = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { ++fired; });
+    timer.start(0);
+    EXPECT_EQ(client.stat(L"/home", L"a"), kDone);
+    EXPECT_GT(fired, 1);
+    EXPECT_EQ(nas.hits(fault), 1);
+}
+
+TEST_P(LibMemory, ATransferOfAnySizeTakesTheSameMemory) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer's own memory counts as well";
+#endif
+    const std::uintmax_t size = std::uintmax_t{256} << 20;
+    const TempDir work;
+    std::filesystem::resize_file(work.write("up", "begin"), size);
+    std::filesystem::resize_file(put("down", "begin"), size);
+    const Road road = GetParam();
+    for (const std::string what : {"upload", "download"}) {
+        SCOPED_TRACE(what);
+        const std::string local = work.file(what == "upload" ? "up" : "got");
+        const ProcessResult child = runProcess(
+            LIB_MEMORY_CHILD_PATH, {what, std::to_string(portOf(nas, road)), road.tls ? "tls" : "http", local,
+                                    what == "upload" ? "/home/up" : "/home/down"});
+        ASSERT_EQ(child.exitCode, 0) << child.out << child.err;
+        const std::string moved = what == "upload" ? onDisk("up") : local;
+        EXPECT_EQ(std::filesystem::file_size(moved), size);
+        std::ifstream file(moved, std::ios::binary);
+        std::string begin(5, '\0');
+        file.read(begin.data(), 5);
+        EXPECT_EQ(begin, "begin");
+        const long peakKiB = std::stol(child.out);
+        EXPECT_GT(peakKiB, 1024);
+        EXPECT_LT(peakKiB, 64 * 1024);
+        std::filesystem::remove(moved);
+    }
+}
+
+E2E_ON_ALL_ROADS(LibThreads);
+INSTANTIATE_TEST_SUITE_P(Roads, LibMemory,
+                         testing::Values(Road{Service::Sync, false}, Road{Service::Sync, true}), roadName);
