@@ -76,6 +76,16 @@ struct CallRules {
     Logger::LogLevel level = Logger::Error;
     bool needsSid = true;  ///< whether a session without a sid is refused
 
+private:
+    // Before its users: clang wants it defined where a constant is made with it.
+    template <class Member, class Value>
+    constexpr CallRules with(Member CallRules::*member, Value value) const {
+        CallRules copy = *this;
+        copy.*member = value;
+        return copy;
+    }
+
+public:
     constexpr CallRules withRefused(const char* line) const { return with(&CallRules::refused, line); }
     constexpr CallRules withReason(const char* line) const { return with(&CallRules::reason, line); }
     constexpr CallRules withNotUnderstood(const char* line) const {
@@ -86,14 +96,6 @@ struct CallRules {
     constexpr CallRules withOutcomes(HttpOutcomes tested) const { return with(&CallRules::outcomes, tested); }
     constexpr CallRules withEndpoint(Endpoint cgi) const { return with(&CallRules::endpoint, cgi); }
     constexpr CallRules withoutSidCheck() const { return with(&CallRules::needsSid, false); }
-
-private:
-    template <class Member, class Value>
-    constexpr CallRules with(Member CallRules::*member, Value value) const {
-        CallRules copy = *this;
-        copy.*member = value;
-        return copy;
-    }
 };
 
 }  // namespace Lattice
