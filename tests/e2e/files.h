@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <string>
 
@@ -12,7 +14,10 @@
 inline std::string randomBytes(std::size_t size, unsigned seed = 1) {
     std::mt19937_64 generator(seed);
     std::string bytes(size, '\0');
-    for (char& byte : bytes) byte = static_cast<char>(generator());
+    for (std::size_t at = 0; at < size; at += sizeof(std::uint64_t)) {
+        const std::uint64_t word = generator();
+        std::memcpy(bytes.data() + at, &word, std::min(size - at, sizeof word));
+    }
     return bytes;
 }
 

@@ -14,7 +14,34 @@ using namespace e2e;
 namespace {
 
 class LibThreads : public LibRoad {};
-class LibMemory : public LibRoad {};
+
+class LibMemory : public LibRoad {
+protected:
+    static constexpr std::uintmax_t kSize = std::uintmax_t{256} << 20;
+
+    void SetUp() override {
+#ifdef __SANITIZE_ADDRESS__
+        GTEST_SKIP() << "the sanitizer's own memory counts as well";
+#endif
+    }
+    /// By a process with nothing in it but the library.
+    void transfer(const std::string& what, const std::string& local, const std::string& remote) {
+        const ProcessResult child = runProcess(
+            LIB_MEMORY_CHILD_PATH,
+            {what, std::to_string(portOf(nas, GetParam())), GetParam().tls ? "tls" : "http", local, remote});
+        ASSERT_EQ(child.exitCode, 0) << child.out << child.err;
+        const long peakKiB = std::stol(child.out);
+        RecordProperty("peakKiB", std::to_string(peakKiB));
+        EXPECT_GT(peakKiB, 1024);
+        EXPECT_LT(peakKiB, 64 * 1024);
+    }
+    static void expectMoved(const std::string& path) {
+        EXPECT_EQ(std::filesystem::file_size(path), kSize);
+        std::string begin(5, '\0');
+        std::ifstream(path, std::ios::binary).read(begin.data(), 5);
+        EXPECT_EQ(begin, "begin");
+    }
+};
 
 /// Passes bytes between its clients and a server, all on the thread that made it.
 class Relay {
@@ -142,33 +169,19 @@ TEST_P(LibThreads, ATimerFiresWhileTheServerStalls) {
     EXPECT_EQ(nas.hits(fault), 1);
 }
 
-TEST_P(LibMemory, ATransferOfAnySizeTakesTheSameMemory) {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer's own memory counts as well";
-#endif
-    const std::uintmax_t size = std::uintmax_t{256} << 20;
+TEST_P(LibMemory, AnUploadOfAnySizeTakesTheSame) {
     const TempDir work;
-    std::filesystem::resize_file(work.write("up", "begin"), size);
-    std::filesystem::resize_file(put("down", "begin"), size);
-    const Road road = GetParam();
-    for (const std::string what : {"upload", "download"}) {
-        SCOPED_TRACE(what);
-        const std::string local = work.file(what == "upload" ? "up" : "got");
-        const ProcessResult child = runProcess(
-            LIB_MEMORY_CHILD_PATH, {what, std::to_string(portOf(nas, road)), road.tls ? "tls" : "http", local,
-                                    what == "upload" ? "/home/up" : "/home/down"});
-        ASSERT_EQ(child.exitCode, 0) << child.out << child.err;
-        const std::string moved = what == "upload" ? onDisk("up") : local;
-        EXPECT_EQ(std::filesystem::file_size(moved), size);
-        std::ifstream file(moved, std::ios::binary);
-        std::string begin(5, '\0');
-        file.read(begin.data(), 5);
-        EXPECT_EQ(begin, "begin");
-        const long peakKiB = std::stol(child.out);
-        EXPECT_GT(peakKiB, 1024);
-        EXPECT_LT(peakKiB, 64 * 1024);
-        std::filesystem::remove(moved);
-    }
+    const std::string local = work.write("up", "begin");
+    std::filesystem::resize_file(local, kSize);
+    transfer("upload", local, "/home/up");
+    expectMoved(onDisk("up"));
+}
+
+TEST_P(LibMemory, ADownloadOfAnySizeTakesTheSame) {
+    const TempDir work;
+    std::filesystem::resize_file(put("down", "begin"), kSize);
+    transfer("download", work.file("got"), "/home/down");
+    expectMoved(work.file("got"));
 }
 
 E2E_ON_ALL_ROADS(LibThreads);
