@@ -14,8 +14,8 @@ int main(int argc, char** argv) {
     _WFM_VERSION_INFORMATION version = {};
     uint32_t result = 0;
     // Port 1 of this host: nobody listens there.
-    const uint32_t status = WFMGetVersion(L"127.0.0.1", 1, L"consumer", false, 0, nullptr, nullptr, nullptr, nullptr,
-                                          0, &result, &version);
+    const uint32_t status = WFMGetVersion(L"127.0.0.1", 1, L"consumer", false, 0, nullptr, nullptr, nullptr,
+                                          nullptr, 0, &result, &version);
     WFMUnInitialization();
 
     QFile log(folder + "/TorviWFMLibLog.log");
