@@ -15,7 +15,7 @@ namespace {
 constexpr int kErrorCannotStart = 299;
 constexpr quint32 kStopSizeMismatch = 2;
 /// What Qt holds of a reply that the disk is too slow for. Without a bound it holds the whole file.
-constexpr qint64 kReadBuffer = 1024 * 1024;
+constexpr qint64 kReadBuffer = 1 << 20;
 
 /// Closed again whatever happens.
 class OpenTarget {
