@@ -97,8 +97,10 @@
 ///   connection that died before an answer; a POST or PUT reaches a server once at most.
 /// - The time-out covers a whole exchange, from connecting to the last byte: 60 seconds unless a call says
 ///   otherwise. Transfers have none.
-/// - Through a manual proxy, a connection that is lost without an answer is followed by one OPTIONS request,
-///   of 10 seconds at most, which learns whether the proxy refused (11).
+/// - A manual proxy that refuses may break the connection before its answer can be read. The proxy alone is
+///   then asked once more, within the time-out and 10 seconds at most, so that the call can tell (11). A 401
+///   with a "WWW-Authenticate" and no "Via", over plain HTTP through a manual proxy with a user, is the
+///   proxy's refusal too.
 ///
 /// @section threads Threads
 ///
@@ -253,7 +255,7 @@ extern "C" {
 /// @param append     false empties the file first
 /// @return 0, also if the file can't be opened: lines then go to debug output only
 ///
-/// Twice: the level is the last one set; the file is the first one opened, by either family, until
+/// Twice: the level is the last one set; the file is the first one named, opened or not, by either family, until
 /// WFMUnInitialization. The file isn't bounded: see WFMReOpenLogFile and WFMClearLog. Next: a login, such as
 /// TorviLogin.
 TORVIAPI_EXPORT uint32_t WFMInitialization(uint32_t level, QString logDir, bool logToFile, bool append);
@@ -784,8 +786,9 @@ TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t
 /// | other    | -1          | size null: the question for the size failed                                |
 ///
 /// 13 is a file that has changed, and also an error page (any HTTP error, a session that has ended, a
-/// refusal) and a server that wasn't reached. A remote file of 0 bytes is a success without a request: `file`
-/// isn't touched, not even made. A full disk isn't noticed: compare the sizes. Times aren't set. Twice:
+/// refusal), unless it happens to be `size` long, and a server that wasn't reached. A remote file of 0 bytes
+/// (or a `size` below 1) is a success without a download: `file` isn't touched, not even made. A negative
+/// offset travels as it is and counts as 0 here. A stop flag that is set outweighs the rows with 6. A full disk isn't noticed: compare the sizes. Times aren't set. Twice:
 /// writes the same bytes again. Next: `file->size()` against WFMGetPathInformation.
 TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, const wchar_t* slaveID,

@@ -22,7 +22,7 @@ extern "C" {
 /// @param append     false empties the file first
 /// @return 0, also if the file can't be opened: lines then go to debug output only
 ///
-/// Twice, or after WFMInitialization: the level is the last one set, the file the first one opened, by either
+/// Twice, or after WFMInitialization: the level is the last one set, the file the first one named, by either
 /// family: the lines of both go there. Next: a login.
 TORVIAPI_EXPORT uint32_t WFMShareInitialization(uint32_t level, QString logDir, bool logToFile, bool append);
 

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr size_t formatCapacity = 2048;
-constexpr char32_t replacement = 0xFFFD;
+constexpr size_t kFormatCapacity = 2048;
+constexpr char32_t kReplacement = 0xFFFD;
 
 bool IsCharacter(char32_t value) {
     return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
@@ -59,11 +59,11 @@ char32_t NextCharacter(const unsigned char*& in) {
         lowest = lead == 0xF0 ? 0x90 : 0x80;
         highest = lead == 0xF4 ? 0x8F : 0xBF;  // not above U+10FFFF
     } else {
-        return replacement;
+        return kReplacement;
     }
     for (; following > 0; --following) {
         if (*in < lowest || *in > highest) {
-            return replacement;
+            return kReplacement;
         }
         value = value << 6 | (*in++ & 0x3F);
         lowest = 0x80;
@@ -78,13 +78,13 @@ std::wstring FormatWide(const wchar_t* fmt, ...) {
     if (!fmt) {
         return {};
     }
-    wchar_t buffer[formatCapacity + 1] = {};
+    wchar_t buffer[kFormatCapacity + 1] = {};
     va_list arguments;
     va_start(arguments, fmt);
     // An overflow is reported as an error, but what fits stands in the buffer.
-    std::vswprintf(buffer, formatCapacity, fmt, arguments);
+    std::vswprintf(buffer, kFormatCapacity, fmt, arguments);
     va_end(arguments);
-    buffer[formatCapacity - 1] = L'\0';
+    buffer[kFormatCapacity - 1] = L'\0';
     return buffer;
 }
 
@@ -284,7 +284,7 @@ QString ToQString(const wchar_t* text, size_t length) {
     for (size_t i = 0; i < length; ++i) {
         const auto value = static_cast<char32_t>(text[i]);
         if (!IsCharacter(value)) {
-            result += QChar(static_cast<uint>(replacement));
+            result += QChar(static_cast<uint>(kReplacement));
         } else if (value < 0x10000) {
             result += QChar(static_cast<uint>(value));
         } else {

@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +13,7 @@
 #include <QSslConfiguration>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <utility>
 
 #include "core/onewaybody.h"
@@ -30,13 +32,13 @@ constexpr int kStatusUnauthorized = 401;
 constexpr int kProbeTimeOut = 10000;
 constexpr int kStatusProxyAuthentication = 407;
 
-bool hasBody(const QString& method) {
+bool HasBody(const QString& method) {
     return method != QLatin1String("GET") && method != QLatin1String("HEAD") &&
            method != QLatin1String("DELETE");
 }
 
 /// The parts of a form with the files' bytes in them.
-QByteArray multipartBody(const HttpRequestInput& input, const QByteArray& boundary) {
+QByteArray MultipartBody(const HttpRequestInput& input, const QByteArray& boundary) {
     QByteArray body;
     for (const auto& var : input.vars) {
         body += "--" + boundary + "\r\nContent-Disposition: form-data; name=\"" + var.first.toUtf8() +
@@ -61,16 +63,41 @@ QByteArray multipartBody(const HttpRequestInput& input, const QByteArray& bounda
     return body;
 }
 
-QNetworkReply::NetworkError errorOfStatus(int status) {
-    if (status == kStatusProxyAuthentication) return QNetworkReply::ProxyAuthenticationRequiredError;
-    if (status >= 500) return QNetworkReply::UnknownServerError;
-    if (status >= 400) return QNetworkReply::UnknownContentError;
-    return QNetworkReply::NoError;
+/// What Qt makes of an HTTP status.
+QNetworkReply::NetworkError ErrorOfStatus(int status) {
+    switch (status) {
+        case 400:
+        case 418:
+            return QNetworkReply::ProtocolInvalidOperationError;
+        case 401:
+            return QNetworkReply::AuthenticationRequiredError;
+        case 403:
+            return QNetworkReply::ContentAccessDenied;
+        case 404:
+            return QNetworkReply::ContentNotFoundError;
+        case 405:
+            return QNetworkReply::ContentOperationNotPermittedError;
+        case 407:
+            return QNetworkReply::ProxyAuthenticationRequiredError;
+        case 409:
+            return QNetworkReply::ContentConflictError;
+        case 410:
+            return QNetworkReply::ContentGoneError;
+        case 500:
+            return QNetworkReply::InternalServerError;
+        case 501:
+            return QNetworkReply::OperationNotImplementedError;
+        case 503:
+            return QNetworkReply::ServiceUnavailableError;
+        default:
+            if (status > 500) return QNetworkReply::UnknownServerError;
+            return status >= 400 ? QNetworkReply::UnknownContentError : QNetworkReply::NoError;
+    }
 }
 
 /// After a proxy's challenge Qt would send the body again, which goes out only once. So a request with a body
 /// brings the credentials at once. Inside a tunnel Qt has done with the proxy before the body.
-void addProxyAuthorization(QNetworkRequest& request, const QString& user, const QString& password) {
+void AddProxyAuthorization(QNetworkRequest& request, const QString& user, const QString& password) {
     if (user.isEmpty()) return;
     request.setRawHeader("Proxy-Authorization", "Basic " + (user + ':' + password).toUtf8().toBase64());
 }
@@ -114,7 +141,7 @@ int HttpRequestWorker::execute(HttpRequestInput* input) {
         contentType = "application/x-www-form-urlencoded;charset=UTF-8";
     } else {
         const QByteArray boundary = makeBoundary();
-        body = multipartBody(*input, boundary);
+        body = MultipartBody(*input, boundary);
         contentType = "multipart/form-data; boundary=" + boundary;
     }
 
@@ -122,7 +149,12 @@ int HttpRequestWorker::execute(HttpRequestInput* input) {
     buffer.open(QIODevice::ReadOnly);
     OneWayBody oneWay(buffer);
     Exchange exchange(*this, send(*input, makeRequest(*input, contentType, kWithPragma), oneWay));
-    return finish(exchange, input->timeout_msec, oneWay);
+    const QUrl url = reply->url();
+    QElapsedTimer clock;
+    clock.start();
+    finish(exchange, input->timeout_msec, oneWay);
+    settleLostConnection(url, oneWay, input->timeout_msec, clock.elapsed());
+    return error_type;
 }
 
 int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
@@ -166,7 +198,6 @@ int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
 }
 
 int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& body) {
-    const QUrl url = reply->url();
     wait_for_finished(reply, msec);
     // Before any other event loop runs: the reply is up for deletion already.
     exchange.end();
@@ -174,11 +205,20 @@ int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& bo
     const bool brokeUnderBody =
         error_type == QNetworkReply::UnknownNetworkError && body.pos() > 0 && !body.ranDry();
     if (brokeUnderBody) error_type = QNetworkReply::RemoteHostClosedError;
-
-    const bool lost = error_type == QNetworkReply::RemoteHostClosedError ||
-                      error_type == QNetworkReply::UnknownNetworkError;
-    if (lost && http_status == 0 && proxyRefuses(url)) setProxyRefusal();
     return error_type;
+}
+
+/// A proxy's refusal may be behind a lost connection. Inside a tunnel Qt has one error for all that the proxy
+/// says but 407; a proxy that refuses before a body is out breaks the connection, and its answer is lost.
+void HttpRequestWorker::settleLostConnection(const QUrl& url, const OneWayBody& body, int msec,
+                                             qint64 elapsed) {
+    if (http_status != 0 || body.ranDry()) return;
+    const bool secure = url.scheme() == QLatin1String("https");
+    const bool refusedTunnel = secure && error_type == QNetworkReply::UnknownNetworkError && body.pos() == 0;
+    const bool brokenBody = !secure && error_type == QNetworkReply::RemoteHostClosedError && body.pos() > 0;
+    if (!refusedTunnel && !brokenBody) return;
+    const qint64 left = msec >= 0 ? msec - elapsed : kProbeTimeOut;
+    if (left > 0 && proxyRefuses(static_cast<int>(std::min<qint64>(left, kProbeTimeOut)))) setProxyRefusal();
 }
 
 void HttpRequestWorker::setProxyRefusal() {
@@ -187,24 +227,19 @@ void HttpRequestWorker::setProxyRefusal() {
     http_status = kStatusProxyAuthentication;
 }
 
-/// Some proxies refuse wrong credentials with 401, as if they were the host. What they pass on has a "Via".
+/// Some proxies refuse wrong credentials with 401, as if they were the host. What they pass on has a "Via",
+/// as the protocol wants it.
 bool HttpRequestWorker::answeredByProxy(const QNetworkReply& reply) const {
     return proxy != nullptr && proxy->mode == kProxyManual && !proxy->user.isEmpty() &&
-           reply.url().scheme() != QLatin1String("https") && !reply.hasRawHeader("Via");
+           reply.url().scheme() != QLatin1String("https") && reply.hasRawHeader("WWW-Authenticate") &&
+           !reply.hasRawHeader("Via");
 }
 
-/// Whether a proxy's refusal is behind a connection that was lost: Qt doesn't read an answer that comes
-/// before the body is out, and has one error for all that a tunnel's proxy says but 407. So the proxy is
-/// asked once more, for nothing and without a body.
-bool HttpRequestWorker::proxyRefuses(const QUrl& url) const {
+/// Asks the proxy for a host that can't be: it looks at the credentials first, and no server hears of it.
+bool HttpRequestWorker::proxyRefuses(int msec) const {
     if (m_isProbe || proxy == nullptr || proxy->mode != kProxyManual) return false;
-    QUrl root;
-    root.setScheme(QStringLiteral("http"));
-    root.setHost(url.host());
-    root.setPort(url.port(url.scheme() == QLatin1String("https") ? 443 : 80));
-    root.setPath(QStringLiteral("/"));
-    HttpRequestInput input(root.toString(), QStringLiteral("OPTIONS"), false);
-    input.set_timeout_msec(kProbeTimeOut);
+    HttpRequestInput input(QStringLiteral("http://proxy-check.invalid/"), QStringLiteral("OPTIONS"), false);
+    input.set_timeout_msec(msec);
     HttpRequestWorker probe;
     probe.m_isProbe = true;
     probe.setProxy(proxy->mode, proxy->host, proxy->user, proxy->password);
@@ -221,7 +256,7 @@ void HttpRequestWorker::settleRefusedResend(const QNetworkReply& reply) {
     const bool complete = http_status != 0 && (http_status == 307 || http_status == 308 || endsAtClose ||
                                                length.toLongLong() == response.size());
     if (complete) {
-        error_type = errorOfStatus(http_status);
+        error_type = ErrorOfStatus(http_status);
     } else {
         error_type = QNetworkReply::RemoteHostClosedError;
         error_str = QStringLiteral("Connection closed");
@@ -281,7 +316,7 @@ void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
         if (inUse.isEmpty()) return;
         const QNetworkProxy& first = inUse.first();
         if (first.type() == QNetworkProxy::HttpProxy || first.type() == QNetworkProxy::HttpCachingProxy) {
-            addProxyAuthorization(request, first.user(), first.password());
+            AddProxyAuthorization(request, first.user(), first.password());
         }
         return;
     }
@@ -292,7 +327,7 @@ void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
     QNetworkProxy networkProxy(QNetworkProxy::HttpProxy, host, static_cast<quint16>(port));
     if (plainBody) {
         // Not to Qt as well: it would answer a refusal by sending them, and the body, once more.
-        addProxyAuthorization(request, proxy->user, proxy->password);
+        AddProxyAuthorization(request, proxy->user, proxy->password);
     } else {
         networkProxy.setUser(proxy->user);
         networkProxy.setPassword(proxy->password);
@@ -303,7 +338,7 @@ void HttpRequestWorker::applyProxy(QNetworkRequest& request, bool hasBody) {
 QNetworkReply* HttpRequestWorker::send(const HttpRequestInput& input, QNetworkRequest request,
                                        OneWayBody& body) {
     const QString& method = input.http_method;
-    const bool withBody = hasBody(method);
+    const bool withBody = HasBody(method);
     applyProxy(request, withBody);
     if (withBody) request.setHeader(QNetworkRequest::ContentLengthHeader, body.size());
 

@@ -89,17 +89,19 @@ private:
     void settleRefusedResend(const QNetworkReply& reply);
     void setProxyRefusal();
     bool answeredByProxy(const QNetworkReply& reply) const;
-    bool proxyRefuses(const QUrl& url) const;
+    /// Calls a connection that was lost to a proxy's refusal by that name.
+    void settleLostConnection(const QUrl& url, const OneWayBody& body, int msec, qint64 elapsed);
+    bool proxyRefuses(int msec) const;
     static QByteArray makeBoundary();
     /// key=value pairs joined by "&".
     static QByteArray formText(const HttpRequestInput& input);
     quint32 report(quint32 streamNumber, quint32 reason);
 
+    WFMProgressCallback m_callback = nullptr;
+    void* m_lpData = nullptr;
     QNetworkAccessManager* manager;
     QNetworkReply* reply = nullptr;
     std::unique_ptr<Proxy> proxy;
-    WFMProgressCallback m_callback = nullptr;
-    void* m_lpData = nullptr;
     QFile* m_file = nullptr;
     bool m_sizeMismatch = false;
     bool m_isProbe = false;

@@ -47,7 +47,7 @@ void JsonGetString(const Json::Value& value, const char* key, wchar_t* out) {
         return;
     }
     WithText(Member(value, key), [out](const char* text) {
-        if (Utf8ToUnicode_1(text, out, jsonTextCapacity) != 1) {
+        if (Utf8ToUnicode_1(text, out, kJsonTextCapacity) != 1) {
             out[0] = L'\0';
         }
     });
@@ -56,7 +56,7 @@ void JsonGetString(const Json::Value& value, const char* key, wchar_t* out) {
 namespace Lattice {
 
 std::wstring JsonText(const Json::Value& value, const char* key) {
-    wchar_t buffer[jsonTextCapacity];
+    wchar_t buffer[kJsonTextCapacity];
     JsonGetString(value, key, buffer);
     return buffer;
 }
@@ -70,7 +70,7 @@ bool ReadJson(const char* text, Json::Value& root) {
     if (!text) {
         return false;
     }
-    // The newer reader refuses what some servers send behind the value.
+    // The newer reader takes more than this one: trailing commas, a byte order mark.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     Json::Reader reader;

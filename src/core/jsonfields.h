@@ -7,7 +7,7 @@
 #include <utility>
 
 /// Wide characters that a reply text is read through, terminator included; a longer text counts as empty.
-constexpr int jsonTextCapacity = 2048;
+constexpr int kJsonTextCapacity = 2048;
 
 /// The fields of a reply. They raise the JSON library's error for a `value` that is neither object nor null
 /// and for numbers beyond 32 bits, the 64-bit one too: 64-bit numbers travel as text.

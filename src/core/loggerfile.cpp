@@ -8,9 +8,9 @@ namespace Lattice {
 
 namespace {
 
-constexpr QIODevice::OpenMode openMode =
+constexpr QIODevice::OpenMode kOpenMode =
     QIODevice::ReadWrite | QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered;
-constexpr int lineLimit = 10000;
+constexpr int kLineLimit = 10000;
 
 }  // namespace
 
@@ -45,7 +45,7 @@ void LoggerFile::Write(const QString& text) {
     }
     // The file is open for appending, so this doesn't make it wrap: it grows on, and rotation is the caller's
     // business. It must stay as it is.
-    if (m_lines > lineLimit) {
+    if (m_lines > kLineLimit) {
         m_file->seek(0);
     }
     QTextStream stream(m_file.get());
@@ -75,7 +75,7 @@ void LoggerFile::Reopen() {
 
 bool LoggerFile::open() {
     // What can't be sought, a pipe for one, would have its reader or its writer wait for ever.
-    if (m_file->open(openMode) && m_file->isWritable() && !m_file->isSequential()) {
+    if (m_file->open(kOpenMode) && m_file->isWritable() && !m_file->isSequential()) {
         return true;
     }
     m_file->close();

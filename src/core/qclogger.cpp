@@ -1,5 +1,7 @@
 #include "core/qclogger.h"
 
+#include <unistd.h>
+
 #include <QDebug>
 #include <QLoggingCategory>
 #include <QMetaEnum>
@@ -114,7 +116,15 @@ void Logger::processLog(QString log) {
     }
 }
 
+/// A forked child has the state of the logger but not its thread, and the lock as it stood.
+bool Logger::inForkedChild() const {
+    return m_process != 0 && m_process != getpid();
+}
+
 void Logger::post(QString line) {
+    if (inForkedChild()) {
+        return;
+    }
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_closed) {
         return;
@@ -131,6 +141,7 @@ void Logger::post(QString line) {
 void Logger::startThread() {
     try {
         m_thread = std::thread(&Logger::work, this);
+        m_process = getpid();
     } catch (const std::system_error&) {
     }
 }
@@ -182,6 +193,9 @@ void Logger::closeFile() {
 }
 
 void Logger::finish() {
+    if (inForkedChild()) {
+        return;
+    }
     std::vector<std::thread> retired;
     {
         std::unique_lock<std::mutex> lock(m_mutex);
@@ -213,6 +227,9 @@ void Logger::finish() {
 }
 
 void Logger::closeForGood() {
+    if (inForkedChild()) {
+        return;
+    }
     std::unique_lock<std::mutex> lock(m_mutex);
     m_closed = true;
     if (!onLoggerThread) {

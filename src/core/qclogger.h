@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/types.h>
 #include <QFlags>
 #include <QMetaType>
 #include <QMutex>
@@ -79,6 +80,7 @@ private:
     void requestStop();
     void work();
     void closeFile();
+    bool inForkedChild() const;
     void closeForGood();
 
     std::atomic<int> m_levels{Error};
@@ -100,6 +102,7 @@ private:
     bool m_stopping = false;
     size_t m_linesBeforeStop = 0;
     unsigned long long m_generation = 0;
+    std::atomic<pid_t> m_process{0};    ///< whose thread it is
     std::atomic<bool> m_closed{false};  ///< the process is ending
 };
 

@@ -9,7 +9,7 @@ struct Row {
     int client;
 };
 
-constexpr Row clientCodes[] = {
+constexpr Row kClientCodes[] = {
     {-101, -8}, {-90, -37}, {-43, -35}, {-42, -34}, {-41, -33}, {-40, -32}, {-20, -17},
     {-19, -36}, {-18, -30}, {-16, -14}, {-15, -13}, {-14, -28}, {-13, -27}, {-12, -26},
     {-10, -12}, {-8, -25},  {-6, -41},  {-4, -11},  {-3, -4},   {-2, -10},  {-1, -9},
@@ -17,7 +17,7 @@ constexpr Row clientCodes[] = {
     {8, -24},   {9, -6},    {12, -7},   {26, -42},  {33, -15},
 };
 
-constexpr Row syncEventActions[] = {
+constexpr Row kSyncEventActions[] = {
     {-91, -3}, {-90, -2}, {8, 1},  {9, 2},   {10, 3},  {11, 4},  {12, 5},  {13, 18}, {14, 6},
     {16, 7},   {17, 8},   {18, 9}, {19, 16}, {20, 17}, {26, 21}, {27, 19}, {28, 20},
 };
@@ -35,7 +35,7 @@ int Translate(const Row (&table)[N], int server) {
 }  // namespace
 
 int TranslateWFMErrorCode(int status) {
-    return Translate(clientCodes, status);
+    return Translate(kClientCodes, status);
 }
 
 int TranslateSyncEventIsFolder(int value) {
@@ -43,7 +43,7 @@ int TranslateSyncEventIsFolder(int value) {
 }
 
 int TranslateSyncEventAction(int action) {
-    return Translate(syncEventActions, action);
+    return Translate(kSyncEventActions, action);
 }
 
 bool SupportNuboCGI(std::wstring version) {

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QUrl>
 #include <algorithm>
 #include <optional>
 
@@ -18,7 +19,7 @@ constexpr int kVarsInUpload = 3;  // behaves as multipart
 constexpr int kErrorNoFileElement = 299;
 constexpr quint32 kStopBodyShort = 2;
 
-bool usable(const HttpRequestInputFileElement& element, bool noFileData) {
+bool IsUsable(const HttpRequestInputFileElement& element, bool noFileData) {
     if (element.variable_name.isEmpty()) return false;
     if (noFileData) return true;
     if (element.local_filename.isEmpty()) return false;
@@ -29,43 +30,43 @@ bool usable(const HttpRequestInputFileElement& element, bool noFileData) {
 }
 
 /// The one element that a body carries: the first that can be used.
-std::optional<HttpRequestInputFileElement> takeElement(const HttpRequestInput& input, bool noFileData) {
-    const auto found =
-        std::find_if(input.files.begin(), input.files.end(),
-                     [&](const HttpRequestInputFileElement& element) { return usable(element, noFileData); });
+std::optional<HttpRequestInputFileElement> TakeElement(const HttpRequestInput& input, bool noFileData) {
+    const auto found = std::find_if(
+        input.files.begin(), input.files.end(),
+        [&](const HttpRequestInputFileElement& element) { return IsUsable(element, noFileData); });
     if (found == input.files.end()) return std::nullopt;
     return *found;
 }
 
 // The texts are put together without QString::arg, which would expand a "%1" in a file's name.
-QByteArray parameter(const char* key, const QString& value) {
+QByteArray Parameter(const char* key, const QString& value) {
     return key + QByteArrayLiteral("=\"") + value.toUtf8() + '"';
 }
 
-QByteArray headOf(const HttpRequestInput& input, const HttpRequestInputFileElement* element,
+QByteArray HeadOf(const HttpRequestInput& input, const HttpRequestInputFileElement* element,
                   const QString& requestFilename, const QByteArray& boundary) {
     QByteArray head;
     // Only the first variable goes out, and that must stay.
     if (!input.vars.isEmpty()) {
         head += "--" + boundary + "\r\n";
-        head += "Content-Disposition: form-data; " + parameter("name", input.vars.first().first) + "\r\n\r\n";
+        head += "Content-Disposition: form-data; " + Parameter("name", input.vars.first().first) + "\r\n\r\n";
         head += input.vars.first().second.toUtf8() + "\r\n";
     }
     if (element != nullptr) {
         head += "--" + boundary + "\r\n";
-        head += "Content-Disposition: form-data; " + parameter("name", element->variable_name) + "; " +
-                parameter("filename", requestFilename) + "\r\n";
+        head += "Content-Disposition: form-data; " + Parameter("name", element->variable_name) + "; " +
+                Parameter("filename", requestFilename) + "\r\n";
         if (!element->mime_type.isEmpty()) head += "Content-Type: " + element->mime_type.toUtf8() + "\r\n";
         head += "\r\n";
     }
     return head;
 }
 
-QByteArray tailOf(bool withFile, const QString& submitName, const QByteArray& boundary) {
+QByteArray TailOf(bool withFile, const QString& submitName, const QByteArray& boundary) {
     QByteArray tail;
     if (withFile) tail += "\r\n";
     tail += "--" + boundary + "\r\n";
-    tail += "Content-Disposition: form-data; " + parameter("name", submitName) + "\r\n\r\n";
+    tail += "Content-Disposition: form-data; " + Parameter("name", submitName) + "\r\n\r\n";
     tail += "Submit Query\r\n";
     tail += "--" + boundary + "--";
     return tail;
@@ -79,16 +80,16 @@ int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool 
     if (input->files.isEmpty()) return error_type = kErrorNoFileElement;
     input->var_layout = kVarsInUpload;
 
-    const std::optional<HttpRequestInputFileElement> element = takeElement(*input, bNoFileData);
+    const std::optional<HttpRequestInputFileElement> element = TakeElement(*input, bNoFileData);
     if (!element && !bNoFileData) return QNetworkReply::ContentOperationNotPermittedError;
     if (element) llTotalFileSize += element->total_size;
     const QString path = element ? element->local_filename : QString();
     const qint64 startOffset = element ? element->start_offset : 0;
 
     const QByteArray boundary = makeBoundary();
-    const QByteArray head = headOf(*input, element ? &*element : nullptr,
+    const QByteArray head = HeadOf(*input, element ? &*element : nullptr,
                                    element ? requestFilename(*element) : QString(), boundary);
-    QUpFile body(path, head, tailOf(element.has_value(), submitName, boundary), bNoFileData);
+    QUpFile body(path, head, TailOf(element.has_value(), submitName, boundary), bNoFileData);
     if (bNoFileData) {
         body.open(QIODevice::ReadOnly);
     } else if (!body.openFile() || (startOffset > 0 && !body.seekFileStartPosition(startOffset))) {
@@ -117,7 +118,10 @@ int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool 
         llBodyFileBytes = body.filesize();
         connect(reply, &QNetworkReply::uploadProgress, this, &HttpRequestWorker::uploadProgress);
     }
-    const int error = finish(exchange, input->timeout_msec, oneWay);
+    const QUrl url = reply->url();
+    finish(exchange, input->timeout_msec, oneWay);
+    settleLostConnection(url, oneWay, input->timeout_msec, 0);
+    const int error = error_type;
 
     if (dwProgress != 0 || bNoFileData) return error;
     const bool allSent = llBodyFileBytes == llTotalBytesTransferred - llStartOffset;

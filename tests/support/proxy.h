@@ -12,7 +12,8 @@ class TinyProxy {
 public:
     TinyProxy() : TinyProxy("", "") {}
     /// Wants these credentials, unless the user is empty.
-    TinyProxy(const std::string& user, const std::string& password);
+    enum Via { WithoutVia, WithVia };  ///< whether it names itself in what it passes on
+    TinyProxy(const std::string& user, const std::string& password, Via via = WithoutVia);
 
     std::uint16_t port() const { return m_port; }
     /// "127.0.0.1:<port>", as the calls want it.

@@ -19,7 +19,7 @@ Json::Value Read(const char* text) {
 }
 
 std::wstring String(const Json::Value& value, const char* key) {
-    std::vector<wchar_t> out(jsonTextCapacity, L'?');
+    std::vector<wchar_t> out(kJsonTextCapacity, L'?');
     JsonGetString(value, key, out.data());
     return out.data();
 }

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <QCoreApplication>
 #include <QMetaEnum>
 #include <QMetaMethod>
@@ -655,6 +658,22 @@ TEST_F(LoggerTest, FinishWritesEveryLinePostedSoFar) {
     opener.join();
     const std::string text = folder.read("log");
     EXPECT_THAT(text, AllOf(HasSubstr("line 0.\n"), HasSubstr("line 499.\n"), EndsWith(banner)));
+}
+
+TEST_F(LoggerTest, AForkedChildEndsWithoutTheThread) {
+    Logger& logger = Logger::getInstance();
+    logger.printLog(Logger::Error, "before the fork");
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(30);  // ends a child that waits
+        logger.printLog(Logger::Error, "nobody writes this");
+        logger.finish();
+        _exit(7);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 7);
 }
 
 TEST_F(LoggerTest, AfterFinishTheLoggerStartsAfresh) {
