@@ -31,7 +31,7 @@ tests() {
     echo "$PROGRAMS" | tr ':' '\n' | while read -r program; do
         [ -n "$program" ] || continue
         "$program" --gtest_list_tests | sed 's/ *#.*//' | awk '
-            /^[^ ]/ { suite = $1; bare = suite; sub(/^[^\/]*\//, "", bare); sub(/\/.*/, "", bare) }
+            /^[^ ]/ { suite = $1; bare = suite; sub(/^[^\/]*\//, "", bare); sub(/[.\/].*/, "", bare) }
             /^ / { name = $1; plain = name; sub(/\/.*/, "", plain); print suite name; print bare "." plain; print bare "." }'
     done | sort -u
 }

@@ -364,6 +364,7 @@ TEST_F(CliTransfer, CtrlCStopsAnUpload) {
     ASSERT_TRUE(process->waitFor([](const std::string&, const std::string& err) {
         return err.find("film: ") != err.npos;
     })) << process->err();
+    waitForHit(fault, *process);
     process->sendSignal(SIGINT);
     EXPECT_EQ(process->wait(), 7) << process->err();
     EXPECT_EQ(nas.hits(fault), 1);

@@ -87,6 +87,11 @@ int main(int argc, char** argv) {
     torvi::addFooter(app);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& help) {
+        if (app.remaining_size() == 0 || !app.get_subcommands().empty()) return app.exit(help);
+        std::fprintf(stderr, "torvi: %s: no such command\nRun torvi --help for more information.\n",
+                     app.remaining().front().c_str());
+        return static_cast<int>(torvi::Exit::Usage);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? static_cast<int>(torvi::Exit::Ok)
                                     : static_cast<int>(torvi::Exit::Usage);
