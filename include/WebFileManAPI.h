@@ -255,9 +255,9 @@ extern "C" {
 /// @param append     false empties the file first
 /// @return 0, also if the file can't be opened: lines then go to debug output only
 ///
-/// Twice: the level is the last one set; the file is the first one named, opened or not, by either family, until
-/// WFMUnInitialization. The file isn't bounded: see WFMReOpenLogFile and WFMClearLog. Next: a login, such as
-/// TorviLogin.
+/// Twice: the level is the last one set; the file is the first one named, opened or not, by either family,
+/// until WFMUnInitialization. The file isn't bounded: see WFMReOpenLogFile and WFMClearLog. Next: a login,
+/// such as TorviLogin.
 TORVIAPI_EXPORT uint32_t WFMInitialization(uint32_t level, QString logDir, bool logToFile, bool append);
 
 /// Writes every line posted so far and, to a file that took any, "===============Finish
@@ -788,8 +788,8 @@ TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t
 /// 13 is a file that has changed, and also an error page (any HTTP error, a session that has ended, a
 /// refusal), unless it happens to be `size` long, and a server that wasn't reached. A remote file of 0 bytes
 /// (or a `size` below 1) is a success without a download: `file` isn't touched, not even made. A negative
-/// offset travels as it is and counts as 0 here. A stop flag that is set outweighs the rows with 6. A full disk isn't noticed: compare the sizes. Times aren't set. Twice:
-/// writes the same bytes again. Next: `file->size()` against WFMGetPathInformation.
+/// offset travels as it is, counts as 0 here. A set stop flag outweighs the rows with 6. A full disk isn't
+/// noticed. Times aren't set. Twice: writes the same bytes. Next: `file->size()` and WFMGetPathInformation.
 TORVIAPI_EXPORT uint32_t WFMDownloadFileToHandle(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, const wchar_t* slaveID,
                                                  const wchar_t* remotePath, QFile* file,

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -52,7 +53,8 @@ TEST(CGetNodeInfoJson, BeginsWithStatusMinusOneAndTypeFilterThree) {
 TEST(CGetNodeInfoJson, ParserIsTheFirstOperationOfItsTable) {
     CGetNodeInfoJson reply = page();
     using Operation = int (*)(CGetNodeInfoJson*, char*);
-    const auto table = *reinterpret_cast<Operation**>(&reply);
+    Operation* table = nullptr;
+    std::memcpy(&table, static_cast<const void*>(&reply), sizeof table);
     std::string text = listing(R"({"filename":"a","epochmt":"5"})");
     EXPECT_EQ(table[0](&reply, text.data()), 1);
     EXPECT_EQ(describe(reply.records), Lines{"name=a exists child"});

@@ -149,8 +149,9 @@ TEST(LogText, WideTextIsWholeInEveryLocale) {
 }
 
 TEST(LogText, NullPrintsAsNothing) {
-    const wchar_t* wide = nullptr;
-    const char* narrow = nullptr;
+    // Volatile, or the compiler sees the nulls and warns.
+    const wchar_t* volatile wide = nullptr;
+    const char* volatile narrow = nullptr;
     EXPECT_EQ("<> <> <   >", Text("<%ls> <%s> <%3ls>", wide, narrow, wide));
     EXPECT_EQ("", Text(narrow));
 }
