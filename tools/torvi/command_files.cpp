@@ -54,18 +54,8 @@ void canUpload(const GlobalOptions& global, const std::string& given) {
 }  // namespace
 
 void addFileCommands(const Commands& commands) {
-    const GlobalOptions& global = commands.global;
-    Action& action = commands.action;
-    const auto addPathCommand = [&](const char* name, const char* help,
-                                    void (*run)(const GlobalOptions&, const std::string&)) {
-        CLI::App* command = commands.app.add_subcommand(name, help);
-        auto path = std::make_shared<std::string>();
-        command->add_option("path", *path, "The path on the server")->type_name("")->required();
-        command->callback(
-            [&global, &action, path, run] { action = [&global, path, run] { run(global, *path); }; });
-    };
-    addPathCommand("touch", "Create an empty file; one that exists is left as it is", touch);
-    addPathCommand("can-upload", "Ask whether an upload to the path would be allowed", canUpload);
+    addPathCommand(commands, "touch", "Create an empty file; one that exists is left as it is", touch);
+    addPathCommand(commands, "can-upload", "Ask whether an upload to the path would be allowed", canUpload);
 }
 
 }  // namespace torvi

@@ -267,16 +267,8 @@ void addListCommands(const Commands& commands) {
         ->capture_default_str();
     ls->callback([&global, &action, options] { action = [&global, options] { list(global, *options); }; });
 
-    const auto addPathCommand = [&](const char* name, const char* help,
-                                    void (*run)(const GlobalOptions&, const std::string&)) {
-        CLI::App* command = commands.app.add_subcommand(name, help);
-        auto path = std::make_shared<std::string>();
-        command->add_option("path", *path, "The path on the server")->type_name("")->required();
-        command->callback(
-            [&global, &action, path, run] { action = [&global, path, run] { run(global, *path); }; });
-    };
-    addPathCommand("stat", "Tell what a path is: type, size, time, access", stat);
-    addPathCommand("du", "Tell the size of a folder with all that it holds", diskUsage);
+    addPathCommand(commands, "stat", "Tell what a path is: type, size, time, access", stat);
+    addPathCommand(commands, "du", "Tell the size of a folder with all that it holds", diskUsage);
 }
 
 }  // namespace torvi

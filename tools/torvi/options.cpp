@@ -1,5 +1,7 @@
 #include "options.h"
 
+#include <memory>
+
 namespace torvi {
 namespace {
 
@@ -104,6 +106,16 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
     app.add_flag("--quiet,-q", options.quiet, "No progress and no notes, only results and failures")
         ->group(output);
     app.add_flag("--verbose,-v", options.verbose, "Write the library's log to stderr")->group(output);
+}
+
+void addPathCommand(const Commands& commands, const char* name, const char* help,
+                    void (*run)(const GlobalOptions&, const std::string&)) {
+    CLI::App* command = commands.app.add_subcommand(name, help);
+    auto path = std::make_shared<std::string>();
+    command->add_option("path", *path, "The path on the server")->type_name("")->required();
+    command->callback([&global = commands.global, &action = commands.action, path, run] {
+        action = [&global, path, run] { run(global, *path); };
+    });
 }
 
 }  // namespace torvi

@@ -47,4 +47,8 @@ void addPutCommand(const Commands& commands);
 void addGetCommand(const Commands& commands);
 void addFileCommands(const Commands& commands);
 
+/// Adds a command whose one argument is a path on the server.
+void addPathCommand(const Commands& commands, const char* name, const char* help,
+                    void (*run)(const GlobalOptions&, const std::string& path));
+
 }  // namespace torvi
