@@ -35,7 +35,7 @@ case $check in
         [ -f "$lib/libTorviAPI.so.1.0.0" ] || fail "no library"
         [ "$(readlink "$lib/libTorviAPI.so.1")" = libTorviAPI.so.1.0.0 ] || fail "no link by the SONAME"
         [ "$(readlink "$lib/libTorviAPI.so")" = libTorviAPI.so.1 ] || fail "no link for the linker"
-        readelf -d "$lib/libTorviAPI.so.1.0.0" | grep -q 'SONAME.*\[libTorviAPI\.so\.1\]' || fail "wrong SONAME"
+        readelf -d "$lib/libTorviAPI.so.1.0.0" | grep 'SONAME.*\[libTorviAPI\.so\.1\]' >/dev/null || fail "wrong SONAME"
         ! readelf -d "$lib/libTorviAPI.so.1.0.0" | grep -E 'R(UN)?PATH|TEXTREL' || fail "a path or relocations in code"
         ! grep -rl -e torviapi_objects -e "$BUILD_DIR" "$lib/cmake" "$lib/pkgconfig" || fail "the build leaks out"
         for tool in torvi torvi-nas; do
@@ -48,7 +48,7 @@ case $check in
         cp -a "$PREFIX" "$work/elsewhere"
         with_find_package "$work/elsewhere"
         with_pkg_config "$work/elsewhere"
-        ldd "$work/cmake/consumer" | grep -q "$work/elsewhere" || fail "the program runs on another copy"
+        ldd "$work/cmake/consumer" | grep "$work/elsewhere" >/dev/null || fail "the program runs on another copy"
         ;;
     SharedObjectNeedsOnlyQtAndJsoncpp)
         readelf -d "$PREFIX/$LIBDIR/libTorviAPI.so.1" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' | sort >"$work/needed"
