@@ -10,6 +10,7 @@
 
 #include "calltable.h"
 #include "pathroutes.h"
+#include "replies.h"
 #include "support/logcapture.h"
 #include "support/progress.h"
 #include "support/session.h"
@@ -59,11 +60,6 @@ inline std::string uploadBody(const Request& request, const std::string& name, c
 
 inline HeaderList transferHeaders(const RawServer& server, const Request& request) {
     return without(uploadHeaders(server, request), "Pragma");
-}
-
-inline std::vector<std::string> withPort(std::vector<std::string> lines, uint32_t port) {
-    for (std::string& line : lines) line = fillLine(line, "", port, 0, 0);
-    return lines;
 }
 
 /// The verdicts of a callback at its opening, at each progress and at its closing call.
@@ -207,27 +203,6 @@ void expectTheHandleIsLeftAlone(const char* goodReply, const char* submitName) {
 /// Opening call, progress up to the last byte of the file, closing call.
 inline std::vector<Progress::Call> callsOfASmallUpload(int64_t told, int64_t sent) {
     return {{told, 0, told, 0, 1, 1}, {told, sent, told, sent, 1, 0}, {told, sent, told, sent, 0, 0}};
-}
-
-/// The server's answer to a whole upload, and what becomes of it.
-struct ReplyRow {
-    const char* reply;
-    uint32_t dwStatus;
-    int32_t result;
-    std::vector<std::string> lines;  ///< "{port}" is filled in
-};
-
-template <class Args>
-void expectReplies(const std::vector<ReplyRow>& rows) {
-    for (const ReplyRow& row : rows) {
-        SCOPED_TRACE(row.reply);
-        RawServer server({Reply::json(row.reply)});
-        Args call(server);
-        LogCapture log;
-        EXPECT_EQ(call.run(), row.dwStatus);
-        EXPECT_EQ(call.signedResult(), row.result);
-        EXPECT_EQ(log.texts(), withPort(row.lines, server.port()));
-    }
 }
 
 /// What a callback's verdicts make of an upload.
