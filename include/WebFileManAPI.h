@@ -7,7 +7,7 @@
 ///     TorviLogin                   makes a session: _WFM_AUTH_CONTEXT
 ///     WFMUpdateTeamFolderInfo      tells it the team folders
 ///     WFMCloneAuthContext          a copy for each worker thread
-///     ...                          list, stat, upload, download
+///     ...                          list, stat, change, upload, download
 ///     TorviLogout                  ends the session on the server
 ///     WFMFreeAuthContext           frees the record, and each clone
 ///     WFMUnInitialization          writes out and closes the log
@@ -747,6 +747,291 @@ TORVIAPI_EXPORT uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t
                                        const wchar_t* slaveID, const wchar_t* path, bool* cancel,
                                        uint32_t* resultWord);
 
+/// @name Changing the server's tree
+/// A call that ends with 2 or 6 may have been carried out all the same: ask WFMIsPathPresent before it is
+/// called again. Where a call carries a profile, the server compares it with the object first and does
+/// nothing if they differ; take `time`, `size` and `isFolder` from a listing or WFMGetPathInformation.
+/// @{
+
+/// Makes a folder. Its parent must be there.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param parent      where; a "/" in front is added. Not null or empty
+/// @param name        the new folder's name; not null or empty
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                               |
+/// |----------|-------------|----------------------------------------------------|
+/// | 0        | 0           | the folder is there                                |
+/// | 0        | 183         | there already; a team folder's root without asking |
+/// | 0        | 3           | the parent isn't there                             |
+/// | 0        | 206         | the name is too long                               |
+/// | 0        | 5           | access denied                                      |
+/// | 0        | -1          | refused otherwise, as when the session has ended   |
+/// | 14       | -1          | also any reply whose "success" isn't true          |
+///
+/// Twice: 183. Next: WFMGetNodeList, or an upload into it.
+TORVIAPI_EXPORT uint32_t WFMCreateFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                         const wchar_t* slaveID, const wchar_t* parent, const wchar_t* name,
+                                         bool* cancel, uint32_t* resultWord);
+
+/// Deletes a file, or a folder with all that is in it.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together, no "/" at the end; a "/" in front is added. Not null or empty
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                        |
+/// |----------|-------------|-----------------------------------------------------------------------------|
+/// | 0        | 0           | deleted, **or refused for a reason that isn't below**, as an ended session  |
+/// | 0        | 2           | the server's status 0                                                       |
+/// | 0        | 3           | no such path                                                                |
+/// | 0        | 5           | access denied                                                               |
+/// | 5        | -1          | nothing sent: a share, as "/Public", a team folder's root, a "/" at the end |
+/// | 14       | -1          | also any reply whose "success" isn't true                                   |
+///
+/// Since refusals may pass as success, ask WFMIsPathPresent where it matters. Twice: 3. Next: none.
+TORVIAPI_EXPORT uint32_t WFMDeletePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                       const wchar_t* slaveID, const wchar_t* path, bool* cancel,
+                                       uint32_t* resultWord);
+
+/// Deletes a path if it still is what the caller believes it to be.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID          null, or the node to ask
+/// @param path             as for WFMDeletePath
+/// @param time             its time in seconds since the epoch; not 0, for folders too, whose time isn't
+/// compared
+/// @param size             its bytes; a folder's isn't compared
+/// @param isFolder         whether it is a folder
+/// @param cleanThumbnails  true: its thumbnails go too
+/// @param cancel           not read; may be null
+/// @param resultWord       not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                 |
+/// |----------|-------------|----------------------------------------------------------------------|
+/// | 0        | 0           | deleted; a folder also at the server's verdict -40, that it has gone |
+/// | 0        | 5           | access denied                                                        |
+/// | 0        | 13          | it isn't what the caller believes: list it again                     |
+/// | 0        | -1          | refused otherwise                                                    |
+/// | 5        | -1          | nothing sent: a share, as "/Public", or a "/" at the end             |
+/// | 14       | 50          | nothing sent: a team folder's root                                   |
+/// | 14       | -1          | also any reply whose "success" isn't true                            |
+///
+/// Twice: 13 for a file, 0 for a folder. Next: WFMGetPathInformation after 13.
+TORVIAPI_EXPORT uint32_t WFMDeletePathwithCheckProfile(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                       uint32_t port, const wchar_t* slaveID,
+                                                       const wchar_t* path, int64_t time, int64_t size,
+                                                       bool isFolder, bool cleanThumbnails, bool* cancel,
+                                                       uint32_t* resultWord);
+
+/// Sets a path's time of modification, and checks that it took. **`name` comes before `parent`.**
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param name        leaf name; not null or empty
+/// @param parent      its folder, with "/" in front; not null or empty
+/// @param time        seconds since the epoch; 0 is a time
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                          |
+/// |----------|-------------|---------------------------------------------------------------|
+/// | 0        | 0           | the server reports the time back                              |
+/// | 0        | 12          | the server reports another time                               |
+/// | 0        | client code | the server's status, and no entry or several: -4 no such path |
+/// | 14       | -3          | access denied                                                 |
+/// | 14       | -1          | also a team folder's root                                     |
+///
+/// Time-out 30 seconds. Twice: safe. Next: none.
+TORVIAPI_EXPORT uint32_t WFMSetFileTime(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                        const wchar_t* slaveID, const wchar_t* name, const wchar_t* parent,
+                                        int64_t time, bool* cancel, uint32_t* resultWord);
+
+/// Changes a name inside one folder. To another folder: WFMMovePath.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param oldPath     folder and name together, with "/" in front; one "/" at the end is cut. Not null or
+/// empty
+/// @param newPath     the same folder and the new name; one "/" at the end is cut. Not null or empty
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                          |
+/// |----------|-------------|---------------------------------------------------------------|
+/// | 0        | 0           | renamed                                                       |
+/// | 0        | 5003        | the new name is there already                                 |
+/// | 0        | 5           | access denied                                                 |
+/// | 0        | -1          | refused otherwise, as when the old path isn't there           |
+/// | 5        | -1          | nothing sent: a share, as "/Public", or a path without a name |
+/// | 87       | -1          | nothing sent: the folders differ                              |
+/// | 14       | -1          | also any reply whose "success" isn't true                     |
+///
+/// The node is that of `oldPath`. Don't give a `newPath` without any "/": both texts then travel as names,
+/// without a folder. Twice: refused. Next: none.
+TORVIAPI_EXPORT uint32_t WFMRenamePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                       const wchar_t* slaveID, const wchar_t* oldPath, const wchar_t* newPath,
+                                       bool* cancel, uint32_t* resultWord);
+
+/// Renames a path if it still is what the caller believes it to be.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param oldPath     as for WFMRenamePath
+/// @param newPath     as for WFMRenamePath
+/// @param time        of the old path, in seconds since the epoch; not 0, for folders too
+/// @param size        of the old path, in bytes; a folder's isn't compared
+/// @param isFolder    whether it is a folder
+/// @param cancel      not read; may be null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                          |
+/// |----------|-------------|---------------------------------------------------------------|
+/// | 0        | 0           | renamed                                                       |
+/// | 0        | 5003        | the new name is there already                                 |
+/// | 0        | 5           | access denied                                                 |
+/// | 0        | 13          | it isn't what the caller believes: list it again              |
+/// | 0        | -1          | refused otherwise                                             |
+/// | 14       | 5           | nothing sent: a share, as "/Public", or a path without a name |
+/// | 14       | 87          | nothing sent: the folders differ                              |
+/// | 14       | -1          | also any reply whose "success" isn't true                     |
+///
+/// Time-out 30 seconds. Twice: 13. Next: WFMGetPathInformation after 13.
+TORVIAPI_EXPORT uint32_t WFMRenamePathwithCheckProfile(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                       uint32_t port, const wchar_t* slaveID,
+                                                       const wchar_t* oldPath, const wchar_t* newPath,
+                                                       int64_t time, int64_t size, bool isFolder,
+                                                       bool* cancel, uint32_t* resultWord);
+
+/// Carries a path into another folder, under its old name or a new one.
+///
+/// The server moves it as a job, which the call follows to its end, however long that takes; a new name is
+/// then given by WFMRenamePath. **If that rename fails, the moved object is deleted, not moved back**: it is
+/// then at neither path. Make sure first that the new name is free.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask
+/// @param source       folder and name together, with "/" in front; one "/" at the end is cut. Not null or
+///                     empty
+/// @param destination  the other folder and the name there; one "/" at the end is cut. Not null or empty
+/// @param cancel       read between the questions for the job's progress; the job itself goes on. May be null
+/// @param resultWord   not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                    |
+/// |----------|-------------|-------------------------------------------------------------------------|
+/// | 0        | 0           | moved                                                                   |
+/// | 0        | 5           | access denied; nothing moved                                            |
+/// | 0        | 3           | the job isn't known to the server: look at both paths                   |
+/// | 0        | -1          | refused otherwise; or moved, and deleted because the rename was refused |
+/// | any      | -1          | moved, and deleted because the rename failed so                         |
+/// | 5        | -1          | nothing sent: a share, as "/Public", or a path without a name           |
+/// | 87       | -1          | nothing sent: one folder holds both. Use WFMRenamePath                  |
+/// | 14       | -1          | also cancelled, and any reply without "success" true or a job           |
+/// | other    | -1, 3       | the job can't be followed any more: look at both paths                  |
+///
+/// The request goes to the node of `source`, wherever `destination` lies. In the pauses between the questions
+/// (500 ms, then 200 ms each) nothing else runs on the caller's thread. Twice: refused. Next: none.
+TORVIAPI_EXPORT uint32_t WFMMovePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                     const wchar_t* slaveID, const wchar_t* source,
+                                     const wchar_t* destination, bool* cancel, uint32_t* resultWord);
+
+/// Moves a path if it still is what the caller believes it to be. On the sync service a file is moved inside
+/// the request; a folder, and on the web file manager everything, is a job as for WFMMovePath.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask
+/// @param source       as for WFMMovePath
+/// @param destination  as for WFMMovePath
+/// @param time         of the source, in seconds since the epoch; not 0, for folders too
+/// @param size         of the source, in bytes; a folder's isn't compared
+/// @param isFolder     whether it is a folder
+/// @param cancel       as for WFMMovePath
+/// @param resultWord   not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                    |
+/// |----------|-------------|-------------------------------------------------------------------------|
+/// | 0        | 0           | moved                                                                   |
+/// | 0        | 5           | access denied; nothing moved                                            |
+/// | 0        | 13          | it isn't what the caller believes: list it again; nothing moved         |
+/// | 0        | 3           | the job isn't known to the server: look at both paths                   |
+/// | 0        | -1          | refused otherwise; or moved, and deleted because the rename was refused |
+/// | any      | -1          | moved, and deleted because the rename failed so                         |
+/// | 14       | 5           | nothing sent: a share, as "/Public", or a path without a name           |
+/// | 14       | 34          | nothing sent: the two lie on different nodes. Copy instead              |
+/// | 14       | 87          | nothing sent: one folder holds both. Use WFMRenamePathwithCheckProfile  |
+/// | 14       | -1          | also cancelled, and any reply without "success" true or a job           |
+/// | other    | -1, 3       | the job can't be followed any more: look at both paths                  |
+///
+/// A failed rename at the end deletes the moved object, as with WFMMovePath. Twice: 13. Next:
+/// WFMGetPathInformation after 13.
+TORVIAPI_EXPORT uint32_t WFMMovePathwithCheckProfile(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                     uint32_t port, const wchar_t* slaveID,
+                                                     const wchar_t* source, const wchar_t* destination,
+                                                     int64_t time, int64_t size, bool isFolder, bool* cancel,
+                                                     uint32_t* resultWord);
+
+/// @}
+
+/// @name Jobs
+/// What outlasts one request goes on as a job, which the server names by a number.
+/// @{
+
+/// Follows a job to its end, asking every 200 ms. **There is no limit of time**: only the job's end, a
+/// failure and the cancel flag end the call.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node that runs the job
+/// @param name        what is being moved, for the log; not null or empty
+/// @param pid         the job
+/// @param cancel      read before each question, the first too; the job itself goes on. May be null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                         |
+/// |----------|-------------|------------------------------------------------------------------------------|
+/// | 0        | 0           | the job has ended: the server said exactly 100 percent                       |
+/// | 0        | 3           | the server doesn't know the job, in four answers all told, or says so itself |
+/// | 0        | -1          | the server refuses, as when the session has ended                            |
+/// | 14       | -1, 3       | also cancelled                                                               |
+/// | other    | -1, 3       | a question failed; 3 if an answer before it didn't know the job              |
+///
+/// Time-out 30 seconds a question. In the pauses nothing else runs on the caller's thread. Twice: safe. Next:
+/// WFMDeleteProgress on the web file manager.
+TORVIAPI_EXPORT uint32_t WFMGetProgress(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                        const wchar_t* slaveID, const wchar_t* name, int32_t pid,
+                                        bool* cancel, uint32_t* resultWord);
+
+/// Starts to bring a deleted file back out of the recycle folder, as a job.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask; nothing is mapped
+/// @param mode         the server's number for what to do with a file that is in the way; passed on
+/// @param path         the folder in the recycle folder, as "/home/@Recycle/Photos"; not null or empty
+/// @param file         its name; not null or empty
+/// @param reserved     null
+/// @param pid          receives the job's name, empty if there is none; not null
+/// @param pidCapacity  of `pid`, not 0; 260 is enough for every server known
+/// @param resultWord   client codes; not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                          |
+/// |----------|-------------|-------------------------------------------------------------------------------|
+/// | 0        | 0           | the job runs: `pid`                                                           |
+/// | 0        | other       | refused: the client code of the server's status                               |
+/// | 0        | -23         | the job runs, and `pid` is too small for its name                             |
+/// | 14       | -1          | also, nothing sent: it was deleted from a team folder that somebody else owns |
+///
+/// Twice: a second job. Next: WebFileManQueryProgress until it reports 100 percent.
+TORVIAPI_EXPORT uint32_t WFMTrashRecovery(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                          const wchar_t* slaveID, uint32_t mode, const wchar_t* path,
+                                          const wchar_t* file, void* reserved, wchar_t* pid,
+                                          uint32_t pidCapacity, uint32_t* resultWord);
+
+/// @}
+
 /// @name Transfers
 /// They have no time-out and last as long as bytes flow: a peer that falls silent without closing holds the
 /// call. `callback` and `lpData` may be null; see WFMProgressCallback. Memory doesn't grow with the file's
@@ -901,5 +1186,16 @@ TORVIAPI_EXPORT uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, con
 /// @}
 
 }  // extern "C"
+
+/// Clears a job that has ended. Only the web file manager keeps such jobs. A C++ function, unlike the others.
+/// @param context,server,port  the session and where, a `_WFM_AUTH_CONTEXT*`; not null or empty, not 0
+/// @param slaveID  null, or the node that ran the job
+/// @param pid      the job; above 0
+/// @param cancel   not read; may be null
+/// @return `dwStatus`; 0 also if the server refuses, which the log tells
+///
+/// Time-out 30 seconds. Twice: harmless; the server refuses.
+TORVIAPI_EXPORT uint32_t WFMDeleteProgress(void* context, const wchar_t* server, unsigned int port,
+                                           const wchar_t* slaveID, int pid, bool* cancel);
 
 #endif

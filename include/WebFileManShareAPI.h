@@ -53,6 +53,38 @@ TORVIAPI_EXPORT uint32_t WFMShareClearLog();
 
 /// @}
 
+/// @name Jobs
+/// @{
+
+/// Asks once how far a job is. For WFMTrashRecovery and the jobs of the sharing family; a move is followed by
+/// WFMGetProgress.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node that runs the job
+/// @param pid         the job, as the call that started it named it; sent as given, so that it must be safe
+/// in
+///                    a URL. Not null or empty
+/// @param reserved    null
+/// @param percent     receives 0 to 100, and 0 in every other case; not null
+/// @param errorCode   receives 0 while all goes well; not null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | errorCode   | When                                                     |
+/// |----------|-------------|-------------|----------------------------------------------------------|
+/// | 0        | 0           | 0           | `percent` tells, but when "copying" is 1; 100 is the end |
+/// | 0        | 0           | client code | the job has failed                                       |
+/// | 0        | 0           | 1           | the server doesn't tell                                  |
+/// | 0        | -1          | 1           | the server refuses, as when it doesn't know the job      |
+/// | not 0    | -1          | -1          | the question failed                                      |
+///
+/// Twice: safe; wait half a second or so between two questions. Next: the same, until 100.
+TORVIAPI_EXPORT uint32_t WebFileManQueryProgress(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID, const wchar_t* pid,
+                                                 void* reserved, uint32_t* percent, uint32_t* errorCode,
+                                                 uint32_t* resultWord);
+
+/// @}
+
 }  // extern "C"
 
 #endif

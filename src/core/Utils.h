@@ -88,6 +88,9 @@ void CopyTextCut(wchar_t (&out)[N], const std::wstring& text) {
 
 // ---- Paths on the server ----
 
+inline bool BeginsWith(const std::wstring& text, const std::wstring& beginning) {
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
 /// `path` beginning with "/". A path of the server-side scheme "vtf://" never gets one.
 std::wstring WithLeadingSlash(std::wstring path);
 std::wstring WithTrailingSlash(std::wstring path);

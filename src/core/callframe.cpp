@@ -45,11 +45,15 @@ std::wstring Encoded(std::wstring text) {
     return text;
 }
 
+bool IsSameNode(const std::wstring& slaveID, const std::wstring& other) {
+    return ToQString(slaveID).compare(ToQString(other), Qt::CaseInsensitive) == 0;
+}
+
 std::wstring SlavePrefix(const _WFM_AUTH_CONTEXT& context, const std::wstring& mappedSlaveID,
                          const wchar_t* slaveID) {
-    const QString own = ToQString(context.szSlaveID);
+    const std::wstring own = context.szSlaveID;
     const std::wstring node = mappedSlaveID.empty() ? TextOf(slaveID) : mappedSlaveID;
-    if (own.isEmpty() || node.empty() || ToQString(node).compare(own, Qt::CaseInsensitive) == 0) return {};
+    if (own.empty() || node.empty() || IsSameNode(node, own)) return {};
     return format(L"%ls/", node.c_str());
 }
 
@@ -106,14 +110,12 @@ void Call::start(const char* method, std::wstring place, bool atEndpoint) {
 }
 
 void Call::getNothing() {
-    m_input.emplace(QString(), "GET", m_connection.secure);
-    m_place.clear();
-    m_worker.reset();
+    start("GET", {}, false);
 }
 
 /// Formed when the request goes out, so that it doesn't matter in which order its parts were told.
 std::wstring Call::url() const {
-    if (m_place.empty()) return {};
+    if (m_place.empty() && !m_atEndpoint) return {};
     std::wstring place = m_place;
     if (m_atEndpoint)
         place = (usesSyncService() ? format(m_endpoint.syncService, m_slavePrefix.c_str())

@@ -80,6 +80,9 @@ inline std::wstring Encoded(const wchar_t* text) {
     return Encoded(TextOf(text));
 }
 
+/// Slave ids are compared without regard to case.
+bool IsSameNode(const std::wstring& slaveID, const std::wstring& other);
+
 /// The node that a session's request must name in front of the URL's path: "<slave id>/", or nothing when the
 /// node is the session's own. The node that holds a mapped team folder goes before the caller's argument.
 std::wstring SlavePrefix(const _WFM_AUTH_CONTEXT& context, const std::wstring& mappedSlaveID,
@@ -144,6 +147,8 @@ public:
     void post(const wchar_t* query, const Arguments&... arguments) {
         start("POST", L"?" + format(query, Raw(arguments)...), true);
     }
+    /// A form for an endpoint that takes no query.
+    void post() { start("POST", {}, true); }
     /// A request to one place of the server; the template is the URL's text behind the port.
     template <class... Arguments>
     void getAt(const wchar_t* place, const Arguments&... arguments) {

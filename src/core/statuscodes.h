@@ -7,6 +7,7 @@
 enum WfmStatus : uint32_t {
     WFM_PARSE_XML_SUCCESS = 0,
     WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL = 2,
+    WFM_PARSE_XML_HTTPTRAN_QUERY_HTTP_HEADER_FAIL = 4,
     WFM_PARSE_XML_HTTPTRAN_RECEIVE_FAIL = 6,
     WFM_PARSE_XML_BUFFER_NOT_ENOUGH = 7,
     WFM_PARSE_XML_INVALID_PARAMETER = 8,
@@ -19,10 +20,12 @@ enum WfmStatus : uint32_t {
 /// What the server answered: the negative numbers of the result word. Some have two names in the log.
 enum WfmClientCode : int32_t {
     WFM_NOTHING_LEARNT = -1,
+    WFM_SERVER_FAILED = -2,
     WFM_ACCESS_RIGHT_ACCESS_DENIED = -3,
     WFM_PERMISSION_DENY = -3,
     WFM_STATUS_FAILED = -4,
     WFM_FILE_NO_EXIST = -4,
+    WFM_NAME_NOT_MADE = -5,
     WFM_QUOTA_ERROR = -6,
     WFM_OPEN_FILE_FAILED = -7,
     WFM_ILLEGAL_NAME = -7,
@@ -31,6 +34,8 @@ enum WfmClientCode : int32_t {
     WFM_INSUFFICIENT_BUFFER = -23,
     WFM_NOT_AUTHENTICATED = -29,
     WFM_INVALID_DATA = -31,
+    WFM_PROFILE_PATH = -32,  // the server's four verdicts on a profile check, down to -35
+    WFM_PROFILE_LAST = -35,
     WFM_NAME_TOO_LONG = -42,
     WFM_SLICE_SENT = -43,
     WFM_HOME_FOLDER_NOT_AVAIL = -44,

@@ -1,7 +1,7 @@
 #include "files/GetShareFilePath.h"
 
-#include "core/Utils.h"
-#include "core/authcontext.h"
+#include "core/callframe.h"
+#include "files/MapTeamFolderPath.h"
 
 using namespace Lattice;
 
@@ -10,21 +10,14 @@ namespace {
 /// Puts the server-side path in place of `item` if a team folder holds it and its node can be asked as well:
 /// one request goes to one node only, that of the first item met.
 bool MapItem(const _WFM_AUTH_CONTEXT& context, std::wstring& item, std::wstring& slaveId) {
-    for (int32_t i = 0; i < context.nTeamFolderCount; ++i) {
-        if (context.lppOriPathList[i] == nullptr) continue;
-        const std::wstring clientPath = context.lppOriPathList[i];
-        if (item.compare(0, clientPath.size(), clientPath) != 0) continue;
-
-        const std::wstring serverPath = TeamListEntry(context.lppTeamFolderPathList, i);
-        if (serverPath.empty()) return false;
-        const std::wstring node = TeamListEntry(context.lppTeamFolderSlaveIDList, i);
-        if (!node.empty() && slaveId.empty()) slaveId = node;
-        if (!node.empty() && ToQString(node).compare(ToQString(slaveId), Qt::CaseInsensitive) != 0)
-            return false;
-        item = serverPath;
-        return true;
-    }
-    return false;
+    const int32_t index = IndexOfTeamFolder(context, item);
+    const std::wstring serverPath = index >= 0 ? TeamListEntry(context.lppTeamFolderPathList, index) : L"";
+    if (serverPath.empty()) return false;
+    const std::wstring node = TeamListEntry(context.lppTeamFolderSlaveIDList, index);
+    if (!node.empty() && slaveId.empty()) slaveId = node;
+    if (!node.empty() && !IsSameNode(node, slaveId)) return false;
+    item = serverPath;
+    return true;
 }
 
 }  // namespace

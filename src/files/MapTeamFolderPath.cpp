@@ -1,5 +1,6 @@
 #include "files/MapTeamFolderPath.h"
 
+#include <cwchar>
 #include <optional>
 
 #include "core/Utils.h"
@@ -10,10 +11,6 @@ namespace {
 
 constexpr wchar_t kTeamArea[] = L"/home/.Torvi/";
 
-bool BeginsWith(const std::wstring& text, const std::wstring& beginning) {
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
 /// The team folder that holds a path.
 struct Found {
     std::wstring serverPath;  ///< with its trailing "/"; empty when its place isn't known
@@ -23,21 +20,16 @@ struct Found {
     std::wstring root() const { return serverPath.substr(0, serverPath.size() - 1); }
 };
 
-/// Walks the lists; the first entry that is a prefix of the path ends the walk, not the longest.
 std::optional<Found> Find(const _WFM_AUTH_CONTEXT& context, const std::wstring& path) {
     const std::wstring probe = WithTrailingSlash(path);
     const std::wstring area = kTeamArea;
     if (!HasTeamFolders(context) || probe.size() <= area.size() || !BeginsWith(probe, area)) return {};
 
-    for (int32_t i = 0; i < context.nTeamFolderCount; ++i) {
-        if (context.lppOriPathList[i] == nullptr) continue;
-        const std::wstring clientPath = context.lppOriPathList[i];
-        if (!BeginsWith(probe, clientPath)) continue;
-        return Found{TeamListEntry(context.lppTeamFolderPathList, i),
-                     TeamListEntry(context.lppTeamFolderSlaveIDList, i),
-                     WithoutTrailingSlash(probe.substr(clientPath.size()))};
-    }
-    return {};
+    const int32_t index = IndexOfTeamFolder(context, probe);
+    if (index < 0) return {};
+    return Found{TeamListEntry(context.lppTeamFolderPathList, index),
+                 TeamListEntry(context.lppTeamFolderSlaveIDList, index),
+                 WithoutTrailingSlash(probe.substr(std::wcslen(context.lppOriPathList[index])))};
 }
 
 }  // namespace
@@ -50,6 +42,12 @@ bool HasTeamFolders(const _WFM_AUTH_CONTEXT& context) {
     const bool nodesKnown = context.lppTeamFolderSlaveIDList != nullptr || context.szSlaveID[0] == L'\0';
     return context.bUseNuboCGI && context.nTeamFolderCount > 0 && context.lppTeamFolderPathList != nullptr &&
            nodesKnown && context.lppOriPathList != nullptr;
+}
+
+int32_t IndexOfTeamFolder(const _WFM_AUTH_CONTEXT& context, const std::wstring& path) {
+    for (int32_t i = 0; i < context.nTeamFolderCount; ++i)
+        if (context.lppOriPathList[i] != nullptr && BeginsWith(path, context.lppOriPathList[i])) return i;
+    return -1;
 }
 
 RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& parent,

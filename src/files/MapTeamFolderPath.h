@@ -22,6 +22,10 @@ bool IsTeamArea(const std::wstring& path);
 /// Whether the session has team folders that it can map.
 bool HasTeamFolders(const _WFM_AUTH_CONTEXT& context);
 
+/// The index of the team folder that holds a path (with a trailing "/"), or -1. The first entry that is a
+/// prefix of the path counts, not the longest.
+int32_t IndexOfTeamFolder(const _WFM_AUTH_CONTEXT& context, const std::wstring& path);
+
 /// Where a path of the client's tree lies on the server. A path that no team folder holds stays as it is.
 RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& parent,
                              const std::wstring& name);

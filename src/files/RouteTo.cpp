@@ -13,4 +13,8 @@ RemotePath RouteTo(Call& call, const wchar_t* slaveID, const wchar_t* path) {
     return RouteTo(call, slaveID, split.parent, split.name);
 }
 
+std::wstring PlaceOf(const RemotePath& path, const wchar_t* given) {
+    return path.matched ? WithTrailingSlash(path.parent) + path.name : given;
+}
+
 }  // namespace Lattice

@@ -26,8 +26,8 @@ uint32_t WFMCreateFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
                          "[WFM] WFMCreateFile: WFM_PARSE_XML_FAIL nParseResult(%d) Result(%d)", parsed,
                          reply.GetResult());
     if (reply.GetStatus() == 0) return call.answer(0);
-    const std::wstring place = target.matched ? WithTrailingSlash(target.parent) + target.name : path;
-    call.line("[WFM] WFMCreateFile: get error status = %d, %ls", reply.GetStatus(), place.c_str());
+    call.line("[WFM] WFMCreateFile: get error status = %d, %ls", reply.GetStatus(),
+              PlaceOf(target, path).c_str());
     switch (reply.GetStatus()) {
         case WFM_PERMISSION_DENY:
             return call.answer(ERROR_ACCESS_DENIED);

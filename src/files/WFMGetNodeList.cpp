@@ -1,10 +1,9 @@
 #include <algorithm>
 
-#include "core/callframe.h"
 #include "files/GetNodeInfoJson.h"
 #include "files/GetPath.h"
-#include "files/MapTeamFolderPath.h"
 #include "files/PathRecord.h"
+#include "files/RouteTo.h"
 
 using namespace Lattice;
 
@@ -87,8 +86,8 @@ uint32_t WFMGetNodeList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint3
     limit -= static_cast<uint32_t>(teamRecords.size());
     CGetNodeInfoJson reply;
     reply.nextStart = serverStart;
-    const wchar_t* const node = folder.slaveID.empty() ? slaveID : folder.slaveID.c_str();
-    uint32_t dwStatus = page(folder.parent, node, pattern, serverStart, typeFilter, fieldMask, reply);
+    uint32_t dwStatus =
+        page(folder.parent, NodeOf(folder, slaveID), pattern, serverStart, typeFilter, fieldMask, reply);
 
     uint32_t found = reply.total;
     if (isTeamRoot) found += *teamIndex < folders ? folders : *teamCount;

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "WebFileManAPI.h"
+
+/// The reply of "get_move_status": how far a job is.
+class TORVIAPI_EXPORT CGetMoveStatusJson {
+public:
+    int Parser(char* text);
+    int GetStatus() const { return m_status; }
+    int GetPercent() const { return m_percent; }
+
+private:
+    int m_status = -1;
+    int m_percent = 0;
+};
