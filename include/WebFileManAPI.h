@@ -200,6 +200,28 @@ struct _WFM_PATH_INFORMATION {
     wchar_t szShareID[260];  ///< WFMGetNodeList only: id of the share, empty if there is none; terminated
 };
 
+/// One file of a batch, for WFMTorviUploadandMoveMultiPartwithHandle. The caller's.
+struct _WFM_MULTI_PART_FILE_INFO {
+    int32_t nResult;              ///< out: 0, a client code, or 13 if the server holds another size
+    QFile* pFile;                 ///< in: open for reading, with a name; the library opens the path again
+    wchar_t szName[2048];         ///< in: its name at the destination, terminated; not empty
+    int64_t llSize;               ///< in: bytes that the server must report
+    int64_t llModifiedTime;       ///< in: seconds since the epoch
+    wchar_t szModifiedTime[260];  ///< out: the same as text
+};
+
+/// A session around one remote file, in and out of WFMTorviVersioningLock. The caller's; zero it first.
+struct WFM_VERSIONING_LOCK {
+    wchar_t szLockID[260];     ///< terminated; cut at 259
+    wchar_t szVersionID[260];  ///< terminated; cut at 259
+};
+
+/// A delta on the server, filled by WFMTorviVersioningStatDelta.
+struct WFM_VERSIONING_DELTA_STAT {
+    bool bExists;
+    int64_t llSize;  ///< bytes; 0 if it isn't there
+};
+
 /// Progress of a transfer, asked for a verdict: 0 goes on, 1 stops.
 ///
 /// Other verdicts stop as well and mean something else: 2 says that the data can't be trusted (13 or -31),
@@ -1182,6 +1204,328 @@ TORVIAPI_EXPORT uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, con
                                                  uint32_t port, const wchar_t* slaveID, const wchar_t* folder,
                                                  const wchar_t* fileName, void* reserved,
                                                  uint32_t* resultWord);
+
+/// Asks for the id under which a file is uploaded in slices. The server keeps what has come under it, so that
+/// the upload survives a broken connection and a stopped client:
+///
+///     1. WFMGetUploadID, once for a new upload; keep the id, with what it belongs to, before the first byte
+///     2. WFMTorvGetChunkFileSize: where a resumed one goes on. A new one begins at 0
+///     3. WFMTorviChunckUploadwithHandle from there
+///     4. -43: a slice of 1 GiB landed, go on at offset + 1073741824. 0: the file is there, the id is spent
+///     5. anything else: bResume and bDeleteUploadID tell what to do next
+///
+/// @param context,server,port  the session and where; server and context not null. **A port of 0 and an empty
+///                     server aren't refused**; they make a broken URL
+/// @param slaveID     null, or the node to ask; here it goes before the team folder's
+/// @param capacity    in: of `uploadID`, not 0. Out, with detail 122: what it takes. Not null
+/// @param uploadID    receives the id. **It must hold one character more than `capacity` says**: 261 for 260
+///                    are enough for every server known. Not null
+/// @param uploadRoot  folder under which the server keeps the unfinished file; sent as given, not mapped. Not
+///                    null or empty
+/// @param folder      where the file will go, to find the node of its team folder; not sent. Not null or
+///                    empty
+/// @param reserved    null
+/// @param resultWord  client codes; not null
+/// @param detail      receives 0: `uploadID` is filled, 122: it is too small, -1: there is no id. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | detail | When                                          |
+/// |----------|-------------|--------|-----------------------------------------------|
+/// | 0        | 0           | 0      | an id                                         |
+/// | 0        | 0           | 122    | an id, longer than `capacity`; nothing copied |
+/// | 0        | 0           | -1     | the server gave none                          |
+/// | 0        | -3          | -1     | permission denied                             |
+/// | 0        | -44         | -1     | the user's home folder is not available       |
+/// | 0        | -5          | -1     | the unfinished file can't be made             |
+/// | 0        | -11         | -1     | the server's status -4                        |
+/// | 0        | -1          | -1     | refused otherwise                             |
+///
+/// Twice: two ids; the server keeps both. Next: WFMTorviChunckUploadwithHandle.
+TORVIAPI_EXPORT uint32_t WFMGetUploadID(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                        const wchar_t* slaveID, uint32_t* capacity, wchar_t* uploadID,
+                                        const wchar_t* uploadRoot, const wchar_t* folder, void* reserved,
+                                        uint32_t* resultWord, uint32_t* detail);
+
+/// Asks how many bytes the server holds of a sliced upload.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node that gave the id: **the node of a team folder isn't found here**
+/// @param uploadID    from WFMGetUploadID; not null or empty
+/// @param uploadRoot  the same as there; not null or empty
+/// @param reserved    null
+/// @param size        receives the bytes, when both numbers are 0; not null
+/// @param resultWord  client codes; not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                 |
+/// |----------|-------------|----------------------------------------------------------------------|
+/// | 0        | 0           | `size` is filled                                                     |
+/// | 0        | -11         | the server doesn't know the id (any more): start over with a new one |
+/// | 0        | -4          | the server failed to look                                            |
+/// | 0        | -1          | refused otherwise, as when the session has ended                     |
+/// | 14       | -1          | also a size beyond 32 bits that isn't sent as text                   |
+///
+/// Twice: safe. Next: WFMTorviChunckUploadwithHandle from `size` on.
+TORVIAPI_EXPORT uint32_t WFMTorvGetChunkFileSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID,
+                                                 const wchar_t* uploadID, const wchar_t* uploadRoot,
+                                                 void* reserved, int64_t* size, uint32_t* resultWord);
+
+/// Has the server throw away what it holds of a sliced upload.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node that gave the id
+/// @param uploadID    from WFMGetUploadID; not null or empty
+/// @param uploadRoot  the same as there; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`; with 0 the result word is 0, or the client code of the server's status
+///
+/// Twice: the server refuses. Next: WFMGetUploadID, to start over.
+TORVIAPI_EXPORT uint32_t WFMTorviDeleteChunkFile(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* slaveID,
+                                                 const wchar_t* uploadID, const wchar_t* uploadRoot,
+                                                 void* reserved, uint32_t* resultWord);
+
+/// Uploads one slice: 1073741824 bytes from the offset on, or all that is left. With the last slice the
+/// server puts the file in its place.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask
+/// @param file          as for WFMUploadFilewithHandle
+/// @param uploadID      from WFMGetUploadID; not null or empty
+/// @param uploadRoot    the same as there; not null or empty
+/// @param destination   folder and name together; not null or empty
+/// @param renameTarget  the name to take instead; sent as given, not mapped. Null or empty: none
+/// @param offset        where the slice begins: 0, or what WFMTorvGetChunkFileSize said
+/// @param fileSize      bytes of the whole file, not below `offset`
+/// @param modifiedTime  seconds since the epoch; sent as given
+/// @param lpData,callback  progress, which counts from the start of the file; may be null
+/// @param overwrite     low byte only: 1 replaces a file that is there
+/// @param stop          set it together with a verdict of 1 from the callback, or from another thread; read
+///                      after the transfer, which it doesn't end by itself. May be null
+/// @param bResume          receives whether the id can go on; not null
+/// @param bDeleteUploadID  receives whether the id is dead; not null
+/// @param resultWord    client codes; not null
+/// @return `dwStatus`
+///
+/// What to do next is in the two flags, whatever the numbers are, but for -43 and 0, which clear both:
+///
+/// | bResume | bDeleteUploadID | Do                                                                     |
+/// |---------|-----------------|------------------------------------------------------------------------|
+/// | true    | false           | keep the id; WFMTorvGetChunkFileSize and the next slice, now or later  |
+/// | false   | true            | WFMTorviDeleteChunkFile; start over with WFMGetUploadID if you want to |
+/// | false   | false           | keep the id and wait: only the user can clear the cause                |
+///
+/// | dwStatus  | Result word | Flag set        | When |
+/// |-----------|-------------|-----------------|---------------------------------------------------------------|
+/// | 0         | 0           | none            | the file is complete and in its place; the id is spent | | 0
+/// | -43         | none            | the slice landed, there is more: call again at offset + 1 GiB | | 0 | -6
+/// | none            | quota used up                                                 | | 0         | -2 |
+/// bResume         | the server failed for the moment                              | | 0         | -4 |
+/// bResume         | the server failed for the moment                              | | 0         | -4 | none
+/// | the user's home folder is not available                       | | 0         | -5, -7      |
+/// bDeleteUploadID | a file of that name can't be made                             | | 0         | other |
+/// bDeleteUploadID | refused otherwise, as when the session has ended (-29)        | | any but 8 | -31 |
+/// bDeleteUploadID | verdict 2, or bytes are missing: what the server has is void  | | 2, 6      | -1 |
+/// bResume         | stopped by verdict 1 or the flag, some of the file is there   | | 2, 6      | -1 |
+/// bDeleteUploadID | stopped before a byte of the file went out                    | | 2, 6      | -1 |
+/// bDeleteUploadID | the connection failed, without a stop                         | | 6         | -1 |
+/// bResume         | the flag was set, and yet the slice landed (200 in the log)   | | 14        | -1 |
+/// bDeleteUploadID | the reply wasn't understood                                   | | 8         | untouched
+/// | untouched       | also an offset beyond `fileSize`                              |
+///
+/// "Some of the file" counts the bytes before the offset: a slice that is stopped at an offset above 0 can
+/// always go on. **A connection that fails without a stop says that the id is dead**; a client that wants to
+/// go on all the same asks WFMTorvGetChunkFileSize first and deletes the id only if that fails too. A failure
+/// early in a slice with more to come, or without a callback, is -31. Memory doesn't grow with the slice.
+/// Twice at one offset: refused by a server that compares it with what it holds.
+TORVIAPI_EXPORT uint32_t WFMTorviChunckUploadwithHandle(
+    _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID, QFile* file,
+    const wchar_t* uploadID, const wchar_t* uploadRoot, const wchar_t* destination,
+    const wchar_t* renameTarget, int64_t offset, int64_t fileSize, int64_t modifiedTime, void* lpData,
+    WFMProgressCallback callback, uint32_t overwrite, bool* stop, bool* bResume, bool* bDeleteUploadID,
+    uint32_t* resultWord);
+
+/// Uploads a batch of small files into one folder, in one request. **All their bytes are in memory at once.**
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param files       the batch; the array not null. A null or a record without a name or a readable file
+///                    refuses them all
+/// @param count       of files, above 0
+/// @param folder      where to; a "/" is added at its end. Not null or empty
+/// @param reserved1,reserved2,reserved3,reserved4  null
+/// @param resultWord  of the batch, client codes; not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                    |
+/// |----------|-------------|-------------------------------------------------------------------------|
+/// | 0        | 0           | answered file by file: nResult; one that is left out keeps what it held |
+/// | 0        | other       | refused as a whole: the client code; no nResult changes                 |
+/// | 87       | -1          | nothing sent: a null, or a record without a name or a readable file     |
+///
+/// Set each nResult to a number of your own first, to see which were left out. The names of the reply are
+/// compared without regard to case. Time-out 60 seconds for the whole batch: keep it small. Twice: sends it
+/// again. Next: the files whose nResult isn't 0, each by WFMTorviUploadandMovewithHandle.
+TORVIAPI_EXPORT uint32_t WFMTorviUploadandMoveMultiPartwithHandle(
+    _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID,
+    _WFM_MULTI_PART_FILE_INFO** files, int32_t count, const wchar_t* folder, void* reserved1, void* reserved2,
+    void* reserved3, void* reserved4, uint32_t* resultWord);
+
+/// @}
+
+/// @name Versions
+/// The server can keep versions of a file, and take a changed one as a delta against a version. The library
+/// carries ids and starts jobs; signatures and deltas are made by the server, and their bytes travel by the
+/// transfers above.
+///
+///     1. WFMTorviGetVersioningProbe        whether the server can do this
+///     2. WFMTorviVersioningLock            opens a session around one file: lock id and version id
+///     3. WFMTorviGenVersioningSig, ...Delta  have the server make a signature, a delta: a job each
+///     4. WFMTorviVersioningStatDelta       again and again, until the delta is there
+///     5. WFMTorviVersioningCommitUpload    makes what was uploaded the new version: a job
+///     6. WFMTorviVersioningUnLock, or WFMTorviVersioningCleanVersion if the work is given up
+///
+/// Nobody but the holder of a lock writes to the file; a lock that is never released is the server's affair.
+/// Ids go on the wire as given, so that they must be safe in a URL, as those that the server made are.
+/// Buffers for what comes back must hold **260** characters: at most 259 and a terminator are written.
+/// @{
+
+/// Asks whether the server keeps versions.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param reserved    null
+/// @param resultWord  **stays -1 in every case**; not null
+/// @param version     receives the version of the server's versioning engine, if it tells one; 260
+///                    characters. Not cleared: make it empty first. Not null
+/// @return `dwStatus`; 0 with a filled `version`: it does
+///
+/// Twice: safe. Next: WFMTorviVersioningLock.
+TORVIAPI_EXPORT uint32_t WFMTorviGetVersioningProbe(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                    uint32_t port, const wchar_t* slaveID, void* reserved,
+                                                    uint32_t* resultWord, wchar_t* version);
+
+/// Opens a session around one file, or asks whether an open one is still good.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param lock        in: both ids empty opens a session, both filled asks about it; one alone is ignored.
+///                    Out, when both numbers are 0: the ids that the server gave, others stay. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                          |
+/// |----------|-------------|-------------------------------------------------------------------------------|
+/// | 0        | 0           | the session is open, or still good                                            |
+/// | 0        | -1          | refused: locked by somebody else, or no good any more; the log has the status |
+///
+/// Twice: asks about it. Next: WFMTorviGenVersioningSig, or an upload and WFMTorviVersioningCommitUpload.
+TORVIAPI_EXPORT uint32_t WFMTorviVersioningLock(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                uint32_t port, const wchar_t* slaveID, const wchar_t* path,
+                                                void* reserved, uint32_t* resultWord,
+                                                WFM_VERSIONING_LOCK* lock);
+
+/// Ends a session.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together; not null or empty
+/// @param lockID      from WFMTorviVersioningLock; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`; with 0 the result word is 0, or -1 if the server refuses
+///
+/// Twice: refused.
+TORVIAPI_EXPORT uint32_t WFMTorviVersioningUnLock(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* slaveID, const wchar_t* path,
+                                                  const wchar_t* lockID, void* reserved,
+                                                  uint32_t* resultWord);
+
+/// Gives a session's work up: the server throws its work files away.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together; not null or empty
+/// @param lockID,versionID  from WFMTorviVersioningLock; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`; with 0 the result word is 0, or the client code of the server's status
+///
+/// Twice: up to the server.
+TORVIAPI_EXPORT uint32_t WFMTorviVersioningCleanVersion(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                        uint32_t port, const wchar_t* slaveID,
+                                                        const wchar_t* path, const wchar_t* lockID,
+                                                        const wchar_t* versionID, void* reserved,
+                                                        uint32_t* resultWord);
+
+/// Has the server make the signature of a version, as a job.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together; not null or empty
+/// @param lockID,versionID  from WFMTorviVersioningLock; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param pid         receives the job's name, empty if the server tells none; 260 characters, not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                          |
+/// |----------|-------------|---------------------------------------------------------------|
+/// | 0        | 0           | started, under way or there already (server status 1, 33, 34) |
+/// | 0        | -1          | refused                                                       |
+///
+/// Twice: up to the server. Next: WebFileManQueryProgress with `pid`.
+TORVIAPI_EXPORT uint32_t WFMTorviGenVersioningSig(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* slaveID, const wchar_t* path,
+                                                  const wchar_t* lockID, const wchar_t* versionID,
+                                                  void* reserved, uint32_t* resultWord, wchar_t* pid);
+
+/// Has the server make a delta for a version, as a job.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param path        folder and name together; not null or empty
+/// @param lockID,versionID  from WFMTorviVersioningLock; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param pid         receives the job's name; left as it was if the server tells none; 260 characters, not
+///                    null
+/// @return `dwStatus`, with the result words of WFMTorviGenVersioningSig
+///
+/// Twice: up to the server. Next: WFMTorviVersioningStatDelta.
+TORVIAPI_EXPORT uint32_t WFMTorviGenVersioningDelta(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                    uint32_t port, const wchar_t* slaveID,
+                                                    const wchar_t* path, const wchar_t* lockID,
+                                                    const wchar_t* versionID, void* reserved,
+                                                    uint32_t* resultWord, wchar_t* pid);
+
+/// Asks whether a version's delta is there and how long it is. It has no result word.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID    null, or the node to ask
+/// @param path       folder and name together; not null or empty
+/// @param versionID  from WFMTorviVersioningLock; not null or empty
+/// @param reserved   null
+/// @param stat       zeroed first, filled when `dwStatus` is 0; not null
+/// @return `dwStatus`; 0 also if the server refuses, which looks like a delta that isn't there
+///
+/// Twice: safe. Next: the same, until it is there.
+TORVIAPI_EXPORT uint32_t WFMTorviVersioningStatDelta(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                     uint32_t port, const wchar_t* slaveID,
+                                                     const wchar_t* path, const wchar_t* versionID,
+                                                     void* reserved, WFM_VERSIONING_DELTA_STAT* stat);
+
+/// Makes what was uploaded under the lock the new version, as a job.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask
+/// @param path          folder and name together; not null or empty
+/// @param lockID,versionID  from WFMTorviVersioningLock; not null or empty
+/// @param modifiedTime  the version's time, seconds since the epoch
+/// @param reserved      null
+/// @param resultWord    not null
+/// @param pid           receives the job's name; left as it was if the server tells none; 260 characters, not
+///                      null
+/// @return `dwStatus`; with 0 the result word is 0, or the client code of the server's status
+///
+/// Twice: up to the server. Next: WebFileManQueryProgress with `pid`, then WFMTorviVersioningUnLock.
+TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                        uint32_t port, const wchar_t* slaveID,
+                                                        const wchar_t* path, const wchar_t* lockID,
+                                                        const wchar_t* versionID, int64_t modifiedTime,
+                                                        void* reserved, uint32_t* resultWord, wchar_t* pid);
 
 /// @}
 

@@ -78,8 +78,10 @@ Call::~Call() = default;
 bool Call::connected() const {
     if (m_needsSession && m_context == nullptr) return false;
     if (m_needsSession && m_rules.needsSid && TextOf(m_context->pszSid).empty()) return false;
+    if (m_connection.server == nullptr) return false;
+    if (m_rules.needsAddress && (*m_connection.server == L'\0' || m_connection.port == 0)) return false;
     // Without an application object the wait for the reply would never end.
-    return IsGiven(m_connection.server) && m_connection.port != 0 && QCoreApplication::instance() != nullptr;
+    return QCoreApplication::instance() != nullptr;
 }
 
 uint32_t Call::refuse() {

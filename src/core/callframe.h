@@ -167,8 +167,10 @@ public:
     void field(const char* key, const char* value) { m_input->add_var(key, value); }
     void field(const char* key, int64_t value) { field(key, std::to_wstring(value)); }
     /// The file of an upload.
-    void addFile(const char* variable, const QString& localPath, const std::wstring& name, int64_t size) {
-        m_input->add_file(variable, localPath, ToQString(name), "application/octet-stream", size, 0, false);
+    void addFile(const char* variable, const QString& localPath, const std::wstring& name, int64_t size,
+                 int64_t start = 0, bool continues = false) {
+        m_input->add_file(variable, localPath, ToQString(name), "application/octet-stream", size, start,
+                          continues);
     }
 
     // Exchange

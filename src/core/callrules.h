@@ -52,6 +52,9 @@ inline constexpr Endpoint kService{L"/%lscgi-bin/torvi/torvisrv.cgi",
 inline constexpr Endpoint kServiceFcgi{L"/%lscgi-bin/torvi/torvisrv.fcgi",
                                        L"/cgi-bin/filemanager/utilRequest.cgi"};
 
+/// Where a batch of files goes; it takes no query.
+inline constexpr Endpoint kUploadPhp{L"/%lscgi-bin/torvi/upload.php", L"/cgi-bin/filemanager/upload.php"};
+
 /// A transfer lasts as long as its bytes flow.
 inline constexpr int kNoTimeout = 0;
 
@@ -74,7 +77,8 @@ struct CallRules {
     Endpoint endpoint = kService;
     int timeoutMs = 60000;
     Logger::LogLevel level = Logger::Error;
-    bool needsSid = true;  ///< whether a session without a sid is refused
+    bool needsSid = true;      ///< whether a session without a sid is refused
+    bool needsAddress = true;  ///< whether an empty server or a port of 0 is refused; a null server always is
 
 private:
     // Before its users: clang wants it defined where a constant is made with it.
@@ -96,6 +100,7 @@ public:
     constexpr CallRules withOutcomes(HttpOutcomes tested) const { return with(&CallRules::outcomes, tested); }
     constexpr CallRules withEndpoint(Endpoint cgi) const { return with(&CallRules::endpoint, cgi); }
     constexpr CallRules withoutSidCheck() const { return with(&CallRules::needsSid, false); }
+    constexpr CallRules withoutAddressCheck() const { return with(&CallRules::needsAddress, false); }
 };
 
 }  // namespace Lattice

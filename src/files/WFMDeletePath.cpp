@@ -30,7 +30,7 @@ uint32_t WFMDeletePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
         case WFM_PERMISSION_DENY:
             return call.answer(ERROR_ACCESS_DENIED, "[WFM] WFMGetSid: ERROR_ACCESS_DENIED(%ls)",
                                PlaceOf(target, path).c_str());
-        case WFM_SERVER_FAILED:
+        case WFM_NOT_DONE:
             return call.answer(ERROR_FILE_NOT_FOUND);
         case WFM_FILE_NO_EXIST:
             return call.answer(ERROR_PATH_NOT_FOUND);

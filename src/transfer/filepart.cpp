@@ -13,9 +13,10 @@ QString LocalPath(const QFile& file) {
     return QFileInfo(file).absoluteFilePath();
 }
 
-void AddFilePart(Call& call, const std::wstring& name, const QString& localPath, qint64 size) {
+void AddFilePart(Call& call, const std::wstring& name, const QString& localPath, qint64 size, qint64 start,
+                 bool continues) {
     call.field("Filename", name);
-    call.addFile("Filedata", localPath, name, size);
+    call.addFile("Filedata", localPath, name, size, start, continues);
 }
 
 }  // namespace Lattice

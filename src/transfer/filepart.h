@@ -10,7 +10,9 @@ namespace Lattice {
 bool IsReadableFile(const QFile* file);
 /// The path on which the transport opens the caller's file by itself.
 QString LocalPath(const QFile& file);
-/// The form of an upload: the name as a plain field, then the file.
-void AddFilePart(Call& call, const std::wstring& name, const QString& localPath, qint64 size);
+/// The form of an upload: the name as a plain field, then the file from `start` on. More slices follow one
+/// that `continues`.
+void AddFilePart(Call& call, const std::wstring& name, const QString& localPath, qint64 size,
+                 qint64 start = 0, bool continues = false);
 
 }  // namespace Lattice
