@@ -1314,23 +1314,22 @@ TORVIAPI_EXPORT uint32_t WFMTorviDeleteChunkFile(_WFM_AUTH_CONTEXT* context, con
 /// | false   | true            | WFMTorviDeleteChunkFile; start over with WFMGetUploadID if you want to |
 /// | false   | false           | keep the id and wait: only the user can clear the cause                |
 ///
-/// | dwStatus  | Result word | Flag set        | When |
-/// |-----------|-------------|-----------------|---------------------------------------------------------------|
-/// | 0         | 0           | none            | the file is complete and in its place; the id is spent | | 0
-/// | -43         | none            | the slice landed, there is more: call again at offset + 1 GiB | | 0 | -6
-/// | none            | quota used up                                                 | | 0         | -2 |
-/// bResume         | the server failed for the moment                              | | 0         | -4 |
-/// bResume         | the server failed for the moment                              | | 0         | -4 | none
-/// | the user's home folder is not available                       | | 0         | -5, -7      |
-/// bDeleteUploadID | a file of that name can't be made                             | | 0         | other |
-/// bDeleteUploadID | refused otherwise, as when the session has ended (-29)        | | any but 8 | -31 |
-/// bDeleteUploadID | verdict 2, or bytes are missing: what the server has is void  | | 2, 6      | -1 |
-/// bResume         | stopped by verdict 1 or the flag, some of the file is there   | | 2, 6      | -1 |
-/// bDeleteUploadID | stopped before a byte of the file went out                    | | 2, 6      | -1 |
-/// bDeleteUploadID | the connection failed, without a stop                         | | 6         | -1 |
-/// bResume         | the flag was set, and yet the slice landed (200 in the log)   | | 14        | -1 |
-/// bDeleteUploadID | the reply wasn't understood                                   | | 8         | untouched
-/// | untouched       | also an offset beyond `fileSize`                              |
+/// | dwStatus  | Result word | Flag set        | When                                                     |
+/// |-----------|-------------|-----------------|----------------------------------------------------------|
+/// | 0         | 0           | none            | the file is complete and in its place; the id is spent   |
+/// | 0         | -43         | none            | the slice landed, and there is more: offset + 1 GiB      |
+/// | 0         | -6          | none            | quota used up                                            |
+/// | 0         | -2, -4      | bResume         | the server failed for the moment                         |
+/// | 0         | -4          | none            | the user's home folder is not available                  |
+/// | 0         | -5, -7      | bDeleteUploadID | a file of that name can't be made                        |
+/// | 0         | other       | bDeleteUploadID | refused otherwise, as when the session has ended (-29)   |
+/// | any but 8 | -31         | bDeleteUploadID | verdict 2, or bytes are missing: it holds nothing of use |
+/// | 2, 6      | -1          | bResume         | stopped, and some of the file is there                   |
+/// | 2, 6      | -1          | bDeleteUploadID | stopped before a byte of the file went out               |
+/// | 2, 6      | -1          | bDeleteUploadID | the connection failed, without a stop                    |
+/// | 6         | -1          | bResume         | `stop` is set, but the slice landed (200 in the log)     |
+/// | 14        | -1          | bDeleteUploadID | the reply wasn't understood                              |
+/// | 8         | untouched   | untouched       | also an offset beyond `fileSize`                         |
 ///
 /// "Some of the file" counts the bytes before the offset: a slice that is stopped at an offset above 0 can
 /// always go on. **A connection that fails without a stop says that the id is dead**; a client that wants to
