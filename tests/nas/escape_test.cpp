@@ -79,6 +79,27 @@ TEST_P(NasEscape, NoCallPasses) {
                                    "upload_and_move")),
             "rename");
     refused(fetch(path, "secret"), "download");
+    refused(get(cgi("func=createdir&sid=" + sid + "&dest_folder=x&dest_path=" + encoded(path))), "createdir");
+    refused(
+        post(cgi("func=delete&sid=" + sid), {{"file_name", "secret"}, {"file_total", "1"}, {"path", path}}),
+        "delete");
+    refused(
+        post(cgi("func=rename&sid=" + sid), {{"path", path}, {"source_name", "secret"}, {"dest_name", "x"}}),
+        "rename in place");
+    write("Public/mine", "mine");
+    const auto carried = [&](const std::string& from, const std::string& name, const std::string& to) {
+        return post(cgi("func=move&sid=" + sid + "&no_fork=1"), {{"source_file", name},
+                                                                 {"source_total", "1"},
+                                                                 {"source_path", from},
+                                                                 {"dest_path", to},
+                                                                 {"mode", "0"}});
+    };
+    refused(carried(path, "secret", "/Public"), "move out of it");
+    refused(carried("/Public", "mine", path), "move into it");
+    refused(get(cgi("func=trash_recovery&sid=" + sid +
+                    "&source_file=secret&mode=1&source_total=1&source_path=" + encoded(path))),
+            "recovery");
+    EXPECT_TRUE(there("Public/mine"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, NasEscape, testing::ValuesIn(kWays),
@@ -97,6 +118,59 @@ TEST_F(NasEscapeByName, NamesDoNotStepSideways) {
             EXPECT_THAT(put("/Public", name, "mine").status(), testing::AnyOf(4, 12)) << name;
         }
     }
+}
+
+TEST_F(NasEscapeByName, NamesDoNotStepSidewaysInChanges) {
+    write("Public/a", "1");
+    for (const std::string& name :
+         {std::string("../secret"), std::string(".."), std::string("."), outside.string() + "/secret",
+          std::string("door/secret"), std::string("window"), std::string("door")}) {
+        EXPECT_THAT(post(cgi("func=delete&sid=" + sid),
+                         {{"file_name", name}, {"file_total", "1"}, {"path", "/Public"}})
+                        .status(),
+                    testing::AnyOf(4, 12))
+            << name;
+        for (const auto& [from, to] :
+             {std::pair(name, std::string("b")), std::pair(std::string("a"), name)}) {
+            EXPECT_THAT(post(cgi("func=rename&sid=" + sid),
+                             {{"path", "/Public"}, {"source_name", from}, {"dest_name", to}})
+                            .status(),
+                        testing::AnyOf(4, 12))
+                << from << " to " << to;
+        }
+        EXPECT_THAT(post(cgi("func=move&sid=" + sid + "&no_fork=0"), {{"source_file", name},
+                                                                      {"source_total", "1"},
+                                                                      {"source_path", "/Public"},
+                                                                      {"dest_path", "/home"},
+                                                                      {"mode", "0"}})
+                        .status(),
+                    testing::AnyOf(4, 12))
+            << name;
+        EXPECT_THAT(
+            get(cgi("func=createdir&sid=" + sid + "&dest_folder=" + encoded(name) + "&dest_path=%2FPublic"))
+                .status(),
+            testing::AnyOf(4, 12))
+            << name;
+    }
+    EXPECT_THAT(onDisk("Public"), testing::ElementsAre("a", "door", "stairs", "window"));
+}
+
+TEST_F(NasEscapeByName, DeletedFolderTakesItsLinksAlongAndNotWhatTheyPointTo) {
+    std::filesystem::create_directory(nas.folder().path() / "Public/d");
+    std::filesystem::create_directory_symlink(outside.path(), nas.folder().path() / "Public/d/door");
+    EXPECT_EQ(
+        1, post(cgi("func=delete&sid=" + sid), {{"file_name", "d"}, {"file_total", "1"}, {"path", "/Public"}})
+               .status());
+    EXPECT_FALSE(there("Public/d"));
+}
+
+TEST_F(NasEscapeByName, RecycleFolderThatIsALinkTakesNothing) {
+    write("homes/anna/a", "1");
+    std::filesystem::create_directory_symlink(outside.path(), nas.folder().path() / "homes/anna/@Recycle");
+    EXPECT_EQ(
+        4, post(cgi("func=delete&sid=" + sid), {{"file_name", "a"}, {"file_total", "1"}, {"path", "/home"}})
+               .status());
+    EXPECT_TRUE(there("homes/anna/a"));
 }
 
 TEST_F(NasEscapeByName, AbsolutePathOfTheMachineIsAPathOfTheTree) {
@@ -132,6 +206,9 @@ TEST_F(NasEscapeByName, NulIsRefusedWhereverItStands) {
     }
     EXPECT_EQ(400,
               run(NasRequest::upload(cgi(uploadQuery(sid, "/Public")), std::string("a\0b", 3), "1")).http);
+    EXPECT_EQ(400, post(cgi("func=delete&sid=" + sid),
+                        {{"file_name", std::string("a\0b", 3)}, {"file_total", "1"}, {"path", "/Public"}})
+                       .http);
     NasRequest form = NasRequest::download(cgi("func=download"), downloadForm(sid, "/Public", "a"));
     form.body += "%00";
     form.set("Content-Length", std::to_string(form.body.size()));

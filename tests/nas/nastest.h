@@ -69,6 +69,10 @@ protected:
     NasReply run(const NasRequest& request, bool tls = false) {
         return exchange(tls ? nas.tlsPort() : nas.port(), request, tls);
     }
+    /// A short call with a form; the session id stays in the query.
+    NasReply post(const std::string& target, const std::vector<std::pair<std::string, std::string>>& fields) {
+        return run(NasRequest::form(target, fields));
+    }
     NasReply put(const std::string& path, const std::string& name, const std::string& content,
                  int overwrite = 1) {
         return run(NasRequest::upload(cgi(uploadQuery(sid, path, overwrite)), name, content));
@@ -101,6 +105,15 @@ protected:
         }
         std::sort(result.begin(), result.end());
         return result;
+    }
+
+    bool there(const std::string& name) const {
+        return std::filesystem::exists(std::filesystem::symlink_status(nas.folder().path() / name));
+    }
+    static std::int64_t timeOf(const std::string& path) {
+        struct stat info {};
+        EXPECT_EQ(0, ::stat(path.c_str(), &info)) << path;
+        return info.st_mtim.tv_sec;
     }
 
     Nas nas;

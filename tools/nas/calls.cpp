@@ -8,11 +8,17 @@ const std::vector<Call>& allCalls() {
         addSessionCalls(all);
         addListCalls(all);
         addStatCalls(all);
+        addFileCalls(all);
+        addJobCalls(all);
         addUploadCalls(all);
         addDownloadCalls(all);
         return all;
     }();
     return calls;
+}
+
+void understood(nlohmann::json& reply) {
+    reply["success"] = "true";
 }
 
 }  // namespace nas

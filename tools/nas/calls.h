@@ -31,6 +31,8 @@ const std::vector<Call>& allCalls();
 void addSessionCalls(std::vector<Call>& calls);
 void addListCalls(std::vector<Call>& calls);
 void addStatCalls(std::vector<Call>& calls);
+void addFileCalls(std::vector<Call>& calls);
+void addJobCalls(std::vector<Call>& calls);
 void addUploadCalls(std::vector<Call>& calls);
 void addDownloadCalls(std::vector<Call>& calls);
 
@@ -42,5 +44,8 @@ constexpr unsigned kBothCgis = on(Endpoint::SyncCgi) | on(Endpoint::ManagerCgi);
 constexpr int number(Status status) {
     return static_cast<int>(status);
 }
+
+// Clients of most calls read the status only if "success" is true: it says that the request was understood.
+void understood(nlohmann::json& reply);
 
 }  // namespace nas

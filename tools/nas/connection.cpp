@@ -325,7 +325,7 @@ void Connection::beginRequest(const std::string& head) {
     replyLeft_ = -1;
     std::string path = target.substr(0, target.find('?'));
     if (path.rfind("/control/", 0) != 0) {
-        fault_ = faults_.match(func_, path);
+        fault_ = faults_.matchRelayed(func_, path);
     }
     if (!answersInstead()) {
         up_ += head;

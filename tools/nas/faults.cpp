@@ -23,7 +23,12 @@ const struct {
     {FaultKind::CutUpload, "cut-upload"},
     {FaultKind::ResetUpload, "reset-upload"},
     {FaultKind::StallUpload, "stall-upload"},
+    {FaultKind::LateJob, "late-job"},
 };
+
+bool isServed(FaultKind kind) {
+    return kind == FaultKind::LateJob;
+}
 
 FaultKind kindOf(const std::string& name) {
     for (const auto& entry : kNames) {
@@ -156,9 +161,21 @@ int Faults::arm(Fault fault) {
     return lastId_;
 }
 
-std::optional<Fault> Faults::match(const std::string& func, const std::string& path) {
+std::optional<Fault> Faults::matchRelayed(const std::string& func, const std::string& path) {
+    return match(func, path, [](FaultKind kind) { return !isServed(kind); });
+}
+
+std::optional<Fault> Faults::matchServed(FaultKind kind, const std::string& func, const std::string& path) {
+    return match(func, path, [kind](FaultKind other) { return other == kind; });
+}
+
+std::optional<Fault> Faults::match(const std::string& func, const std::string& path,
+                                   const std::function<bool(FaultKind)>& wanted) {
     std::lock_guard<std::mutex> lock(mutex_);
     for (Fault& fault : faults_) {
+        if (!wanted(fault.kind)) {
+            continue;
+        }
         bool here = fault.match.empty() || fault.match == func ||
                     (fault.match[0] == '/' && path.find(fault.match) != std::string::npos);
         bool spent = fault.count >= 0 && fault.matched >= fault.count + fault.skip;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -22,6 +23,7 @@ enum class FaultKind {
     CutUpload,         // the connection ends after `bytes` of the request's body
     ResetUpload,       // the same, with RST
     StallUpload,       // after `bytes` of the request's body nothing more is read, for `ms` or for good
+    LateJob,           // the job isn't registered yet: its progress is -1
 };
 
 struct Fault {
@@ -47,16 +49,21 @@ const char* faultName(FaultKind kind);
 Fault parseFaultRule(const std::string& rule);
 Fault parseFault(const nlohmann::json& json);
 
-// The armed faults. The relay asks at each request and tells when one takes effect.
+// The armed faults. The relay asks at each request and tells when one takes effect. A few kinds are no matter
+// of bytes: those are the service's.
 class Faults {
 public:
     int arm(Fault fault);
-    std::optional<Fault> match(const std::string& func, const std::string& path);
+    std::optional<Fault> matchRelayed(const std::string& func, const std::string& path);
+    std::optional<Fault> matchServed(FaultKind kind, const std::string& func, const std::string& path);
     void hit(int id);
     void clear();
     nlohmann::json toJson();
 
 private:
+    std::optional<Fault> match(const std::string& func, const std::string& path,
+                               const std::function<bool(FaultKind)>& wanted);
+
     std::mutex mutex_;
     std::vector<Fault> faults_;
     int lastId_ = 0;

@@ -16,7 +16,8 @@ struct LedgerEntry {
     bool known = false;  // there is such a call
     std::string user;
     int http = 200;
-    int status = -1;  // the reply's "status", -1 without one
+    static constexpr int kNoStatus = -1;
+    int status = kNoStatus;  // the reply's "status"
     std::string reason;
 };
 

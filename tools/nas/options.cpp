@@ -14,6 +14,7 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> teams;
     std::vector<std::string> faults;
     long long ttl = options.sessionTtl.count();
+    long long jobDelay = 0;
     bool noSync = false;
     bool noFcgi = false;
 
@@ -45,6 +46,9 @@ int readOptions(int argc, char** argv, Options& options) {
         ->check(CLI::Range(1LL, 31536000LL));
     app.add_option("--session-dir", options.sessionFolder,
                    "Keep sessions here, shared by the nodes of a cluster");
+    app.add_option("--job-delay", jobDelay, "Milliseconds that a job takes at least")
+        ->capture_default_str()
+        ->check(CLI::Range(0LL, 86400000LL));
     app.add_option("--server-name", options.serverName, "Name told at login")->capture_default_str();
     app.add_option("--server-version", options.version, "Version that the bare CGI tells")
         ->capture_default_str();
@@ -72,6 +76,7 @@ int readOptions(int argc, char** argv, Options& options) {
         return 2;
     }
     options.sessionTtl = std::chrono::seconds(ttl);
+    options.jobDelay = std::chrono::milliseconds(jobDelay);
     options.sync = !noSync;
     options.fcgi = !noFcgi;
     if (clusterStatus->empty() && !slaveId->empty()) {

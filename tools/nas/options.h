@@ -23,6 +23,7 @@ struct Options {
     std::string build = "20260105";
     std::chrono::seconds sessionTtl{1800};
     std::string sessionFolder;
+    std::chrono::milliseconds jobDelay{0};
     int clusterStatus = 0;
     bool control = false;
     bool sync = true;

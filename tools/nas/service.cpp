@@ -151,7 +151,8 @@ Service::Service(const Options& options, Faults& faults)
     : options_(options),
       faults_(faults),
       tree_(options.root, options.users, options.teams),
-      sessions_(options.sessionTtl, options.sessionFolder) {}
+      sessions_(options.sessionTtl, options.sessionFolder),
+      jobs_(options.jobDelay) {}
 
 void Service::setPorts(int http, int tls) {
     httpPort_ = http;
@@ -165,6 +166,16 @@ const User& Service::authenticate(Request& request, const std::string& sid) {
     }
     request.userName = user->name;
     return *user;
+}
+
+std::optional<Fault> Service::fault(FaultKind kind, const Request& request) {
+    const std::string func = callName(request.endpoint, request.query);
+    std::optional<Fault> fault = faults_.matchServed(kind, func, request.http.path);
+    if (fault) {
+        faults_.hit(fault->id);
+        logLine(std::string("fault ") + faultName(kind) + " hit func=" + func);
+    }
+    return fault;
 }
 
 Endpoint Service::findEndpoint(const std::string& path) const {
@@ -285,7 +296,7 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
     std::string line = entry.method + " " + path + " func=" + (entry.func.empty() ? "-" : entry.func) +
                        " user=" + (entry.user.empty() ? "-" : entry.user) +
                        " http=" + std::to_string(entry.http);
-    if (entry.status >= 0) {
+    if (entry.status != LedgerEntry::kNoStatus) {
         line += " status=" + std::to_string(entry.status);
     }
     if (entry.http != 200) {

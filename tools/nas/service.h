@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include "faults.h"
+#include "jobs.h"
 #include "ledger.h"
 #include "options.h"
 #include "request.h"
@@ -23,6 +24,7 @@ public:
     const Options& options() const { return options_; }
     const Tree& tree() const { return tree_; }
     Sessions& sessions() { return sessions_; }
+    Jobs& jobs() { return jobs_; }
     Faults& faults() { return faults_; }
     Ledger& ledger() { return ledger_; }
     int httpPort() const { return httpPort_; }
@@ -30,6 +32,8 @@ public:
 
     // The user whose session this is; StatusError(NotAuthenticated) if there is none.
     const User& authenticate(Request& request, const std::string& sid);
+    // A fault of this kind that is armed for the request; it takes effect now.
+    std::optional<Fault> fault(FaultKind kind, const Request& request);
 
 private:
     void serveCall(Request& request, httplib::Response& response, LedgerEntry& entry);
@@ -42,6 +46,7 @@ private:
     Ledger ledger_;
     int httpPort_ = 0;
     int tlsPort_ = 0;
+    Jobs jobs_;  // the last: its threads use the rest
 };
 
 // Reads the rest of a body and drops it, so that the reply isn't lost in a reset.

@@ -1,7 +1,6 @@
 #include "sessions.h"
 
 #include <fcntl.h>
-#include <openssl/rand.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -9,7 +8,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "fd.h"
+#include "disk.h"
 
 namespace nas {
 
@@ -18,20 +17,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr size_t kSidLength = 32;
-
-std::string randomId() {
-    unsigned char bytes[kSidLength / 2];
-    if (RAND_bytes(bytes, sizeof bytes) != 1) {
-        throw std::runtime_error("no random bytes for a session id");
-    }
-    static const char digits[] = "0123456789abcdef";
-    std::string id;
-    for (unsigned char byte : bytes) {
-        id += digits[byte >> 4];
-        id += digits[byte & 15];
-    }
-    return id;
-}
 
 // Ids become file names: nothing but our own kind may pass.
 bool wellFormed(const std::string& sid) {
@@ -63,7 +48,7 @@ std::string Sessions::file(const std::string& sid) const {
 std::string Sessions::open(const std::string& user) {
     std::lock_guard<std::mutex> lock(mutex_);
     dropExpired();
-    std::string sid = randomId();
+    std::string sid = randomHex(kSidLength / 2);
     if (folder_.empty()) {
         sessions_[sid] = {user, Clock::now()};
         return sid;

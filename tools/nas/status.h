@@ -7,6 +7,11 @@ namespace nas {
 
 // The numbers that a reply's "status" carries.
 enum class Status {
+    // The verdicts of a profile check. A client takes a folder that is gone as deleted.
+    OtherContent = -43,  // size or time
+    OtherType = -42,
+    OtherPath = -41,
+    Gone = -40,
     Failed = 0,
     Ok = 1,
     Exists = 2,

@@ -1,13 +1,12 @@
 #include "temporary_file.h"
 
 #include <fcntl.h>
-#include <openssl/rand.h>
 #include <stdio.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cinttypes>
 
+#include "disk.h"
 #include "status.h"
 #include "tree.h"
 
@@ -19,11 +18,7 @@ constexpr size_t kBufferSize = 256 * 1024;
 
 TemporaryFile::TemporaryFile(int folder)
     : folder_(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    uint64_t random = 0;
-    RAND_bytes(reinterpret_cast<unsigned char*>(&random), sizeof random);
-    char text[24];
-    std::snprintf(text, sizeof text, "%016" PRIx64, random);
-    name_ = kTemporaryPrefix + std::string(text);
+    name_ = kTemporaryPrefix + randomHex(8);
     fd_.reset(
         ::openat(folder_.get(), name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0644));
     if (!fd_) {
@@ -50,16 +45,7 @@ void TemporaryFile::write(const char* data, size_t length) {
 }
 
 void TemporaryFile::flush() {
-    for (size_t done = 0; done < buffer_.size();) {
-        ssize_t n = ::write(fd_.get(), buffer_.data() + done, buffer_.size() - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            throw errnoError(errno, "write");
-        }
-        done += static_cast<size_t>(n);
-    }
+    writeAll(fd_.get(), buffer_.data(), buffer_.size());
     buffer_.clear();
 }
 

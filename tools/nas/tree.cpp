@@ -1,13 +1,13 @@
 #include "tree.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
-#include <memory>
 #include <stdexcept>
+
+#include "disk.h"
 
 namespace nas {
 
@@ -36,50 +36,6 @@ std::vector<std::string> pieces(const std::string& path) {
     return out;
 }
 
-Fd openFolderAt(int at, const std::string& name) {
-    Fd fd(::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!fd) {
-        int error = errno;
-        struct stat info {};
-        // A link to a folder reports "not a directory"; say what it is.
-        if (error == ENOTDIR && ::fstatat(at, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
-            S_ISLNK(info.st_mode)) {
-            error = ELOOP;
-        }
-        throw errnoError(error, "folder " + name);
-    }
-    return fd;
-}
-
-void makeFolder(int at, const std::string& name) {
-    if (::mkdirat(at, name.c_str(), 0755) != 0 && errno != EEXIST) {
-        throw std::runtime_error("cannot make folder " + name + ": " + std::strerror(errno));
-    }
-}
-
-bool hidden(const std::string& name) {
-    return name == "." || name == ".." || startsWith(name, kTemporaryPrefix);
-}
-
-struct DirCloser {
-    void operator()(DIR* dir) const { ::closedir(dir); }
-};
-
-// Calls back with each name until the callback says false.
-void eachName(int folder, const std::function<bool(const std::string&)>& visit) {
-    Fd copy(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::unique_ptr<DIR, DirCloser> dir(copy ? ::fdopendir(copy.get()) : nullptr);
-    if (!dir) {
-        throw errnoError(errno, "list");
-    }
-    copy.release();
-    while (dirent* entry = ::readdir(dir.get())) {
-        if (!hidden(entry->d_name) && !visit(entry->d_name)) {
-            return;
-        }
-    }
-}
-
 Entry fromStat(const struct stat& info, const std::string& name, bool readOnly) {
     Entry entry;
     entry.name = name;
@@ -94,24 +50,18 @@ bool served(const struct stat& info) {
     return S_ISDIR(info.st_mode) || S_ISREG(info.st_mode);
 }
 
-int64_t sumBelow(int folder) {
-    int64_t sum = 0;
-    eachName(folder, [&](const std::string& name) {
-        struct stat info {};
-        if (::fstatat(folder, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-            return true;
-        }
-        if (S_ISREG(info.st_mode)) {
-            sum += info.st_size;
-        } else if (S_ISDIR(info.st_mode)) {
-            sum += sumBelow(openFolderAt(folder, name).get());
-        }
-        return true;
-    });
-    return sum;
+}  // namespace
+
+const char* const kRecycle = "@Recycle";
+const char* const kVersions = "@Versions";
+
+bool Folder::owns(const std::string& name) const {
+    return !home.empty() && below.empty() && (name == kRecycle || name == kVersions);
 }
 
-}  // namespace
+bool Folder::holdsHomes() const {
+    return !shares && share == kHomes && home.empty();
+}
 
 void checkName(const std::string& name) {
     if (name.empty() || name.find('/') != std::string::npos || name.find('\0') != std::string::npos) {
@@ -133,10 +83,9 @@ Tree::Tree(const std::string& root, const Users& users, const Teams& teams) : us
     if (!root_) {
         throw std::runtime_error("cannot open the root " + root + ": " + std::strerror(errno));
     }
-    makeFolder(root_.get(), kHomes);
-    homes_ = openFolderAt(root_.get(), kHomes);
+    homes_ = makeFolderAt(root_.get(), kHomes);
     for (const auto& [name, user] : users.all()) {
-        makeFolder(homes_.get(), name);
+        makeFolderAt(homes_.get(), name);
     }
     for (const Team& team : teams.all()) {
         const User* owner = users.find(team.owner);
@@ -147,10 +96,7 @@ Tree::Tree(const std::string& root, const Users& users, const Teams& teams) : us
         at.shares = true;
         std::vector<std::string> path = pieces(team.path);
         for (size_t i = 0; i < path.size(); ++i) {
-            if (i > 0) {
-                makeFolder(at.fd.get(), path[i]);
-            }
-            at.fd = openChild(*owner, at, path[i]);
+            at.fd = i > 0 ? makeFolderAt(at.fd.get(), path[i]) : openChild(*owner, at, path[i]);
             at.shares = false;
         }
     }
@@ -168,6 +114,11 @@ Fd Tree::openShare(const User& user, const std::string& name) const {
 
 Fd Tree::openChild(const User& user, const Folder& folder, const std::string& name) const {
     return folder.shares ? openShare(user, name) : openFolderAt(folder.fd.get(), name);
+}
+
+Fd Tree::openHome(const std::string& name) const {
+    checkName(name);
+    return openFolderAt(homes_.get(), name);
 }
 
 bool Tree::homeExists(const User& user) const {
@@ -190,7 +141,7 @@ Folder Tree::openTeam(const User& user, const std::string& rest) const {
     Folder folder = open(*users_.find(team->owner), team->path);
     folder.readOnly = user.name != team->owner && receiver->second;
     for (const std::string& piece : pieces(rest.substr(slash))) {
-        folder.fd = openChild(user, folder, piece);
+        folder = down(user, folder, piece);
     }
     return folder;
 }
@@ -205,9 +156,25 @@ Folder Tree::open(const User& user, const std::string& path) const {
     Folder folder;
     folder.shares = true;
     for (const std::string& piece : pieces(path)) {
-        folder.inHome = folder.inHome || (folder.shares && piece == "home");
-        folder.fd = openChild(user, folder, piece);
-        folder.shares = false;
+        folder = down(user, folder, piece);
+    }
+    return folder;
+}
+
+Folder Tree::down(const User& user, const Folder& from, const std::string& name) const {
+    Folder folder;
+    folder.fd = openChild(user, from, name);
+    folder.readOnly = from.readOnly;
+    folder.share = from.share;
+    folder.home = from.home;
+    folder.below = from.below;
+    if (from.shares) {
+        folder.share = name == "home" ? kHomes : name;
+        folder.home = name == "home" ? user.name : "";
+    } else if (from.holdsHomes()) {
+        folder.home = name;
+    } else {
+        folder.below.push_back(name);
     }
     return folder;
 }
@@ -242,7 +209,8 @@ std::vector<Entry> Tree::list(const User& user, const Folder& folder) const {
     }
     eachName(folder.fd.get(), [&](const std::string& name) {
         struct stat info {};
-        if (::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && served(info)) {
+        if (!folder.owns(name) && ::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+            served(info)) {
             out.push_back(fromStat(info, name, folder.readOnly));
         }
         return true;
@@ -251,11 +219,12 @@ std::vector<Entry> Tree::list(const User& user, const Folder& folder) const {
 }
 
 bool Tree::hasChild(const User& user, const Folder& folder, const std::string& name) const {
-    Fd child = openChild(user, folder, name);
+    Folder child = down(user, folder, name);
     bool found = false;
-    eachName(child.get(), [&](const std::string& inner) {
+    eachName(child.fd.get(), [&](const std::string& inner) {
         struct stat info {};
-        found = ::fstatat(child.get(), inner.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && served(info);
+        found = !child.owns(inner) &&
+                ::fstatat(child.fd.get(), inner.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 && served(info);
         return !found;
     });
     return found;

@@ -33,9 +33,17 @@ struct Entry {
 // An opened folder of some user's tree.
 struct Folder {
     Fd fd;
-    bool shares = false;  // the tree's top, whose children are the shares
-    bool inHome = false;
-    bool readOnly = false;  // by the rule of a team folder
+    bool shares = false;                  // the tree's top, whose children are the shares
+    bool readOnly = false;                // by the rule of a team folder
+    std::string share;                    // the folder of the root in which it lies
+    std::string home;                     // whose home it lies in, if it is one
+    std::vector<std::string> below = {};  // the steps down from that home or share
+
+    // The folder of all homes, whose children come and go with the users.
+    bool holdsHomes() const;
+    // Of a home: the folders that the server keeps there, reached by their path but never listed.
+    bool owns(const std::string& name) const;
+    bool sameVolume(const Folder& other) const { return share == other.share && home == other.home; }
 };
 
 // The folder that is served, seen through one user's eyes: "/home" is the user's own folder, the other top
@@ -46,6 +54,7 @@ public:
     Tree(const std::string& root, const Users& users, const Teams& teams);
 
     Folder open(const User& user, const std::string& path) const;
+    Fd openHome(const std::string& name) const;
     bool homeExists(const User& user) const;
 
     std::vector<Entry> list(const User& user, const Folder& folder) const;
@@ -59,6 +68,7 @@ public:
 private:
     Fd openShare(const User& user, const std::string& name) const;
     Fd openChild(const User& user, const Folder& folder, const std::string& name) const;
+    Folder down(const User& user, const Folder& from, const std::string& name) const;
     Folder openTeam(const User& user, const std::string& rest) const;
     Entry describe(const Folder& folder, int fd, const std::string& name) const;
 
@@ -70,6 +80,10 @@ private:
 
 // Uploads in progress bear this prefix; such names are nobody's business.
 extern const char* const kTemporaryPrefix;
+
+// Of each home: where deleted files wait, and where versions are worked on.
+extern const char* const kRecycle;
+extern const char* const kVersions;
 
 // Throws unless the name can be that of a file or folder.
 void checkName(const std::string& name);

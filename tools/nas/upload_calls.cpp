@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "calls.h"
+#include "changes.h"
 #include "multipart.h"
 #include "temporary_file.h"
 
@@ -19,12 +20,6 @@ struct Plan {
     int64_t expected = -1;  // bytes that the file must have
     int64_t room = -1;      // bytes that the quota leaves
 };
-
-void requireWritable(Service& service, const User& user, const Folder& folder) {
-    if (folder.shares || !service.tree().lookup(user, folder, "")->writable()) {
-        throw StatusError(Status::Denied, "the folder may not be written");
-    }
-}
 
 // Takes the body as it comes. A refused place doesn't end the reading: the body is checked to its end, and
 // only then is the answer given.
@@ -52,10 +47,9 @@ public:
             if (old && !old->writable()) {
                 throw StatusError(Status::Denied, name_ + " may not be written");
             }
-            if (plan_.target.inHome && plan_.user->quota >= 0) {
-                Folder home = service_.tree().open(*plan_.user, "/home");
-                plan_.room = plan_.user->quota - service_.tree().totalSize(*plan_.user, home, "") +
-                             (old ? old->size : 0);
+            plan_.room = roomIn(service_, plan_.target);
+            if (plan_.room >= 0 && old) {
+                plan_.room += old->size;
             }
             file_ = std::make_unique<TemporaryFile>(plan_.temporary.fd ? plan_.temporary.fd.get()
                                                                        : plan_.target.fd.get());
@@ -65,7 +59,7 @@ public:
     void data(const char* bytes, size_t length) {
         guard([&] {
             if (plan_.room >= 0 && file_->size() + static_cast<int64_t>(length) > plan_.room) {
-                throw StatusError(Status::Quota, "the quota of " + plan_.user->name + " is used up");
+                throw StatusError(Status::Quota, "the quota of " + plan_.target.home + " is used up");
             }
             file_->write(bytes, length);
         });
@@ -219,11 +213,6 @@ Answer uploadAndMove(Service& service, Request& request, httplib::Response&) {
             std::to_string(size) + " bytes"};
 }
 
-// Clients read the status only if "success" is true: it says that the request was understood.
-void uploadRefused(nlohmann::json& reply) {
-    reply["success"] = "true";
-}
-
 }  // namespace
 
 void addUploadCalls(std::vector<Call>& calls) {
@@ -234,7 +223,7 @@ void addUploadCalls(std::vector<Call>& calls) {
                      false,
                      {{"func=upload", "sid", "dest_path", "overwrite"}},
                      upload,
-                     uploadRefused});
+                     understood});
     calls.push_back({"upload_and_move",
                      kBothCgis,
                      "POST",

@@ -1,0 +1,80 @@
+#include <sys/stat.h>
+
+#include <cerrno>
+
+#include "calls.h"
+#include "changes.h"
+
+namespace nas {
+
+namespace {
+
+Answer done(const std::string& note) {
+    return {{{"status", number(Status::Ok)}, {"success", "true"}}, false, note};
+}
+
+Answer createDir(Service& service, Request& request, httplib::Response&) {
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    Folder folder = service.tree().open(user, field(request.query, "dest_path"));
+    const std::string& name = field(request.query, "dest_folder");
+    checkName(name);
+    requireWritable(service, user, folder);
+    requireFreeName(service, user, folder, name);
+    if (::mkdirat(folder.fd.get(), name.c_str(), 0755) != 0) {
+        throw errnoError(errno, name);
+    }
+    return done("made " + name);
+}
+
+std::vector<Shape> deleteForms() {
+    std::vector<Shape> shapes = withProfile({"file_name", "file_total=1", "path"});
+    // The thumbnails are spoken of only where the profile is.
+    for (size_t i = 1; i <= 2; ++i) {
+        Shape thumbs = shapes[i];
+        thumbs.push_back("clean_thumb=1");
+        shapes.push_back(thumbs);
+    }
+    return shapes;
+}
+
+Answer remove(Service& service, Request& request, httplib::Response&) {
+    static const std::vector<Shape> shapes = deleteForms();
+    Fields form = readForm(request);
+    requireShape(form, shapes, "form");
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    Place place = findChangeable(service, user, field(form, "path"), field(form, "file_name"), form);
+    bool kept = discard(service, place);
+    return done(place.name + (kept ? " to the recycle folder" : " for good"));
+}
+
+Answer rename(Service& service, Request& request, httplib::Response&) {
+    static const std::vector<Shape> shapes = withProfile({"path", "source_name", "dest_name"});
+    Fields form = readForm(request);
+    requireShape(form, shapes, "form");
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    Place place = findChangeable(service, user, field(form, "path"), field(form, "source_name"), form);
+    const std::string& name = field(form, "dest_name");
+    requireMovable(place);
+    requireFreeName(service, user, place.folder, name);
+    renameNoReplace(place.folder.fd.get(), place.name, place.folder.fd.get(), name);
+    return done(place.name + " to " + name);
+}
+
+}  // namespace
+
+void addFileCalls(std::vector<Call>& calls) {
+    calls.push_back({"createdir",
+                     kBothCgis,
+                     "GET",
+                     BodyKind::None,
+                     true,
+                     {{"func=createdir", "sid", "dest_folder", "dest_path"}},
+                     createDir,
+                     understood});
+    calls.push_back(
+        {"delete", kBothCgis, "POST", BodyKind::Form, true, {{"func=delete", "sid"}}, remove, understood});
+    calls.push_back(
+        {"rename", kBothCgis, "POST", BodyKind::Form, true, {{"func=rename", "sid"}}, rename, understood});
+}
+
+}  // namespace nas

@@ -1,0 +1,196 @@
+#include <memory>
+
+#include "calls.h"
+#include "changes.h"
+
+namespace nas {
+
+namespace {
+
+// What the job works on lives as long as its work does.
+struct Haul {
+    Place place;
+    Folder target;
+};
+
+Haul planMove(Service& service, Request& request, const Fields& form) {
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    Haul haul;
+    haul.place = findChangeable(service, user, field(form, "source_path"), field(form, "source_file"), form);
+    requireMovable(haul.place);
+    const Place& place = haul.place;
+    haul.target = service.tree().open(user, field(form, "dest_path"));
+    requireWritable(service, user, haul.target);
+    requireFreeName(service, user, haul.target, place.name);
+    if (place.entry.isFolder &&
+        liesWithin(haul.target.fd.get(), openFolderAt(place.folder.fd.get(), place.name).get())) {
+        throw StatusError(Status::Failed, place.name + " can't go into itself");
+    }
+    if (!place.folder.sameVolume(haul.target)) {
+        const int64_t room = roomIn(service, haul.target);
+        if (room >= 0 && service.tree().totalSize(user, place.folder, place.name) > room) {
+            throw StatusError(Status::Quota, "the quota of " + haul.target.home + " is used up");
+        }
+    }
+    return haul;
+}
+
+// Only the file manager keeps jobs that ended until they are cleared.
+int startJob(Service& service, const Request& request, const std::string& name, Jobs::Work work) {
+    const bool keep = request.endpoint == Endpoint::ManagerCgi;
+    return service.jobs().start(request.userName, name, keep, std::move(work));
+}
+
+Answer move(Service& service, Request& request, httplib::Response&) {
+    static const std::vector<Shape> shapes =
+        withProfile({"source_file", "source_total=1", "source_path", "dest_path", "mode=0"});
+    bool atOnce = false;
+    if (hasField(request.query, "no_fork")) {
+        const std::string& noFork = field(request.query, "no_fork");
+        if (noFork != "0" && noFork != "1") {
+            throw Refusal("query key \"no_fork\" is neither 0 nor 1");
+        }
+        atOnce = noFork == "1";
+    }
+    Fields form = readForm(request);
+    requireShape(form, shapes, "form");
+    auto haul = std::make_shared<Haul>(planMove(service, request, form));
+    nlohmann::json reply = {{"status", number(Status::Ok)}, {"success", "true"}};
+    if (atOnce) {
+        carry(haul->place, haul->target, [](int64_t, int64_t) {});
+        return {reply, false, haul->place.name + " at once"};
+    }
+    const int pid = startJob(service, request, haul->place.name, [haul](const Progress& progress) {
+        carry(haul->place, haul->target, progress);
+    });
+    reply["pid"] = pid;
+    return {reply, false, haul->place.name + " as job " + std::to_string(pid)};
+}
+
+Answer trashRecovery(Service& service, Request& request, httplib::Response&) {
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    const int64_t mode = numberField(request.query, "mode");
+    if (mode != 0 && mode != 1) {
+        throw StatusError(Status::Failed, "no such mode: " + std::to_string(mode));
+    }
+    auto place = std::make_shared<Place>();
+    place->folder = service.tree().open(user, field(request.query, "source_path"));
+    place->name = field(request.query, "source_file");
+    std::optional<Entry> entry = service.tree().lookup(user, place->folder, place->name);
+    formerPlace(place->folder);
+    if (!entry || place->name.empty()) {
+        throw StatusError(Status::Missing, "nothing named " + place->name + " in the recycle folder");
+    }
+    place->entry = *entry;
+    requireRecoverable(service, *place, mode == 1);
+    const int pid = startJob(
+        service, request, place->name,
+        [&service, place, mode](const Progress& progress) { recover(service, *place, mode == 1, progress); });
+    return {{{"status", number(Status::Ok)}, {"pid", std::to_string(pid)}},
+            false,
+            place->name + " as job " + std::to_string(pid)};
+}
+
+std::optional<Jobs::State> findJob(Service& service, Request& request) {
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    return service.jobs().look(user.name, numberField(request.query, "pid"));
+}
+
+Answer noJob(const Request& request) {
+    throw StatusError(Status::Missing, "no job " + field(request.query, "pid"));
+}
+
+Answer moveStatus(Service& service, Request& request, httplib::Response&) {
+    if (service.fault(FaultKind::LateJob, request)) {
+        service.authenticate(request, field(request.query, "sid"));
+        return {{{"status", number(Status::Ok)}, {"filename", ""}, {"percent", -1}}};
+    }
+    std::optional<Jobs::State> job = findJob(service, request);
+    if (!job) {
+        return noJob(request);
+    }
+    if (job->done && job->status != Status::Ok) {
+        throw StatusError(job->status, job->name + " failed");
+    }
+    return {{{"status", number(Status::Ok)}, {"filename", job->name}, {"percent", job->percent}},
+            false,
+            std::to_string(job->percent) + "%"};
+}
+
+Answer syncProgress(Service& service, Request& request, httplib::Response&) {
+    std::optional<Jobs::State> job = findJob(service, request);
+    if (!job) {
+        return noJob(request);
+    }
+    nlohmann::json reply = {{"status", number(Status::Ok)}, {"copying", 0}, {"percent", job->percent}};
+    if (job->done && job->status != Status::Ok) {
+        // 0 would say that all is well.
+        reply["copying"] = job->status == Status::Failed ? -1 : number(job->status);
+        reply.erase("percent");
+    }
+    return {reply, false, reply.dump()};
+}
+
+Answer daemonList(Service& service, Request& request, httplib::Response&) {
+    const User& user = service.authenticate(request, field(request.query, "sid"));
+    if (!service.jobs().drop(user.name, numberField(request.query, "pid"))) {
+        return noJob(request);
+    }
+    return {{{"status", number(Status::Ok)}, {"success", "true"}}};
+}
+
+}  // namespace
+
+void addJobCalls(std::vector<Call>& calls) {
+    // The file manager always moves as a job.
+    calls.push_back({"move",
+                     on(Endpoint::SyncCgi),
+                     "POST",
+                     BodyKind::Form,
+                     true,
+                     {{"func=move", "sid", "no_fork"}},
+                     move,
+                     understood});
+    calls.push_back({"move",
+                     on(Endpoint::ManagerCgi),
+                     "POST",
+                     BodyKind::Form,
+                     true,
+                     {{"func=move", "sid"}},
+                     move,
+                     understood});
+    calls.push_back({"get_move_status",
+                     kBothCgis,
+                     "GET",
+                     BodyKind::None,
+                     true,
+                     {{"func=get_move_status", "sid", "pid"}},
+                     moveStatus,
+                     {}});
+    calls.push_back({"daemon_list",
+                     kBothCgis,
+                     "GET",
+                     BodyKind::None,
+                     true,
+                     {{"func=daemon_list", "sid", "subfunc=delete", "pid"}},
+                     daemonList,
+                     understood});
+    calls.push_back({"nubo_get_progress",
+                     kBothCgis,
+                     "GET",
+                     BodyKind::None,
+                     true,
+                     {{"func=nubo_get_progress", "sid", "pid"}},
+                     syncProgress,
+                     {}});
+    calls.push_back({"trash_recovery",
+                     kBothCgis,
+                     "GET",
+                     BodyKind::None,
+                     true,
+                     {{"func=trash_recovery", "sid", "source_file", "mode", "source_total=1", "source_path"}},
+                     trashRecovery,
+                     {}});
+}
+
+}  // namespace nas
