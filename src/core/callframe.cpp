@@ -124,7 +124,7 @@ std::wstring Call::url() const {
                                    : std::wstring(m_endpoint.fileManager)) +
                 m_place;
     std::wstring url = m_connection.secure ? L"https://" : L"http://";
-    url += m_connection.server + format(L":%d", m_connection.port) + place;
+    url += m_connection.server + (L":" + std::to_wstring(static_cast<int>(m_connection.port))) + place;
     url.resize(std::min(url.size(), kUrlLimit));
     return url;
 }
