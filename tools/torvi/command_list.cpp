@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "failure.h"
+#include "listing.h"
 #include "options.h"
 #include "output.h"
-#include "remote.h"
 #include "session.h"
 #include "signals.h"
 #include "status.h"
@@ -24,108 +24,21 @@ struct ListOptions {
     uint32_t pageSize = 500;
 };
 
-constexpr uint32_t kNoMoreFiles = 18;
-// The node of the tree under which all shares stand.
-constexpr const wchar_t* kShareRoot = L"share_root";
-
-/// The array that a listing hands over, with its records.
-class RecordList {
-public:
-    RecordList() = default;
-    ~RecordList() {
-        for (uint32_t i = 0; m_list != nullptr && i < m_count; ++i) delete m_list[i];
-        delete[] m_list;
-    }
-    RecordList(const RecordList&) = delete;
-    RecordList& operator=(const RecordList&) = delete;
-
-    uint32_t* count() { return &m_count; }
-    _WFM_PATH_INFORMATION*** list() { return &m_list; }
-    void appendTo(std::vector<Entry>& entries) const {
-        for (uint32_t i = 0; m_list != nullptr && i < m_count; ++i) entries.push_back(toEntry(*m_list[i]));
-    }
-
-private:
-    uint32_t m_count = 0;
-    _WFM_PATH_INFORMATION** m_list = nullptr;
-};
-
-struct Listing {
-    std::vector<Entry> entries;
-    uint32_t total = 0;  ///< what the server says that the folder holds, whatever the pattern
-    bool complete = true;
-};
-
 uint32_t typeFilter(const ListOptions& options) {
     return (options.files || !options.folders ? kFiles : 0u) |
            (options.folders || !options.files ? kFolders : 0u);
 }
 
-std::vector<Entry> listShares(const Session& session, const QString& what) {
-    RecordList records;
-    uint32_t word = 0;
-    const uint32_t dwStatus = WFMGetFolderList(session.context(), session.server(), session.port(),
-                                               session.node(), kName | kIsFolder | kAccess, kShareRoot,
-                                               cancelFlag(), &word, records.count(), records.list());
-    if (interrupted()) throwCancelled(what);
-    if (dwStatus != 0 || word != 0) throw callFailure(what, dwStatus, word);
-    std::vector<Entry> entries;
-    records.appendTo(entries);
-    return entries;
-}
-
-/// An empty listing is also what a missing folder, a refusal and a plain file look like: this tells them
-/// apart.
-std::vector<Entry> listWithoutPages(const Session& session, const ListOptions& options, const QString& what,
-                                    const QString& path) {
-    if (path == QLatin1String("/")) {
-        return (typeFilter(options) & kFolders) != 0 ? listShares(session, what) : std::vector<Entry>();
-    }
-    const Entry entry = require(session, what, path);
-    if (entry.folder) return {};
-    return {entry};
-}
-
-Listing listPages(const Session& session, const ListOptions& options, const QString& what,
-                  const QString& path) {
-    const bool serverSorts = options.sort == "mtime";
-    // Any other order needs all entries first.
-    const bool stopEarly = options.limit > 0 && (options.sort == "none" || (serverSorts && !options.reverse));
-    const std::wstring pattern = wide(QString::fromStdString(options.pattern));
-    const std::wstring folder = wide(path);
-
-    Listing listing;
-    uint32_t start = 0;
-    uint32_t teamIndex = 0;
-    uint32_t teamCount = 0;
-    for (;;) {
-        RecordList records;
-        uint32_t word = 0;
-        uint32_t total = 0;
-        const uint32_t before = start;
-        const uint32_t dwStatus = WFMGetNodeList(
-            session.context(), session.server(), session.port(), session.node(), pattern.c_str(),
-            folder.c_str(), typeFilter(options), kName | kIsFolder | kSize | kModified | kAccess | kShare,
-            cancelFlag(), options.pageSize, serverSorts, &word, &total, &start, records.count(), &teamIndex,
-            &teamCount, records.list());
-        if (interrupted()) throwCancelled(what);
-        if (dwStatus != 0) throw callFailure(what, dwStatus, word);
-        if (before == 0 && total == 0) {
-            if (word != kNoMoreFiles) throw callFailure(what, dwStatus, word);
-            listing.entries = listWithoutPages(session, options, what, path);
-            listing.total = static_cast<uint32_t>(listing.entries.size());
-            return listing;
-        }
-        if (total > 0) listing.total = total;
-        records.appendTo(listing.entries);
-        if (start >= listing.total) return listing;
-        if (stopEarly && listing.entries.size() >= options.limit) return listing;
-        if (start <= before || total == 0) {
-            // The server announced more than it gives.
-            listing.complete = false;
-            return listing;
-        }
-    }
+/// Any order but the server's own needs all entries first.
+ListQuery queryOf(const ListOptions& options) {
+    ListQuery query;
+    query.pattern = options.pattern;
+    query.typeFilter = typeFilter(options);
+    query.pageSize = options.pageSize;
+    query.serverSorts = options.sort == "mtime";
+    const bool inServersOrder = options.sort == "none" || (query.serverSorts && !options.reverse);
+    if (inServersOrder) query.enough = options.limit;
+    return query;
 }
 
 void sortEntries(std::vector<Entry>& entries, const ListOptions& options) {
@@ -165,7 +78,7 @@ void list(const GlobalOptions& global, const ListOptions& options) {
     Listing listing;
     {
         const Session session(resolveConnection(global, Needs::Login));
-        listing = listPages(session, options, what, path);
+        listing = listFolder(session, queryOf(options), what, path);
     }
     const bool onlyItself = listing.entries.size() == 1 && !listing.entries.front().folder &&
                             listing.entries.front().name == leafOf(path) && listing.total == 1;

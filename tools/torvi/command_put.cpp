@@ -1,127 +1,160 @@
-#include <sys/stat.h>
-
 #include <QElapsedTimer>
-#include <QFile>
-#include <cerrno>
-#include <filesystem>
 #include <memory>
+#include <optional>
 
+#include "batch.h"
 #include "failure.h"
 #include "options.h"
 #include "output.h"
-#include "partial.h"
-#include "progress.h"
 #include "remote.h"
 #include "session.h"
-#include "signals.h"
-#include "status.h"
-#include "transfer.h"
+#include "slicedupload.h"
+#include "source.h"
+#include "wholeupload.h"
 
 namespace torvi {
 namespace {
 
+/// From here on a file is too large to be sent again from its beginning.
+constexpr int64_t kLarge = 256 << 20;
+
 struct PutOptions {
-    std::string local;
-    std::string remote;
+    std::vector<std::string> paths;
     std::string uploadRoot;
     std::string rename;
+    bool batch = false;
     bool overwrite = false;
     bool plain = false;
+    bool restart = false;
+    bool dryRun = false;
+    std::optional<bool> resume;
 };
 
-struct Source {
-    std::string path;
-    int64_t size = 0;
-    int64_t modified = 0;
+enum class Road { Plain, Whole, Sliced };
+
+/// What is to be sent where, and how.
+struct Plan {
+    QString path;
+    QString what;
+    bool replaces = false;
+    Road road = Road::Whole;
 };
 
-Source openSource(const std::string& path, QFile& file) {
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) != 0) throw localFailure(QStringLiteral("cannot read"), path, errno);
-    if (!S_ISREG(status.st_mode)) {
-        throw Failure(
-            Exit::Local,
-            QStringLiteral("%1 is not a plain file; put sends one file").arg(QString::fromStdString(path)));
+const char* nameOf(Road road) {
+    switch (road) {
+        case Road::Plain:
+            return "plain";
+        case Road::Whole:
+            return "whole";
+        case Road::Sliced:
+            return "sliced";
     }
-    file.setFileName(localName(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        throw Failure(Exit::Local,
-                      QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString()));
-    }
-    return {path, static_cast<int64_t>(status.st_size), static_cast<int64_t>(status.st_mtim.tv_sec)};
+    return "";
 }
 
-/// The path of the new file: below the one that was given if that is a folder.
-QString destination(const Session& session, const PutOptions& options, const QString& what) {
-    const QString given = QString::fromStdString(options.remote);
-    const QString leaf = QString::fromStdString(std::filesystem::path(options.local).filename().string());
-    QString path = given.endsWith(QLatin1Char('/')) ? joined(remotePath(given), leaf) : remotePath(given);
-    std::optional<Entry> entry = lookUp(session, path);
+Plan planFor(const Session& session, const PutOptions& options, Source& source) {
+    Plan plan;
+    const QString given = QString::fromStdString(options.paths.back());
+    plan.path =
+        given.endsWith(QLatin1Char('/')) ? joined(remotePath(given), source.leaf()) : remotePath(given);
+    plan.what = QStringLiteral("put %1 to %2").arg(source.file()->fileName(), plan.path);
+    std::optional<Entry> entry = lookUp(session, plan.path);
     if (entry && entry->folder && !given.endsWith(QLatin1Char('/'))) {
-        path = joined(path, leaf);
-        entry = lookUp(session, path);
+        plan.path = joined(plan.path, source.leaf());
+        plan.what = QStringLiteral("put %1 to %2").arg(source.file()->fileName(), plan.path);
+        entry = lookUp(session, plan.path);
     }
     if (entry && entry->folder) {
-        throw Failure(Exit::AlreadyExists, QStringLiteral("%1: %2 is a folder").arg(what, path));
+        throw Failure(Exit::AlreadyExists, QStringLiteral("%1: it is a folder").arg(plan.what));
     }
+    const bool begun = UploadRecord::exists(session, plan.path, source);
+    if (options.plain) {
+        plan.road = Road::Plain;
+    } else if (options.resume.value_or(begun || options.restart || source.size() >= kLarge)) {
+        plan.road = Road::Sliced;
+    }
+    // An upload whose last reply was lost may be what is there.
+    const bool maybeOwn = plan.road == Road::Sliced && begun && entry && entry->size == source.size() &&
+                          entry->modified == source.modified();
     // Asked beforehand, for the server says so only after it has got all of the file.
-    if (entry && !options.overwrite && options.rename.empty()) {
+    if (entry && !maybeOwn && !options.overwrite && options.rename.empty()) {
         throw Failure(Exit::AlreadyExists,
-                      QStringLiteral("%1: %2 exists already; --overwrite replaces it").arg(what, path));
+                      QStringLiteral("%1: it exists already; --overwrite replaces it").arg(plan.what));
     }
-    return path;
+    plan.replaces = entry && options.rename.empty();
+    return plan;
 }
 
-/// The share of the destination: there the server moves the finished file without copying it.
-QString uploadRoot(const PutOptions& options, const QString& path) {
-    if (!options.uploadRoot.empty()) return QString::fromStdString(options.uploadRoot);
-    const int second = path.indexOf(QLatin1Char('/'), 1);
-    return second < 0 ? QStringLiteral("/") : path.left(second);
+/// Gives the byte at which a sliced upload went on.
+std::optional<int64_t> send(const GlobalOptions& global, const Session& session, const PutOptions& options,
+                            const Plan& plan, Source& source) {
+    const QString root =
+        options.uploadRoot.empty() ? shareOf(plan.path) : QString::fromStdString(options.uploadRoot);
+    const QString rename = QString::fromStdString(options.rename);
+    if (plan.road == Road::Sliced) {
+        SlicedUpload::Target target;
+        target.path = plan.path;
+        target.rename = rename;
+        target.root = root;
+        target.overwrite = options.overwrite;
+        target.restart = options.restart;
+        return SlicedUpload(global, session, plan.what, source, target).run();
+    }
+    WholeUpload upload;
+    upload.path = plan.path;
+    upload.rename = rename;
+    upload.root = root;
+    upload.overwrite = options.overwrite;
+    upload.plain = plan.road == Road::Plain;
+    sendWhole(global, session, plan.what, source, upload);
+    return 0;
+}
+
+void putOne(const GlobalOptions& global, const PutOptions& options) {
+    Source source(options.paths.front());
+    Plan plan;
+    std::optional<int64_t> resumedAt;
+    QElapsedTimer clock;
+    {
+        const Session session(resolveConnection(global, Needs::Login));
+        plan = planFor(session, options, source);
+        clock.start();
+        if (!options.dryRun) resumedAt = send(global, session, options, plan, source);
+    }
+    if (global.json) {
+        Json json = {{"local", source.path()},
+                     {"remote", utf8(plan.path)},
+                     {"size", source.size()},
+                     {"mtime", plan.road == Road::Plain ? Json(nullptr) : Json(source.modified())},
+                     {"road", nameOf(plan.road)}};
+        if (options.dryRun) {
+            json["replaces"] = plan.replaces;
+            json["dryRun"] = true;
+        } else {
+            json["resumedAt"] = resumedAt.value_or(source.size());
+            json["milliseconds"] = clock.elapsed();
+        }
+        return printJson(json);
+    }
+    if (options.dryRun) {
+        printLine(QStringLiteral("would send %1 to %2%3")
+                      .arg(humanSize(source.size()), plan.path,
+                           plan.replaces ? QStringLiteral(", replacing what is there") : QString()));
+    }
 }
 
 void put(const GlobalOptions& global, const PutOptions& options) {
-    QFile file;
-    const Source source = openSource(options.local, file);
-    QString what = QStringLiteral("put %1").arg(file.fileName());
-    QElapsedTimer clock;
-    QString path;
-    {
-        const Session session(resolveConnection(global, Needs::Login));
-        path = destination(session, options, what);
-        what += QStringLiteral(" to %1").arg(path);
-        Progress progress(leafOf(path), source.size, 0, global.quiet);
-        clock.start();
-        const std::wstring target = wide(path);
-        const uint32_t overwrite = options.overwrite ? 1 : 0;
-        uint32_t word = 0;
-        uint32_t dwStatus = 0;
-        if (options.plain) {
-            dwStatus = WFMUploadFilewithHandle(session.context(), session.server(), session.port(),
-                                               session.node(), &file, target.c_str(), &progress, onProgress,
-                                               overwrite, nullptr, &word);
-        } else {
-            dwStatus = WFMTorviUploadandMovewithHandle(
-                session.context(), session.server(), session.port(), session.node(), &file, target.c_str(),
-                wide(uploadRoot(options, path)).c_str(), wide(QString::fromStdString(options.rename)).c_str(),
-                source.size, source.modified, &progress, onProgress, overwrite, nullptr, &word);
+    if (!options.batch) {
+        if (options.paths.size() > 2) {
+            throw Failure(Exit::Usage,
+                          QStringLiteral("put sends one file: give its path and where to put it, or "
+                                         "--batch for several"));
         }
-        const bool done = dwStatus == 0 && word == 0;
-        if (!done && interrupted()) throwCancelled(what);
-        // Stopped, but not by the user: the server hung up in the middle.
-        if (dwStatus == 0 && word == 1235) {
-            throw Failure(Exit::Incomplete,
-                          QStringLiteral("%1: the server did not take all of the file").arg(what))
-                .withNumbers(dwStatus, 1235);
-        }
-        if (!done) throw callFailure(what, dwStatus, word);
-        progress.finish();
+        return putOne(global, options);
     }
-    if (!global.json) return;
-    printJson(Json{{"local", options.local},
-                   {"remote", utf8(path)},
-                   {"size", source.size},
-                   {"mtime", options.plain ? Json(nullptr) : Json(source.modified)},
-                   {"milliseconds", clock.elapsed()}});
+    std::vector<std::string> files = options.paths;
+    files.pop_back();
+    putBatch(global, files, options.paths.back(), options.overwrite, options.dryRun);
 }
 
 }  // namespace
@@ -129,23 +162,42 @@ void put(const GlobalOptions& global, const PutOptions& options) {
 void addPutCommand(const Commands& commands) {
     const GlobalOptions& global = commands.global;
     Action& action = commands.action;
-    CLI::App* command = commands.app.add_subcommand("put", "Upload a file; it keeps its modification time");
+    CLI::App* command = commands.app.add_subcommand(
+        "put", "Upload a file; run it again to go on with a large one that was stopped");
     auto options = std::make_shared<PutOptions>();
-    command->add_option("local", options->local, "The file on this machine")->type_name("")->required();
-    command->add_option("remote", options->remote, "Its path on the server, or the folder to put it in")
+    command
+        ->add_option("paths", options->paths,
+                     "The file on this machine, then its path on the server or the folder to put it in")
         ->type_name("")
+        ->expected(2, 1000000)
         ->required();
     command->add_flag("--overwrite,-f", options->overwrite, "Replace a file that exists");
-    auto* plain = command->add_flag("--plain", options->plain,
-                                    "The older upload: the file gets the time of its arrival");
+    auto* resume = command->add_flag_function(
+        "--resume,!--no-resume", [options](int64_t count) { options->resume = count > 0; },
+        "Send it in slices, so that it can be gone on with; files from 256 MiB on are sent so by themselves");
+    auto* restart =
+        command->add_flag("--restart", options->restart, "Drop what the server has of an earlier try");
+    auto* batch = command
+                      ->add_flag("--batch", options->batch,
+                                 "Send several small files into one folder, many in one request")
+                      ->excludes(resume)
+                      ->excludes(restart);
+    command->add_flag("--plain", options->plain, "The older upload: the file gets the time of its arrival")
+        ->excludes(resume)
+        ->excludes(restart)
+        ->excludes(batch);
+    auto* plain = command->get_option("--plain");
     command->add_option("--rename", options->rename, "Name or path that the server gives the file in the end")
         ->type_name("TARGET")
-        ->excludes(plain);
+        ->excludes(plain)
+        ->excludes(batch);
     command
         ->add_option("--upload-root", options->uploadRoot,
-                     "Folder under which the server keeps its temporary files (the destination's share)")
+                     "Folder under which the server keeps what isn't finished (the destination's share)")
         ->type_name("FOLDER")
-        ->excludes(plain);
+        ->excludes(plain)
+        ->excludes(batch);
+    command->add_flag("--dry-run", options->dryRun, "Only tell what would be done");
     command->callback(
         [&global, &action, options] { action = [&global, options] { put(global, *options); }; });
 }

@@ -37,6 +37,7 @@ void login(const GlobalOptions& global, bool savePassword) {
     profile.proxyUser = connection.proxyUser;
     profile.node = connection.node;
     profile.fcgi = connection.fcgi;
+    profile.teams = connection.teams;
     if (savePassword) {
         profile.password = connection.password;
         if (!connection.proxyPassword.isEmpty()) profile.proxyPassword = connection.proxyPassword;

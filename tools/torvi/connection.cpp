@@ -101,6 +101,7 @@ Connection resolveConnection(const GlobalOptions& options, Needs needs) {
     connection.proxyUser = options.proxyUser ? text(options.proxyUser) : profile.proxyUser;
     connection.node = options.node ? text(options.node) : profile.node;
     connection.fcgi = options.fcgi.value_or(profile.fcgi);
+    connection.teams = options.teams.empty() ? profile.teams : parseTeamFolders(options.teams);
     connection.timeoutMs = static_cast<uint32_t>(std::lround(options.timeoutSeconds * 1000));
 
     resolveProxy(connection);

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "options.h"
+#include "teams.h"
 
 namespace torvi {
 
@@ -21,6 +22,7 @@ struct Connection {
     QString proxyPassword;
     QString node;
     bool fcgi = false;
+    std::vector<TeamFolder> teams;
     uint32_t timeoutMs = 0;
 
     QString address() const { return QStringLiteral("%1:%2").arg(server).arg(port); }

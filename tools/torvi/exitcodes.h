@@ -16,6 +16,7 @@ enum class Exit : int {
     Local = 9,       ///< a file on this machine can't be read or written
     AlreadyExists = 10,
     NoSpace = 11,  ///< the user's quota or the server's disk is exhausted
+    Changed = 12,  ///< what was to be changed isn't what it was when it was looked at
 };
 
 }  // namespace torvi

@@ -21,6 +21,13 @@ public:
         return *this;
     }
 
+    /// What the user may do next.
+    Failure& withAdvice(const QString& advice) {
+        m_message += QStringLiteral("; ") + advice;
+        m_utf8 = m_message.toUtf8();
+        return *this;
+    }
+
     const char* what() const noexcept override { return m_utf8.constData(); }
     Exit exit() const { return m_exit; }
     const QString& message() const { return m_message; }

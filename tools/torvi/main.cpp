@@ -76,7 +76,7 @@ int main(int argc, char** argv) {
 
     torvi::GlobalOptions global;
     torvi::Action action;
-    CLI::App app("Talks to a NAS: lists folders, moves files in both directions.", "torvi");
+    CLI::App app("Talks to a NAS: lists folders, changes them, moves files in both directions.", "torvi");
     torvi::addGlobalOptions(app, global);
     const torvi::Commands commands{app, global, action};
     torvi::addSessionCommands(commands);
@@ -84,6 +84,10 @@ int main(int argc, char** argv) {
     torvi::addPutCommand(commands);
     torvi::addGetCommand(commands);
     torvi::addFileCommands(commands);
+    torvi::addMoveCommand(commands);
+    torvi::addTrashCommands(commands);
+    torvi::addJobCommand(commands);
+    torvi::addVersionCommands(commands);
     torvi::addFooter(app);
     try {
         app.parse(argc, argv);

@@ -28,6 +28,7 @@ Exit codes:
   3  cannot connect              9  a local file can't be read or written
   4  not authenticated          10  exists already
   5  not found                  11  no space or quota left on the server
+                                12  changed on the server since it was looked at
 )";
 
 /// A flag bound to an optional would be false, not empty, when it isn't given.
@@ -86,6 +87,11 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
         ->group(connection);
     app.add_flag_function("--fcgi,!--no-fcgi", decide(options.fcgi),
                           "The server has the FastCGI end of the service")
+        ->group(connection);
+    app.add_option("--team", options.teams,
+                   "A folder that another user shares, as CLIENTPATH=SERVERPATH[@NODE]; repeatable, or none")
+        ->allow_extra_args(false)
+        ->type_name("FOLDER")
         ->group(connection);
 
     const char* proxy = "Proxy";

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace torvi {
 
@@ -19,6 +20,7 @@ struct GlobalOptions {
     std::optional<std::string> proxyPasswordFile;
     std::optional<std::string> node;
     std::optional<bool> fcgi;
+    std::vector<std::string> teams;
     double timeoutSeconds = 0;
     bool json = false;
     bool quiet = false;
@@ -46,6 +48,10 @@ void addListCommands(const Commands& commands);
 void addPutCommand(const Commands& commands);
 void addGetCommand(const Commands& commands);
 void addFileCommands(const Commands& commands);
+void addMoveCommand(const Commands& commands);
+void addTrashCommands(const Commands& commands);
+void addJobCommand(const Commands& commands);
+void addVersionCommands(const Commands& commands);
 
 /// Adds a command whose one argument is a path on the server.
 void addPathCommand(const Commands& commands, const char* name, const char* help,

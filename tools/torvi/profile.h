@@ -2,6 +2,9 @@
 
 #include <QString>
 #include <optional>
+#include <vector>
+
+#include "teams.h"
 
 namespace torvi {
 
@@ -17,6 +20,7 @@ struct Profile {
     std::optional<QString> proxyPassword;
     QString node;
     bool fcgi = false;
+    std::vector<TeamFolder> teams;
 };
 
 /// $XDG_STATE_HOME/torvi/profile.json, or the same below ~/.local/state.

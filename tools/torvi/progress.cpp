@@ -35,16 +35,23 @@ QString clockText(qint64 seconds) {
 
 bool Progress::s_barShown = false;
 
+Progress::Style Progress::styleFor(bool quiet) {
+    if (quiet) return Style::None;
+    return ::isatty(STDERR_FILENO) != 0 ? Style::Bar : Style::Lines;
+}
+
 Progress::Progress(const QString& label, int64_t total, int64_t already, bool quiet)
-    : m_style(quiet                          ? Style::None
-              : ::isatty(STDERR_FILENO) != 0 ? Style::Bar
-                                             : Style::Lines),
+    : m_style(styleFor(quiet)),
       m_label(printable(label)),
       m_total(std::max<int64_t>(total, 0)),
       m_already(already),
       m_done(already),
       m_lastTenth(percent() / 10) {
     m_clock.start();
+}
+
+Progress::Progress(const QString& label, bool quiet) : Progress(label, 100, 0, quiet) {
+    m_bytes = false;
 }
 
 Progress::~Progress() {
@@ -77,6 +84,10 @@ void Progress::finish() {
 }
 
 void Progress::drawLine(int percent) {
+    if (!m_bytes) {
+        std::fprintf(stderr, "%s: %d%%\n", utf8(m_label).c_str(), percent);
+        return;
+    }
     std::fprintf(stderr, "%s: %d%% (%s of %s)\n", utf8(m_label).c_str(), percent,
                  utf8(humanSize(m_done)).c_str(), utf8(humanSize(m_total)).c_str());
 }
@@ -84,8 +95,9 @@ void Progress::drawLine(int percent) {
 void Progress::drawBar() {
     m_lastDrawn = m_clock.elapsed();
     s_barShown = true;
-    QString facts = QStringLiteral(" %1% %2").arg(percent(), 3).arg(humanSize(m_done), 10);
-    if (m_lastDrawn > 500 && m_done > m_already) {
+    QString facts = QStringLiteral(" %1%").arg(percent(), 3);
+    if (m_bytes) facts += QStringLiteral(" %1").arg(humanSize(m_done), 10);
+    if (m_bytes && m_lastDrawn > 500 && m_done > m_already) {
         const double rate = static_cast<double>(m_done - m_already) * 1000 / static_cast<double>(m_lastDrawn);
         facts += QStringLiteral(" %1/s").arg(humanSize(static_cast<int64_t>(rate)), 10);
         const bool ended = m_done == m_total;
@@ -109,6 +121,33 @@ void Progress::drawBar() {
     }
     std::fprintf(stderr, "\r\033[K%s%s%s", utf8(label).c_str(), utf8(bar).c_str(), utf8(facts).c_str());
     std::fflush(stderr);
+}
+
+Activity::Activity(const QString& label, bool quiet)
+    : m_style(Progress::styleFor(quiet)), m_label(printable(label)) {
+    if (m_style == Progress::Style::Lines) std::fprintf(stderr, "%s ...\n", utf8(m_label).c_str());
+    if (m_style != Progress::Style::Bar) return;
+    m_clock.start();
+    draw();
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { draw(); });
+    m_timer.start(kRedrawMs);
+}
+
+Activity::~Activity() {
+    if (m_style != Progress::Style::Bar || !Progress::s_barShown) return;
+    std::fputs("\r\033[K", stderr);
+    Progress::s_barShown = false;
+}
+
+void Activity::draw() {
+    static constexpr const char* kTurns = "|/-\\";
+    const QString clock = clockText(m_clock.elapsed() / 1000);
+    const int room = terminalColumns() - 1 - clock.size() - 4;
+    QString label = m_label;
+    if (label.size() > room) label = label.left(room - 1) + QChar(0x2026);
+    std::fprintf(stderr, "\r\033[K%c %s  %s", kTurns[m_turn++ % 4], utf8(label).c_str(), utf8(clock).c_str());
+    std::fflush(stderr);
+    Progress::s_barShown = true;
 }
 
 }  // namespace torvi

@@ -2,15 +2,19 @@
 
 #include <QElapsedTimer>
 #include <QString>
+#include <QTimer>
 #include <cstdint>
 
 namespace torvi {
 
-/// How far a transfer has come, on stderr: a bar that redraws itself on a terminal, a line for each tenth
+/// How far something has come, on stderr: a bar that redraws itself on a terminal, a line for each tenth
 /// elsewhere, nothing when asked to be quiet.
 class Progress {
 public:
+    /// Of a transfer, in bytes.
     Progress(const QString& label, int64_t total, int64_t already, bool quiet);
+    /// Of a job, of which the server tells percents alone.
+    Progress(const QString& label, bool quiet);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -23,12 +27,15 @@ public:
     static void endLine();
 
 private:
+    friend class Activity;
     enum class Style { None, Lines, Bar };
+    static Style styleFor(bool quiet);
     void drawBar();
     void drawLine(int percent);
     int percent() const;
 
     Style m_style;
+    bool m_bytes = true;
     QString m_label;
     int64_t m_total;
     int64_t m_already;
@@ -37,6 +44,25 @@ private:
     static bool s_barShown;
     qint64 m_lastDrawn = 0;
     QElapsedTimer m_clock;
+};
+
+/// That something goes on of which nobody tells how far it is: the time that it takes, on a terminal; a line
+/// at the start elsewhere.
+class Activity {
+public:
+    Activity(const QString& label, bool quiet);
+    ~Activity();
+    Activity(const Activity&) = delete;
+    Activity& operator=(const Activity&) = delete;
+
+private:
+    void draw();
+
+    Progress::Style m_style;
+    QString m_label;
+    unsigned m_turn = 0;
+    QElapsedTimer m_clock;
+    QTimer m_timer;
 };
 
 }  // namespace torvi

@@ -81,6 +81,13 @@ Entry require(const Session& session, const QString& what, const QString& path) 
     throw callFailure(what, 0, 3);
 }
 
+void requireCheckable(const QString& what, const Entry& entry) {
+    if (entry.modified != 0) return;
+    throw Failure(Exit::Usage, QStringLiteral("%1: it has no time on the server, and --check needs one; "
+                                              "`torvi touch --time now` gives it one")
+                                   .arg(what));
+}
+
 QString typeText(const Entry& entry) {
     return entry.folder ? QStringLiteral("folder") : QStringLiteral("file");
 }

@@ -47,6 +47,9 @@ std::optional<Entry> lookUp(const Session& session, const QString& path);
 /// The same where the path must exist.
 Entry require(const Session& session, const QString& what, const QString& path);
 
+/// Throws if the server could not be told what the entry is.
+void requireCheckable(const QString& what, const Entry& entry);
+
 QString typeText(const Entry& entry);
 QString accessText(const Entry& entry);
 Json toJson(const Entry& entry, const QString& path);

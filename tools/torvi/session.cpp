@@ -34,7 +34,8 @@ Session::Session(const Connection& connection)
     : m_server(wide(connection.server)),
       m_port(static_cast<uint32_t>(connection.port)),
       m_node(wide(connection.node)),
-      m_identity(QStringLiteral("%1@%2").arg(connection.user, connection.address())) {
+      m_identity(QStringLiteral("%1@%2").arg(connection.user, connection.address())),
+      m_teams(connection.teams) {
     wchar_t serverName[260] = {};
     uint32_t resultWord = 0;
     const uint32_t dwStatus = TorviLogin(
@@ -51,12 +52,40 @@ Session::Session(const Connection& connection)
     }
     m_serverName = QString::fromWCharArray(serverName);
     g_current = this;
+    tellTeamFolders();
 }
 
 Session::~Session() {
     g_current = nullptr;
     end();
     WFMFreeAuthContext(m_context);
+}
+
+void Session::tellTeamFolders() {
+    if (m_teams.empty()) return;
+    wchar_t own[260] = {};
+    uint32_t capacity = static_cast<uint32_t>(std::size(own));
+    if (WFMGetSlaveID(m_context, &capacity, own) != 0) own[0] = L'\0';
+    std::vector<std::wstring> texts;
+    for (const TeamFolder& team : m_teams) {
+        texts.push_back(wide(team.client));
+        texts.push_back(wide(team.server));
+        // An empty one would end the list. Whatever names no node is on this one.
+        texts.push_back(team.node.isEmpty() ? own : wide(team.node));
+    }
+    std::vector<wchar_t*> clients, servers, nodes;
+    for (size_t i = 0; i < texts.size(); i += 3) {
+        clients.push_back(texts[i].data());
+        servers.push_back(texts[i + 1].data());
+        nodes.push_back(texts[i + 2].data());
+    }
+    WFMUpdateTeamFolderInfo(m_context, static_cast<int32_t>(m_teams.size()), clients.data(), servers.data(),
+                            own[0] == L'\0' ? nullptr : nodes.data());
+}
+
+std::wstring Session::nodeOf(const QString& path) const {
+    const TeamFolder* team = teamFolderOf(m_teams, path);
+    return team != nullptr && !team->node.isEmpty() ? wide(team->node) : m_node;
 }
 
 void Session::end() {

@@ -21,6 +21,9 @@ public:
     const wchar_t* server() const { return m_server.c_str(); }
     uint32_t port() const { return m_port; }
     const wchar_t* node() const { return m_node.c_str(); }
+    /// For the calls that look at no path: the node that holds this one.
+    std::wstring nodeOf(const QString& path) const;
+    const std::vector<TeamFolder>& teams() const { return m_teams; }
 
     bool isAdmin() const { return m_admin; }
     bool isSlave() const { return m_slave; }
@@ -32,12 +35,14 @@ public:
     static void endCurrent();
 
 private:
+    void tellTeamFolders();
     void end();
 
     std::wstring m_server;
     uint32_t m_port;
     std::wstring m_node;
     QString m_identity;
+    std::vector<TeamFolder> m_teams;
     QString m_serverName;
     bool m_admin = false;
     bool m_slave = false;

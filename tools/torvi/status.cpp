@@ -14,6 +14,7 @@ struct Meaning {
 constexpr Meaning kStatuses[] = {
     {2, "WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL", "cannot connect, or the connection broke",
      Exit::CannotConnect},
+    {5, "ERROR_ACCESS_DENIED", "a share, or a team folder itself, is not changed from here", Exit::Denied},
     {6, "WFM_PARSE_XML_HTTPTRAN_RECEIVE_FAIL", "the server or the proxy answered with an error",
      Exit::Refused},
     {7, "WFM_PARSE_XML_BUFFER_NOT_ENOUGH", "the answer does not fit", Exit::Refused},
@@ -22,12 +23,14 @@ constexpr Meaning kStatuses[] = {
     {11, "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ", "the proxy wants other credentials", Exit::CannotConnect},
     {12, "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", "the service is not available now", Exit::CannotConnect},
     {14, "WFM_PARSE_XML_FAIL", "the answer was not understood", Exit::Refused},
+    {87, "ERROR_INVALID_PARAMETER", "an argument was not accepted, nothing was sent", Exit::Usage},
 };
 
 // What the server answered: client codes below zero, system-style numbers above.
 constexpr Meaning kResults[] = {
     {-3, "WFM_ACCESS_RIGHT_ACCESS_DENIED", "permission denied", Exit::Denied},
     {-4, "WFM_STATUS_FAILED", "no such file or folder, or the server failed", Exit::NotFound},
+    {-5, "SERVER_STATUS_7", "the server cannot make it there", Exit::Refused},
     {-6, "WFM_QUOTA_ERROR", "the quota is exhausted", Exit::NoSpace},
     {-7, "WFM_OPEN_FILE_FAILED", "the server cannot open the file, or the name is not allowed",
      Exit::Refused},
@@ -36,6 +39,10 @@ constexpr Meaning kResults[] = {
     {-23, "WFM_INSUFFICIENT_BUFFER", "the answer does not fit", Exit::Refused},
     {-29, "NOT_AUTHENTICATED", "not logged in, or the session has ended", Exit::NotAuthenticated},
     {-31, "WFM_INVALID_DATA", "the file changed while it was sent", Exit::Incomplete},
+    {-32, "PROFILE_REFUSED", "it is not what it was when it was looked at", Exit::Changed},
+    {-33, "PROFILE_REFUSED", "it is not what it was when it was looked at", Exit::Changed},
+    {-34, "PROFILE_REFUSED", "it is not what it was when it was looked at", Exit::Changed},
+    {-35, "PROFILE_REFUSED", "it is not what it was when it was looked at", Exit::Changed},
     {-37, "CLUSTER_NOT_READY", "the cluster node is not ready", Exit::CannotConnect},
     {-40, "CLUSTER_NODE_REFUSES", "the cluster node takes no logins now", Exit::CannotConnect},
     {-42, "NAME_TOO_LONG", "the name is too long", Exit::Refused},
@@ -47,7 +54,7 @@ constexpr Meaning kResults[] = {
     {12, "ERROR_INVALID_ACCESS", "the server does not allow it", Exit::Denied},
     {13, "ERROR_INVALID_DATA", "the size announced does not agree with the file's", Exit::Incomplete},
     {18, "ERROR_NO_MORE_FILES", "there is nothing to list", Exit::NotFound},
-    {34, "ERROR_WRONG_DISK", "source and destination are on different volumes", Exit::Refused},
+    {34, "ERROR_WRONG_DISK", "source and destination are on different volumes or nodes", Exit::Refused},
     {50, "ERROR_NOT_SUPPORTED", "the server does not support it", Exit::Refused},
     {53, "ERROR_BAD_NETPATH", "the server cannot be reached", Exit::CannotConnect},
     {87, "ERROR_INVALID_PARAMETER", "the server did not accept an argument", Exit::Refused},
@@ -109,6 +116,15 @@ Failure callFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord)
     return Failure(reason != nullptr ? reason->exit : Exit::Refused,
                    QStringLiteral("%1: %2 (%3)").arg(what, text, detail))
         .withNumbers(dwStatus, word);
+}
+
+Failure checkedFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord) {
+    constexpr uint32_t kProfileRefused = 13;
+    if (dwStatus != 0 || resultWord != kProfileRefused) return callFailure(what, dwStatus, resultWord);
+    return Failure(Exit::Changed, QStringLiteral("%1: it is not what it was when it was looked at (%2)")
+                                      .arg(what, numbers(static_cast<int32_t>(resultWord))))
+        .withNumbers(dwStatus, static_cast<int32_t>(resultWord))
+        .withAdvice(QStringLiteral("look at it with `torvi stat` and try again"));
 }
 
 Failure loginFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord) {
