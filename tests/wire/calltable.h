@@ -18,18 +18,26 @@ struct CallRow {
                            uint32_t* resultWord)>
         run;
     bool needsSession = true;
+    bool needsSid = true;       ///< refuses a session without an id
     bool has404 = false;        ///< tells a missing CGI from other failures
     bool isLogin = false;       ///< the HTTP status decides where a reply isn't understood
     bool isWrapper = false;     ///< asks through another export
     bool arrayIsReply = false;  ///< a JSON array is its good answer
     bool nonObjectIsUnderstood = false;
     int timeoutMs = 60000;  ///< 0: none
+    /// Those of the further requests that a success takes.
+    std::vector<int> furtherTimeoutsMs{};
+    /// What of the query the file manager's lacks, at its end.
+    const char* syncServiceOnly = "";
     const char* goodReply = R"({"status":1,"success":"true"})";
     /// The lines of a failed call. {word}, {port}, {status} and {result} are filled in.
     std::vector<const char*> failure;
     /// The line of a reply that isn't understood, if not the first of `failure` with WFM_PARSE_XML_FAIL.
     const char* notUnderstood = nullptr;
     const char* refused = nullptr;
+    /// A reply with a number that is too large for its field.
+    const char* tooLarge = R"({"status":99999999999,"sid":"x"})";
+    bool takesAnyAddress = false;  ///< refuses neither an empty server nor a port of 0
     const char* proxyWord = "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ";
     /// Where the connection can't be made, the result word of a listing says so.
     bool isListing = false;

@@ -81,6 +81,7 @@ TEST_P(EveryCallWire, RefusesANullServerWithOneLineAndTouchesNothing) {
     SessionPtr context = session();
     m_log.clear();
     for (const wchar_t* server : {static_cast<const wchar_t*>(nullptr), L""}) {
+        if (server != nullptr && GetParam().takesAnyAddress) continue;
         uint32_t result = kUntouched;
         EXPECT_EQ(GetParam().run(context.get(), server, 80, &result), 8u);
         if (std::string(GetParam().name) != "TorviLogout") {
@@ -89,10 +90,12 @@ TEST_P(EveryCallWire, RefusesANullServerWithOneLineAndTouchesNothing) {
     }
     std::string line = fillLine(GetParam().refused, "", 80, 8, 0);
     if (const auto at = line.find("{server}"); at != std::string::npos) line.erase(at, 8);
-    m_log.expectLines({line, line});
+    const size_t calls = GetParam().takesAnyAddress ? 1 : 2;
+    EXPECT_EQ(m_log.texts(), std::vector<std::string>(calls, line));
 }
 
 TEST_P(EveryCallWire, RefusesPortZeroBeforeAnythingElse) {
+    if (GetParam().takesAnyAddress) GTEST_SKIP() << "has a rule of its own";
     SessionPtr context = session();
     m_log.clear();
     uint32_t result = kUntouched;
@@ -113,7 +116,7 @@ TEST_P(EveryCallWire, SucceedsWithoutALine) {
     uint32_t result = 0;
     EXPECT_EQ(run(server.port(), &result), 0u);
     m_log.expectNoLines();
-    EXPECT_EQ(server.requestCount(), 1u);
+    EXPECT_EQ(server.requestCount(), 1 + GetParam().furtherTimeoutsMs.size());
 }
 
 TEST_P(EveryCallWire, ReadsAChunkedReply) {
@@ -209,9 +212,7 @@ TEST_P(EveryCallWire, AJsonArrayIs14) {
 }
 
 TEST_P(EveryCallWire, ANumberBeyond32BitsIs14) {
-    RawServer server({Reply::json(std::string(GetParam().name) == "WFMGetVersion"
-                                      ? R"({"version":[],"build":"1"})"
-                                      : R"({"status":99999999999,"sid":"x"})")});
+    RawServer server({Reply::json(GetParam().tooLarge)});
     expectFailure(server.port(), notUnderstood());
 }
 
@@ -226,8 +227,9 @@ TEST_P(EveryCallWire, SetsItsOwnTimeout) {
     TimerCapture timers;
     uint32_t result = 0;
     GetParam().run(context.get(), kServer, server.port(), &result);
-    const int expected = GetParam().timeoutMs;
-    EXPECT_EQ(timers.started(), expected > 0 ? std::vector<int>{expected} : std::vector<int>{});
+    std::vector<int> expected = GetParam().furtherTimeoutsMs;
+    if (GetParam().timeoutMs > 0) expected.insert(expected.begin(), GetParam().timeoutMs);
+    EXPECT_EQ(timers.started(), expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(, EveryCallWire, testing::ValuesIn(callTable()), rowName);
