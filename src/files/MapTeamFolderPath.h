@@ -10,11 +10,9 @@ namespace Lattice {
 struct RemotePath {
     std::wstring parent;
     std::wstring name;
-    std::wstring slaveID{};  ///< empty when nothing was mapped or nothing is known of nodes
-    bool matched = false;    ///< a team folder holds it, whether or not its place is known
-
-    /// The path is the root of a team folder.
-    bool isTeamRoot() const { return matched && name.empty(); }
+    std::wstring slaveID{};   ///< empty when nothing was mapped or nothing is known of nodes
+    bool matched = false;     ///< a team folder holds it, whether or not its place is known
+    bool isTeamRoot = false;  ///< it is that team folder's root, which has no name
 };
 
 /// "/home/.Torvi", the virtual folder whose children are the team folders.

@@ -12,7 +12,7 @@ uint32_t WFMCreateFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint
     call.begin(resultWord);
 
     const RemotePath folder = RouteTo(call, slaveID, WithLeadingSlash(parent), name);
-    if (folder.isTeamRoot()) return call.answer(ERROR_ALREADY_EXISTS);
+    if (folder.isTeamRoot) return call.answer(ERROR_ALREADY_EXISTS);
     call.get(L"func=createdir&sid=%ls&dest_folder=%ls&dest_path=%ls", call.sid(), Encoded(folder.name),
              Encoded(folder.parent));
     if (!call.exchange()) return call.end();

@@ -11,7 +11,8 @@ uint32_t WFMDeletePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
     call.begin(resultWord);
 
     // Neither a share at the top nor a team folder's root can be deleted.
-    const RemotePath target = RouteTo(call, slaveID, WithLeadingSlash(path).c_str());
+    const std::wstring whole = WithLeadingSlash(path);
+    const RemotePath target = RouteTo(call, slaveID, whole.c_str());
     if (target.parent.empty() || target.name.empty()) return call.leave(ERROR_ACCESS_DENIED);
     call.post(L"func=delete&sid=%ls", call.sid());
     call.field("file_name", target.name);
@@ -29,7 +30,7 @@ uint32_t WFMDeletePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32
     switch (reply.GetStatus()) {
         case WFM_PERMISSION_DENY:
             return call.answer(ERROR_ACCESS_DENIED, "[WFM] WFMGetSid: ERROR_ACCESS_DENIED(%ls)",
-                               PlaceOf(target, path).c_str());
+                               PlaceOf(target, whole.c_str()).c_str());
         case WFM_NOT_DONE:
             return call.answer(ERROR_FILE_NOT_FOUND);
         case WFM_FILE_NO_EXIST:

@@ -15,7 +15,7 @@ uint32_t WFMDeletePathwithCheckProfile(_WFM_AUTH_CONTEXT* context, const wchar_t
 
     const RemotePath target = RouteTo(call, slaveID, WithLeadingSlash(path).c_str());
     const std::wstring place = PlaceOf(target, path);
-    if (target.isTeamRoot()) {
+    if (target.isTeamRoot) {
         call.setResult(ERROR_NOT_SUPPORTED);
         return call.fail(
             WFM_PARSE_XML_FAIL,

@@ -11,7 +11,7 @@ constexpr size_t kSchemeLength = 6;  // of "vtf://"
 
 /// The name under which the reply holds the path: at a team folder's root it is the path behind the scheme.
 std::wstring ExpectedName(const RemotePath& path) {
-    if (!path.isTeamRoot()) return path.name;
+    if (!path.isTeamRoot) return path.name;
     return path.parent.size() > kSchemeLength ? path.parent.substr(kSchemeLength) : std::wstring();
 }
 

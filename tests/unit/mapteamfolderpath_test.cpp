@@ -88,10 +88,12 @@ TEST(MapTeamFolderPath, PairsAreMapped) {
 
 TEST(MapTeamFolderPath, OnlyTheRootIsATeamRoot) {
     const TeamLists lists(L"Own", kOneFolder);
-    EXPECT_TRUE(MapTeamFolderPath(lists.context, kArea, L"T").isTeamRoot());
-    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home/.Torvi/T", L"a").isTeamRoot());
-    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home", L"a").isTeamRoot());
-    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home", L"").isTeamRoot());
+    EXPECT_TRUE(MapTeamFolderPath(lists.context, kArea, L"T").isTeamRoot);
+    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home/.Torvi/T", L"a").isTeamRoot);
+    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home", L"a").isTeamRoot);
+    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home", L"").isTeamRoot);
+    EXPECT_TRUE(MapTeamFolderPath(lists.context, L"/home/.Torvi/T", L"").isTeamRoot);
+    EXPECT_FALSE(MapTeamFolderPath(lists.context, L"/home/.Torvi/T/a", L"").isTeamRoot);
 }
 
 TEST(MapTeamFolderPath, ASiblingWhoseNameMerelyStartsTheSameWayIsNotMapped) {
