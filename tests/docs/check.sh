@@ -5,10 +5,10 @@ export LC_ALL=C
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# The functions that the library exports with C linkage.
+# The functions that the library exports, but for the members of classes.
 exports() {
-    "$NM" -D --defined-only --format=posix "$LIBRARY" | awk '$2 == "T" { print $1 }' | sed 's/@.*//' |
-        grep -v -e '^_' | sort -u
+    "$NM" -D --defined-only --format=posix "$LIBRARY" | awk '$2 == "T" { print $1 }' | sed 's/@.*//' | c++filt |
+        grep -v -e '::' -e '^_' | sed 's/(.*//' | sort -u
 }
 
 # The rows of the tables, without head, rule and backticks: function|header|endpoints|twice|tests|command

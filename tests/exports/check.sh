@@ -21,7 +21,10 @@ compare() {
     grep -v -e '^#' -e '^ *$' "$2" | sort >"$work/expected"
     [ -z "$(uniq -d "$work/expected")" ] || { echo "twice in the list: $(uniq -d "$work/expected")"; return 1; }
     grep -v '^_Z' "$1" >"$work/plain" || true
-    grep '^_Z' "$1" | c++filt | grep -E -v "$allowed" >"$work/strange" || true
+    grep '^_Z' "$1" | c++filt | grep -E -v "$allowed" | sort >"$work/decorated" || true
+    grep -x -F -f "$work/expected" "$work/decorated" >>"$work/plain" || true
+    sort -o "$work/plain" "$work/plain"
+    grep -v -x -F -f "$work/expected" "$work/decorated" >"$work/strange" || true
     comm -23 "$work/expected" "$work/plain" | sed 's/^/expected, but not exported: /' >"$work/wrong"
     comm -13 "$work/expected" "$work/plain" | sed 's/^/exported, but not expected: /' >>"$work/wrong"
     sed 's/^/exported, but of no exported class: /' "$work/strange" >>"$work/wrong"
@@ -42,11 +45,14 @@ symbols "$LIBRARY" >"$work/symbols"
 case $1 in
     compare) compare "$work/symbols" "$EXPECTED" ;;
     selftest)
-        printf '%s\n' WFMa WFMb >"$work/list"
-        printf '%s\n' WFMa WFMb _ZN10CShareJson6ParserEPc _ZTV7QUpFile >"$work/good"
+        printf '%s\n' WFMa WFMb 'WFMc(void*, int)' >"$work/list"
+        printf '%s\n' WFMa WFMb _Z4WFMcPvi _ZN10CShareJson6ParserEPc _ZTV7QUpFile >"$work/good"
         compare "$work/good" "$work/list"
         printf '%s\n' WFMa >"$work/short"
         must_fail "$work/short" "$work/list" 'expected, but not exported: WFMb'
+        printf '%s\n' WFMa WFMb _Z4WFMcPvl >"$work/other"
+        must_fail "$work/other" "$work/list" 'expected, but not exported: WFMc(void\*, int)'
+        must_fail "$work/other" "$work/list" 'of no exported class: WFMc(void\*, long)'
         printf '%s\n' WFMa WFMb helper >"$work/long"
         must_fail "$work/long" "$work/list" 'exported, but not expected: helper'
         printf '%s\n' WFMa WFMb _ZN7Lattice6Logger6finishEv >"$work/class"

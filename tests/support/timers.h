@@ -17,3 +17,19 @@ private:
     friend struct TimerNotes;
     std::vector<int> m_started;
 };
+
+/// Notes for how many milliseconds the calls of this thread would sleep while it lives, and lets them go on
+/// at once.
+class SleepCapture {
+public:
+    SleepCapture();
+    ~SleepCapture();
+    SleepCapture(const SleepCapture&) = delete;
+    SleepCapture& operator=(const SleepCapture&) = delete;
+
+    const std::vector<int>& slept() const { return m_slept; }
+
+private:
+    friend struct SleepNotes;
+    std::vector<int> m_slept;
+};

@@ -1,14 +1,13 @@
 // WFMGetNodeList: what is its own. What every call shares stands in everycall_wire_test.cpp, and one page of
 // it in getpath_wire_test.cpp.
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "lines.h"
+#include "networkalive.h"
 #include "nodelist.h"
 #include "refusals.h"
 #include "routes.h"
@@ -23,9 +22,6 @@ using namespace wire;
 namespace {
 
 using Lines = std::vector<std::string>;
-
-/// Whether this machine has a network, as a test wants it.
-thread_local std::optional<bool> networkIsAlive;
 
 const char* const kGood = R"({"status":1,"total":3,"datas":[{"filename":"a","epochmt":"5"}]})";
 const char* const kNothing = R"({"status":1,"total":0,"datas":[]})";
@@ -71,13 +67,6 @@ protected:
 };
 
 }  // namespace
-
-/// The library asks this program first, and the library's own function only if no test says otherwise.
-bool IsNetworkAlive() {
-    if (networkIsAlive) return *networkIsAlive;
-    static const auto real = reinterpret_cast<bool (*)()>(dlsym(RTLD_NEXT, "IsNetworkAlive"));
-    return real();
-}
 
 TEST_F(WFMGetNodeListWire, FilesAreAskedForWithoutAType) {
     for (const uint32_t typeFilter : {1u, 3u, 5u, 7u}) {
@@ -237,9 +226,8 @@ TEST_F(WFMGetNodeListWire, WithoutAConnectionTheResultSaysWhetherThereIsANetwork
     for (const bool alive : {true, false}) {
         SCOPED_TRACE(alive);
         log.clear();
-        networkIsAlive = alive;
+        const NetworkIs network(alive);
         call.expectNumbers(2, alive ? 53 : 1231, session.get(), port.port());
-        networkIsAlive.reset();
         EXPECT_TRUE(call.records.isEmpty());
         EXPECT_EQ(callLines(),
                   (Lines{"[WFM] GetPath: FAIL(httpStatusCode=0)", summaryLine("GetPath", port.port(), 2),
@@ -249,7 +237,7 @@ TEST_F(WFMGetNodeListWire, WithoutAConnectionTheResultSaysWhetherThereIsANetwork
 
 TEST_F(WFMGetNodeListWire, AnyOtherFailureLeavesTheResultAlone) {
     const SessionPtr session = makeAgentSession();
-    networkIsAlive = false;
+    const NetworkIs network(false);
     const struct {
         Reply reply;
         uint32_t dwStatus;
@@ -263,7 +251,6 @@ TEST_F(WFMGetNodeListWire, AnyOtherFailureLeavesTheResultAlone) {
         EXPECT_TRUE(call.records.isEmpty());
         EXPECT_EQ(call.start, 5u);
     }
-    networkIsAlive.reset();
 }
 
 TEST_F(WFMGetNodeListWire, APageOfWhichNothingIsKeptIsMinus1AndMovesStartOn) {
