@@ -29,6 +29,7 @@
 /// | 11       | HTTP 407: the proxy wants other credentials                                             |
 /// | 12       | HTTP 503: the server is there and not ready                                             |
 /// | 14       | the reply wasn't understood (nor is a 3xx or an empty one), or a login was refused      |
+/// | 5, 87    | nothing sent, in the calls that say so: the path can't be changed so                    |
 /// | 87, 122  | in place of 8 and 7: WFMGetUseNuboCGI, WFMGetSlaveID, WFMGetSid                         |
 ///
 /// Every call may return 8, and every call that sends a request 2, 6, 11, 12 and 14; the tables below tell
@@ -54,15 +55,17 @@
 /// -11 (-4), -12 (-10), -13 (-15), -14 (-16), -17 (-20), -24 (8), -25 (-8), -26 (-12), -27 (-13), -28 (-14),
 /// -30 (-18), -32 to -35 (-40 to -43), -36 (-19), -41 (-6).
 ///
-/// | System-style | Meaning                        | System-style | Meaning                                 |
-/// |--------------|--------------------------------|--------------|-----------------------------------------|
-/// | 2            | file not found                 | 112          | quota used up                           |
-/// | 3            | path not found                 | 1231         | this machine has no network             |
-/// | 5            | access denied                  | 1235         | stopped by the caller (listing, upload) |
-/// | 13           | the data don't fit each other  | 1237         | stopped by the caller (download)        |
-/// | 18           | no more files                  | 1244         | the session has ended                   |
-/// | 50           | not supported by the server    | 53           | the server can't be reached             |
-/// | 87           | the server's number is invalid |              |                                         |
+/// | System-style | Meaning                       | System-style | Meaning                                 |
+/// |--------------|-------------------------------|--------------|-----------------------------------------|
+/// | 2            | file not found                | 112          | quota used up                           |
+/// | 3            | path not found                | 183          | exists already                          |
+/// | 5            | access denied                 | 206          | name too long                           |
+/// | 12           | the server didn't do it       | 1231         | this machine has no network             |
+/// | 13           | the data don't fit each other | 1235         | stopped by the caller (listing, upload) |
+/// | 18           | no more files                 | 1237         | stopped by the caller (download)        |
+/// | 34           | on another node               | 1244         | the session has ended                   |
+/// | 50           | not supported                 | 5003         | the new name exists already             |
+/// | 53           | the server can't be reached   | 87           | a number or a path is invalid           |
 ///
 /// Each call uses client codes or system-style numbers, never both for the same thing; its table says which.
 ///
@@ -86,7 +89,8 @@
 /// - `forwardedFor` is the address that a client on the NAS itself acts for; sent only if `server` is
 ///   "127.0.0.1".
 /// - `reserved` arguments are ignored; pass 0 or null.
-/// - A URL is cut at 2047 characters without a word, and its last parameters are lost. In a path, letters,
+/// - A URL is cut at 2047 characters without a word, and its last parameters are lost, or cut short: a long
+///   path may become the path of something else. In a path, letters,
 ///   digits, "-", "." and "_" take one character of it and so does each character beyond ASCII; all others
 ///   take three. The session id and 150 characters for the rest come on top.
 ///
@@ -241,11 +245,11 @@ struct WFM_VERSIONING_DELTA_STAT {
 ///
 /// All calls come on the thread that runs the transfer, in this order:
 ///
-/// | Call     | Arguments 5, 6 | When                                          | A verdict of 1      |
-/// |----------|----------------|-----------------------------------------------|---------------------|
-/// | opening  | 1, 1           | once the request is issued, with 0 bytes done | upload: ends it     |
-/// | progress | 1, 0           | as file bytes pass                            | aborts the transfer |
-/// | closing  | 0, 0           | uploads only, once, after the reply           | plain upload: 1235  |
+/// | Call     | Arguments 5, 6 | When                                              | A verdict of 1      |
+/// |----------|----------------|---------------------------------------------------|---------------------|
+/// | opening  | 1, 1           | once the request is issued, with 0 bytes done     | upload: ends it     |
+/// | progress | 1, 0           | as file bytes pass                                | aborts the transfer |
+/// | closing  | 0, 0           | uploads, after the reply; not before a next slice | plain upload: 1235  |
 ///
 /// A download isn't ended by the opening call: it begins, and the next verdict replaces that one. The closing
 /// call comes when all file bytes went out or the exchange failed, not after a stop; its verdict should be 0,
@@ -824,7 +828,8 @@ TORVIAPI_EXPORT uint32_t WFMDeletePath(_WFM_AUTH_CONTEXT* context, const wchar_t
 /// Deletes a path if it still is what the caller believes it to be.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID          null, or the node to ask
-/// @param path             as for WFMDeletePath
+/// @param path             as for WFMDeletePath, but **with "/" in front**: the profile's path goes out as
+///                         given
 /// @param time             its time in seconds since the epoch; not 0, for folders too, whose time isn't
 /// compared
 /// @param size             its bytes; a folder's isn't compared
@@ -856,18 +861,18 @@ TORVIAPI_EXPORT uint32_t WFMDeletePathwithCheckProfile(_WFM_AUTH_CONTEXT* contex
 /// @param slaveID     null, or the node to ask
 /// @param name        leaf name; not null or empty
 /// @param parent      its folder, with "/" in front; not null or empty
-/// @param time        seconds since the epoch; 0 is a time
+/// @param time        seconds since the epoch; 0 is a time, one below 0 is never reported back (12)
 /// @param cancel      not read; may be null
 /// @param resultWord  not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                          |
-/// |----------|-------------|---------------------------------------------------------------|
-/// | 0        | 0           | the server reports the time back                              |
-/// | 0        | 12          | the server reports another time                               |
-/// | 0        | client code | the server's status, and no entry or several: -4 no such path |
-/// | 14       | -3          | access denied                                                 |
-/// | 14       | -1          | also a team folder's root                                     |
+/// | dwStatus | Result word | When                                                                        |
+/// |----------|-------------|-----------------------------------------------------------------------------|
+/// | 0        | 0           | the server reports the time back; **also status success without one entry** |
+/// | 0        | 12          | the server reports another time                                             |
+/// | 0        | client code | the server's status, and no entry or several: -4 no such path               |
+/// | 14       | -3          | access denied                                                               |
+/// | 14       | -1          | also a team folder's root, which the server may have changed                |
 ///
 /// Time-out 30 seconds. Twice: safe. Next: none.
 TORVIAPI_EXPORT uint32_t WFMSetFileTime(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -933,8 +938,9 @@ TORVIAPI_EXPORT uint32_t WFMRenamePathwithCheckProfile(_WFM_AUTH_CONTEXT* contex
 /// Carries a path into another folder, under its old name or a new one.
 ///
 /// The server moves it as a job, which the call follows to its end, however long that takes; a new name is
-/// then given by WFMRenamePath. **If that rename fails, the moved object is deleted, not moved back**: it is
-/// then at neither path. Make sure first that the new name is free.
+/// then given by WFMRenamePath. **If that rename fails, the moved object is deleted, not moved back**: where
+/// the deletion works it is then at neither path, else in the new folder under its old name. Make sure first
+/// that the new name is free.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID      null, or the node to ask
 /// @param source       folder and name together, with "/" in front; one "/" at the end is cut. Not null or
@@ -944,19 +950,21 @@ TORVIAPI_EXPORT uint32_t WFMRenamePathwithCheckProfile(_WFM_AUTH_CONTEXT* contex
 /// @param resultWord   not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                    |
-/// |----------|-------------|-------------------------------------------------------------------------|
-/// | 0        | 0           | moved                                                                   |
-/// | 0        | 5           | access denied; nothing moved                                            |
-/// | 0        | 3           | the job isn't known to the server: look at both paths                   |
-/// | 0        | -1          | refused otherwise; or moved, and deleted because the rename was refused |
-/// | any      | -1          | moved, and deleted because the rename failed so                         |
-/// | 5        | -1          | nothing sent: a share, as "/Public", or a path without a name           |
-/// | 87       | -1          | nothing sent: one folder holds both. Use WFMRenamePath                  |
-/// | 14       | -1          | also cancelled, and any reply without "success" true or a job           |
-/// | other    | -1, 3       | the job can't be followed any more: look at both paths                  |
+/// | dwStatus    | Result word | When                                                                     |
+/// |-------------|-------------|--------------------------------------------------------------------------|
+/// | 0           | 0           | moved                                                                    |
+/// | 0           | 5           | access denied; nothing moved                                             |
+/// | 0           | 3           | the job isn't known to the server: look at both paths                    |
+/// | 0           | -1          | refused otherwise; the job can't be asked for; renaming refused, deleted |
+/// | any         | -1          | moved, and the renaming failed so: deleted, or not                       |
+/// | 5           | -1          | nothing sent: a share, as "/Public", or a path without a name            |
+/// | 87          | -1          | nothing sent: one folder holds both. Use WFMRenamePath                   |
+/// | 14          | -1          | also any reply without "success" true or a job                           |
+/// | not 0, 5, 8 | -1, 3       | cancelled (14), or the job can't be followed: look at both paths         |
 ///
-/// The request goes to the node of `source`, wherever `destination` lies. In the pauses between the questions
+/// After -1 look at both paths, and in the new folder for the old name. The request goes to the node of
+/// `source`, wherever `destination` lies; **the renaming and the deletion go to `slaveID`**, whatever node a
+/// team folder lies on: give that node, or move without renaming. In the pauses between the questions
 /// (500 ms, then 200 ms each) nothing else runs on the caller's thread. Twice: refused. Next: none.
 TORVIAPI_EXPORT uint32_t WFMMovePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                      const wchar_t* slaveID, const wchar_t* source,
@@ -975,21 +983,22 @@ TORVIAPI_EXPORT uint32_t WFMMovePath(_WFM_AUTH_CONTEXT* context, const wchar_t* 
 /// @param resultWord   not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                    |
-/// |----------|-------------|-------------------------------------------------------------------------|
-/// | 0        | 0           | moved                                                                   |
-/// | 0        | 5           | access denied; nothing moved                                            |
-/// | 0        | 13          | it isn't what the caller believes: list it again; nothing moved         |
-/// | 0        | 3           | the job isn't known to the server: look at both paths                   |
-/// | 0        | -1          | refused otherwise; or moved, and deleted because the rename was refused |
-/// | any      | -1          | moved, and deleted because the rename failed so                         |
-/// | 14       | 5           | nothing sent: a share, as "/Public", or a path without a name           |
-/// | 14       | 34          | nothing sent: the two lie on different nodes. Copy instead              |
-/// | 14       | 87          | nothing sent: one folder holds both. Use WFMRenamePathwithCheckProfile  |
-/// | 14       | -1          | also cancelled, and any reply without "success" true or a job           |
-/// | other    | -1, 3       | the job can't be followed any more: look at both paths                  |
+/// | dwStatus    | Result word | When                                                                        |
+/// |-------------|-------------|-----------------------------------------------------------------------------|
+/// | 0           | 0           | moved                                                                       |
+/// | 0           | 5           | access denied; nothing moved                                                |
+/// | 0           | 13          | it isn't what the caller believes: list it again; nothing moved             |
+/// | 0           | 3           | the job isn't known to the server: look at both paths                       |
+/// | 0           | -1          | refused otherwise; the job can't be asked for; renaming refused, deleted    |
+/// | any         | -1          | moved, and the renaming failed so: deleted, or not                          |
+/// | 14          | 5           | nothing sent: a share, as "/Public", or a path without a name               |
+/// | 14          | 34          | nothing sent: different nodes, or just one end in a team folder with a node |
+/// | 14          | 87          | nothing sent: one folder holds both. Use WFMRenamePathwithCheckProfile      |
+/// | 14          | -1          | also any reply without "success" true or a job                              |
+/// | not 0, 5, 8 | -1, 3       | cancelled (14), or the job can't be followed: look at both paths            |
 ///
-/// A failed rename at the end deletes the moved object, as with WFMMovePath. Twice: 13. Next:
+/// A failed rename at the end deletes the moved object, as with WFMMovePath, and what is said there of -1 and
+/// of the node holds here. Twice: 13. Next:
 /// WFMGetPathInformation after 13.
 TORVIAPI_EXPORT uint32_t WFMMovePathwithCheckProfile(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                      uint32_t port, const wchar_t* slaveID,
@@ -1013,13 +1022,13 @@ TORVIAPI_EXPORT uint32_t WFMMovePathwithCheckProfile(_WFM_AUTH_CONTEXT* context,
 /// @param resultWord  not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                         |
-/// |----------|-------------|------------------------------------------------------------------------------|
-/// | 0        | 0           | the job has ended: the server said exactly 100 percent                       |
-/// | 0        | 3           | the server doesn't know the job, in four answers all told, or says so itself |
-/// | 0        | -1          | the server refuses, as when the session has ended                            |
-/// | 14       | -1, 3       | also cancelled                                                               |
-/// | other    | -1, 3       | a question failed; 3 if an answer before it didn't know the job              |
+/// | dwStatus     | Result word | When                                                                 |
+/// |--------------|-------------|----------------------------------------------------------------------|
+/// | 0            | 0           | the job has ended: the server said exactly 100 percent               |
+/// | 0            | 3           | four answers without the job, all told; or it failed, or isn't there |
+/// | 0            | -1          | refused, as when the session has ended; a reply that is no object    |
+/// | 14           | -1, 3       | also cancelled; 3 if an answer before was without the job            |
+/// | 2, 6, 11, 12 | -1, 3       | a question failed; 3 if an answer before was without the job         |
 ///
 /// Time-out 30 seconds a question. In the pauses nothing else runs on the caller's thread. Twice: safe. Next:
 /// WFMDeleteProgress on the web file manager.
@@ -1034,14 +1043,15 @@ TORVIAPI_EXPORT uint32_t WFMGetProgress(_WFM_AUTH_CONTEXT* context, const wchar_
 /// @param path         the folder in the recycle folder, as "/home/@Recycle/Photos"; not null or empty
 /// @param file         its name; not null or empty
 /// @param reserved     null
-/// @param pid          receives the job's name, empty if there is none; not null
-/// @param pidCapacity  of `pid`, not 0; 260 is enough for every server known
+/// @param pid          receives the job's name, empty if the server names none, when `dwStatus` is 0 and the
+///                     result word not -23; not null
+/// @param pidCapacity  of `pid`, not 0; 2048 is always enough
 /// @param resultWord   client codes; not null
 /// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                                          |
 /// |----------|-------------|-------------------------------------------------------------------------------|
-/// | 0        | 0           | the job runs: `pid`                                                           |
+/// | 0        | 0           | the job runs: `pid`, which is empty where the server names none               |
 /// | 0        | other       | refused: the client code of the server's status                               |
 /// | 0        | -23         | the job runs, and `pid` is too small for its name                             |
 /// | 14       | -1          | also, nothing sent: it was deleted from a team folder that somebody else owns |
@@ -1215,7 +1225,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, con
 ///     5. anything else: bResume and bDeleteUploadID tell what to do next
 ///
 /// @param context,server,port  the session and where; server and context not null. **A port of 0 and an empty
-///                     server aren't refused**; they make a broken URL
+///                     server aren't refused**: 2 and 6
 /// @param slaveID     null, or the node to ask; here it goes before the team folder's
 /// @param capacity    in: of `uploadID`, not 0. Out, with detail 122: what it takes. Not null
 /// @param uploadID    receives the id. **It must hold one character more than `capacity` says**: 261 for 260
@@ -1252,7 +1262,7 @@ TORVIAPI_EXPORT uint32_t WFMGetUploadID(_WFM_AUTH_CONTEXT* context, const wchar_
 /// @param uploadID    from WFMGetUploadID; not null or empty
 /// @param uploadRoot  the same as there; not null or empty
 /// @param reserved    null
-/// @param size        receives the bytes, when both numbers are 0; not null
+/// @param size        receives the bytes, when both numbers are 0, unchecked; not null
 /// @param resultWord  client codes; not null
 /// @return `dwStatus`
 ///
@@ -1292,9 +1302,10 @@ TORVIAPI_EXPORT uint32_t WFMTorviDeleteChunkFile(_WFM_AUTH_CONTEXT* context, con
 /// @param file          as for WFMUploadFilewithHandle
 /// @param uploadID      from WFMGetUploadID; not null or empty
 /// @param uploadRoot    the same as there; not null or empty
-/// @param destination   folder and name together; not null or empty
+/// @param destination   folder and name together; not null or empty. Without a name as for
+///                      WFMUploadFilewithHandle
 /// @param renameTarget  the name to take instead; sent as given, not mapped. Null or empty: none
-/// @param offset        where the slice begins: 0, or what WFMTorvGetChunkFileSize said
+/// @param offset        where the slice begins: 0, or what WFMTorvGetChunkFileSize said; not negative
 /// @param fileSize      bytes of the whole file, not below `offset`
 /// @param modifiedTime  seconds since the epoch; sent as given
 /// @param lpData,callback  progress, which counts from the start of the file; may be null
@@ -1314,28 +1325,35 @@ TORVIAPI_EXPORT uint32_t WFMTorviDeleteChunkFile(_WFM_AUTH_CONTEXT* context, con
 /// | false   | true            | WFMTorviDeleteChunkFile; start over with WFMGetUploadID if you want to |
 /// | false   | false           | keep the id and wait: only the user can clear the cause                |
 ///
-/// | dwStatus  | Result word | Flag set        | When                                                     |
-/// |-----------|-------------|-----------------|----------------------------------------------------------|
-/// | 0         | 0           | none            | the file is complete and in its place; the id is spent   |
-/// | 0         | -43         | none            | the slice landed, and there is more: offset + 1 GiB      |
-/// | 0         | -6          | none            | quota used up                                            |
-/// | 0         | -2, -4      | bResume         | the server failed for the moment                         |
-/// | 0         | -4          | none            | the user's home folder is not available                  |
-/// | 0         | -5, -7      | bDeleteUploadID | a file of that name can't be made                        |
-/// | 0         | other       | bDeleteUploadID | refused otherwise, as when the session has ended (-29)   |
-/// | any but 8 | -31         | bDeleteUploadID | verdict 2, or bytes are missing: it holds nothing of use |
-/// | 2, 6      | -1          | bResume         | stopped, and some of the file is there                   |
-/// | 2, 6      | -1          | bDeleteUploadID | stopped before a byte of the file went out               |
-/// | 2, 6      | -1          | bDeleteUploadID | the connection failed, without a stop                    |
-/// | 6         | -1          | bResume         | `stop` is set, but the slice landed (200 in the log)     |
-/// | 14        | -1          | bDeleteUploadID | the reply wasn't understood                              |
-/// | 8         | untouched   | untouched       | also an offset beyond `fileSize`                         |
+/// | dwStatus     | Result word | Flag set        | When                                                        |
+/// |--------------|-------------|-----------------|-------------------------------------------------------------|
+/// | 0            | 0           | none            | the file is complete and in its place; the id is spent      |
+/// | 0            | -43         | none            | the slice landed, and there is more: offset + 1 GiB         |
+/// | 0            | -6          | none            | quota used up                                               |
+/// | 0            | -2, -4      | bResume         | the server failed for the moment                            |
+/// | 0            | -4          | none            | the user's home folder is not available                     |
+/// | 0            | -5, -7      | bDeleteUploadID | a file of that name can't be made                           |
+/// | 0            | other       | bDeleteUploadID | refused otherwise, as when the session has ended (-29)      |
+/// | 14           | -1          | bDeleteUploadID | the reply wasn't understood                                 |
+/// | any below    | -31         | bDeleteUploadID | verdict 2, or bytes are missing (see below): start over     |
+/// | 2, 6         | -1          | bResume         | stopped, and some of the file is there                      |
+/// | 2, 6         | -1          | bDeleteUploadID | stopped in the opening call, or before a byte of the file   |
+/// | 2, 6         | -1          | bDeleteUploadID | stopped by a verdict from 3 on, without `stop`              |
+/// | 2, 6, 11, 12 | -1          | bDeleteUploadID | failed without a stop: connection, proxy, server            |
+/// | 2            | -1          | bDeleteUploadID | the file changed its size under way                         |
+/// | 6            | -1          | bDeleteUploadID | `file` can't be opened by its path: nothing sent            |
+/// | 6            | -1          | bResume         | `stop` was set: the answer, whatever it is, isn't looked at |
+/// | 6            | -1          | bResume         | the closing call said 1: the file may be in its place       |
+/// | 8            | untouched   | untouched       | also an offset beyond `fileSize`                            |
 ///
-/// "Some of the file" counts the bytes before the offset: a slice that is stopped at an offset above 0 can
-/// always go on. **A connection that fails without a stop says that the id is dead**; a client that wants to
-/// go on all the same asks WFMTorvGetChunkFileSize first and deletes the id only if that fails too. A failure
-/// early in a slice with more to come, or without a callback, is -31. Memory doesn't grow with the slice.
-/// Twice at one offset: refused by a server that compares it with what it holds.
+/// A set `stop` turns bDeleteUploadID into bResume in the rows of 2, 6, 11 and 12, if some of the file is
+/// there. "Some of the file" counts the bytes before the offset, but in the opening call: answer that one
+/// with 0, and stop at the next. **A connection that fails without a stop says that the id is dead**; a
+/// client that wants to go on all the same asks WFMTorvGetChunkFileSize first and deletes the id only if that
+/// fails too. Bytes are missing when the transfer failed, or ended, with less than the slice out, less twice
+/// the offset; it is looked at without a callback, and in a slice with more to come. Memory doesn't grow with
+/// the slice. A URL that is cut loses the mark of a slice with more to come first: keep paths short. Twice at
+/// one offset: refused by a server that compares it with what it holds.
 TORVIAPI_EXPORT uint32_t WFMTorviChunckUploadwithHandle(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID, QFile* file,
     const wchar_t* uploadID, const wchar_t* uploadRoot, const wchar_t* destination,
@@ -1349,7 +1367,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviChunckUploadwithHandle(
 /// @param files       the batch; the array not null. A null or a record without a name or a readable file
 ///                    refuses them all
 /// @param count       of files, above 0
-/// @param folder      where to; a "/" is added at its end. Not null or empty
+/// @param folder      where to; a "/" is added at its end, but for a team folder's. Not null or empty
 /// @param reserved1,reserved2,reserved3,reserved4  null
 /// @param resultWord  of the batch, client codes; not null
 /// @return `dwStatus`
@@ -1361,8 +1379,10 @@ TORVIAPI_EXPORT uint32_t WFMTorviChunckUploadwithHandle(
 /// | 87       | -1          | nothing sent: a null, or a record without a name or a readable file     |
 ///
 /// Set each nResult to a number of your own first, to see which were left out. The names of the reply are
-/// compared without regard to case. Time-out 60 seconds for the whole batch: keep it small. Twice: sends it
-/// again. Next: the files whose nResult isn't 0, each by WFMTorviUploadandMovewithHandle.
+/// compared without regard to case: two files that differ in case alone get one result. A size that isn't
+/// sent as a number makes the reply one that isn't understood, 14. Keep the batch small: 60 seconds for the
+/// whole of it, and far less than 2 GiB. Twice: sends it again. Next: the files whose nResult isn't 0, each
+/// by WFMTorviUploadandMovewithHandle.
 TORVIAPI_EXPORT uint32_t WFMTorviUploadandMoveMultiPartwithHandle(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID,
     _WFM_MULTI_PART_FILE_INFO** files, int32_t count, const wchar_t* folder, void* reserved1, void* reserved2,
@@ -1394,9 +1414,10 @@ TORVIAPI_EXPORT uint32_t WFMTorviUploadandMoveMultiPartwithHandle(
 /// @param resultWord  **stays -1 in every case**; not null
 /// @param version     receives the version of the server's versioning engine, if it tells one; 260
 ///                    characters. Not cleared: make it empty first. Not null
-/// @return `dwStatus`; 0 with a filled `version`: it does
+/// @return `dwStatus`; 0 with a filled `version`: it has the engine. Whether it is switched on, and whether
+///         the session is still good, isn't told: an answer that refuses counts as well
 ///
-/// Twice: safe. Next: WFMTorviVersioningLock.
+/// Twice: safe. Next: WFMTorviVersioningLock, which tells.
 TORVIAPI_EXPORT uint32_t WFMTorviGetVersioningProbe(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                     uint32_t port, const wchar_t* slaveID, void* reserved,
                                                     uint32_t* resultWord, wchar_t* version);
@@ -1413,7 +1434,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviGetVersioningProbe(_WFM_AUTH_CONTEXT* context, 
 ///
 /// | dwStatus | Result word | When                                                                          |
 /// |----------|-------------|-------------------------------------------------------------------------------|
-/// | 0        | 0           | the session is open, or still good                                            |
+/// | 0        | 0           | the session is open, or still good; without ids in `lock`, it can't be ended  |
 /// | 0        | -1          | refused: locked by somebody else, or no good any more; the log has the status |
 ///
 /// Twice: asks about it. Next: WFMTorviGenVersioningSig, or an upload and WFMTorviVersioningCommitUpload.
@@ -1460,7 +1481,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCleanVersion(_WFM_AUTH_CONTEXT* conte
 /// @param lockID,versionID  from WFMTorviVersioningLock; not null or empty
 /// @param reserved    null
 /// @param resultWord  not null
-/// @param pid         receives the job's name, empty if the server tells none; 260 characters, not null
+/// @param pid         receives the job's name, empty if the server tells none; left as it was when refused or
+///                    failed. 260 characters, not null
 /// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                                                          |
@@ -1481,8 +1503,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviGenVersioningSig(_WFM_AUTH_CONTEXT* context, co
 /// @param lockID,versionID  from WFMTorviVersioningLock; not null or empty
 /// @param reserved    null
 /// @param resultWord  not null
-/// @param pid         receives the job's name; left as it was if the server tells none; 260 characters, not
-///                    null
+/// @param pid         receives the job's name; left as it was if the server tells none, refuses or fails; 260
+///                    characters, not null
 /// @return `dwStatus`, with the result words of WFMTorviGenVersioningSig
 ///
 /// Twice: up to the server. Next: WFMTorviVersioningStatDelta.
@@ -1515,8 +1537,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningStatDelta(_WFM_AUTH_CONTEXT* context,
 /// @param modifiedTime  the version's time, seconds since the epoch
 /// @param reserved      null
 /// @param resultWord    not null
-/// @param pid           receives the job's name; left as it was if the server tells none; 260 characters, not
-///                      null
+/// @param pid           receives the job's name; left as it was if the server tells none, or one too
+///                      long, refuses or fails; 260 characters, not null
 /// @return `dwStatus`; with 0 the result word is 0, or the client code of the server's status
 ///
 /// Twice: up to the server. Next: WebFileManQueryProgress with `pid`, then WFMTorviVersioningUnLock.

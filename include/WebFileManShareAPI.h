@@ -56,26 +56,26 @@ TORVIAPI_EXPORT uint32_t WFMShareClearLog();
 /// @name Jobs
 /// @{
 
-/// Asks once how far a job is. For WFMTrashRecovery and the jobs of the sharing family; a move is followed by
-/// WFMGetProgress.
+/// Asks once how far a job is. For jobs that are named by a text: of WFMTrashRecovery, of the versioning
+/// calls and of the sharing family. A move is followed by WFMGetProgress.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID     null, or the node that runs the job
 /// @param pid         the job, as the call that started it named it; sent as given, so that it must be safe
-/// in
-///                    a URL. Not null or empty
+///                    in a URL. Not null or empty
 /// @param reserved    null
-/// @param percent     receives 0 to 100, and 0 in every other case; not null
+/// @param percent     receives the server's number, 0 to 100 from a server in its senses, unchecked; 0 in
+///                    every other case. Not null
 /// @param errorCode   receives 0 while all goes well; not null
 /// @param resultWord  not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | errorCode   | When                                                     |
-/// |----------|-------------|-------------|----------------------------------------------------------|
-/// | 0        | 0           | 0           | `percent` tells, but when "copying" is 1; 100 is the end |
-/// | 0        | 0           | client code | the job has failed                                       |
-/// | 0        | 0           | 1           | the server doesn't tell                                  |
-/// | 0        | -1          | 1           | the server refuses, as when it doesn't know the job      |
-/// | not 0    | -1          | -1          | the question failed                                      |
+/// | dwStatus | Result word | errorCode   | When                                                                |
+/// |----------|-------------|-------------|---------------------------------------------------------------------|
+/// | 0        | 0           | 0           | `percent` tells, 100 is the end; 0 when the server's "copying" is 1 |
+/// | 0        | 0           | client code | the job has failed                                                  |
+/// | 0        | 0           | 1           | the server doesn't tell                                             |
+/// | 0        | -1          | 1           | the server refuses, as when it doesn't know the job                 |
+/// | not 0, 8 | -1          | -1          | the question failed                                                 |
 ///
 /// Twice: safe; wait half a second or so between two questions. Next: the same, until 100.
 TORVIAPI_EXPORT uint32_t WebFileManQueryProgress(_WFM_AUTH_CONTEXT* context, const wchar_t* server,

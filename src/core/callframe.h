@@ -187,6 +187,9 @@ public:
     /// Fails by the HTTP status.
     void failByHttp(int networkError);
 
+    /// Gives the connection back before the call goes on with others.
+    void release() { m_worker.reset(); }
+
     // Reply
 
     template <class Parser>

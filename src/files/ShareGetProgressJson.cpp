@@ -10,7 +10,7 @@ int CShareGetProgressJson::Parser(char* text) {
         m_status = JsonGetInt(root, "status", 0);
         m_result = m_status == 1;
         if (!m_result || !IsPresent(root, "copying")) return 1;
-        m_errorCode = JsonGetInt(root, "copying", 0);
+        m_errorCode = JsonGetInt(root, "copying", kNoStatus);
         if (m_errorCode != 0)
             m_errorCode = TranslateWFMErrorCode(m_errorCode);
         else

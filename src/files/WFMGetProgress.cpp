@@ -25,22 +25,16 @@ uint32_t WFMGetProgress(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint3
     Call call(rules, context, server, port);
     if (!call.accepts(name, resultWord)) return call.refuse();
     call.begin(resultWord);
-    call.setStatus(WFM_PARSE_XML_FAIL);
 
     call.route(slaveID);
     for (int retries = kUnknownRetries; !IsSet(cancel);) {
         call.get(L"func=get_move_status&sid=%ls&pid=%d", call.sid(), pid);
         CGetMoveStatusJson reply;
         if (!call.ask(reply)) return call.end();
-        if (reply.GetStatus() != 0) {
-            call.setStatus(0);
+        if (reply.GetStatus() != 0)
             return call.answer(reply.GetStatus() == WFM_FILE_NO_EXIST ? int64_t{ERROR_PATH_NOT_FOUND} : -1,
                                "[WFM] WFMGetProgress: GetStatus failed(%ls)(%d)", name, reply.GetStatus());
-        }
-        if (reply.GetPercent() == kDone) {
-            call.setStatus(0);
-            return call.answer(0);
-        }
+        if (reply.GetPercent() == kDone) return call.answer(0);
         if (reply.GetPercent() == kUnknown) {
             // The server may not have registered the job yet.
             call.line("[WFM] WFMGetProgress: ERROR_PATH_NOT_FOUND(%ls)(%d)", name, retries);
@@ -50,5 +44,5 @@ uint32_t WFMGetProgress(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint3
         }
         QThread::msleep(kBetweenRoundsMs);
     }
-    return call.end();
+    return call.leave(WFM_PARSE_XML_FAIL);  // cancelled
 }

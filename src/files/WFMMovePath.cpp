@@ -51,6 +51,7 @@ uint32_t WFMMovePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t
                            reply.GetStatus(), pid);
     call.setResult(0);
 
+    call.release();
     const Move move{call, kLines, context, server, port, slaveID, paths, cancel, resultWord};
     if (!FollowJob(move, pid, NodeOf(paths.source, slaveID))) return call.end();
     return FinishMove(move);

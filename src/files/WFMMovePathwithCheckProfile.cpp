@@ -76,6 +76,7 @@ uint32_t WFMMovePathwithCheckProfile(_WFM_AUTH_CONTEXT* context, const wchar_t* 
     call.setResult(Result(call, paths, reply.GetStatus(), pid));
     if (call.result() != 0) return call.end();
 
+    call.release();
     const Move move{call, kLines, context, server, port, slaveID, paths, cancel, resultWord};
     const bool isJob = isFolder || !call.usesSyncService();
     if (isJob && !FollowJob(move, pid, NodeOf(paths.destination, slaveID))) return call.end();

@@ -17,15 +17,13 @@ int CGetUploadMultiPartResultJson::Parser(char* text) {
             const long status = std::wcstol(JsonText(file, "status").c_str(), nullptr, 10);
             m_files.push_back({TranslateWFMErrorCode(static_cast<int>(status)), JsonText(file, "name"),
                                file["size"].asInt64()});
+            m_names.push_back(ToQString(m_files.back().strName).toCaseFolded());
         }
         return 1;
     });
 }
 
 const _MULTI_PART_FILE_INFO* CGetUploadMultiPartResultJson::GetMultiPartFileInfo(std::wstring name) const {
-    const QString wanted = ToQString(name);
-    const auto found = std::find_if(m_files.begin(), m_files.end(), [&](const _MULTI_PART_FILE_INFO& file) {
-        return ToQString(file.strName).compare(wanted, Qt::CaseInsensitive) == 0;
-    });
-    return found != m_files.end() ? &*found : nullptr;
+    const auto found = std::find(m_names.begin(), m_names.end(), ToQString(name).toCaseFolded());
+    return found != m_names.end() ? &m_files[static_cast<size_t>(found - m_names.begin())] : nullptr;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <string>
 #include <vector>
 
@@ -23,4 +24,5 @@ public:
 private:
     int m_status = -1;
     std::vector<_MULTI_PART_FILE_INFO> m_files;
+    std::vector<QString> m_names;  // of the files, without regard to case
 };

@@ -93,8 +93,9 @@ uint32_t WFMTorviChunckUploadwithHandle(_WFM_AUTH_CONTEXT* context, const wchar_
 
     HttpRequestWorker& worker = call.worker();
     const int error = worker.upload(call.request(), "chunked_upload", false, callback, lpData);
+    const bool stopped = IsSet(stop);  // once: another thread may set it at any time
     // A stop outweighs the server's answer, even a good one.
-    if (!IsSet(stop) && error == 0 && worker.dwProgress == 0)
+    if (!stopped && error == 0 && worker.dwProgress == 0)
         Judge(call, destination, continues, flags);
     else
         call.failByHttp(error);
@@ -103,7 +104,7 @@ uint32_t WFMTorviChunckUploadwithHandle(_WFM_AUTH_CONTEXT* context, const wchar_
         call.setResult(WFM_INVALID_DATA);
         flags.giveUp();
         call.debugLine("[WFM] WFMTorviChunckUploadwithHandle: WFM_INVALID_DATA, !Resume, DeleteUploadID");
-    } else if ((IsSet(stop) || worker.dwProgress == 1) && worker.llTotalBytesTransferred > 0) {
+    } else if ((stopped || worker.dwProgress == 1) && worker.llTotalBytesTransferred > 0) {
         flags.goOn();
         call.debugLine("[WFM] WFMTorviChunckUploadwithHandle: PROGRESS_STOP Resume, !DeleteUploadID");
     }

@@ -1,4 +1,7 @@
 #include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <iterator>
 
 #include "files/RouteTo.h"
 #include "transfer/GetUploadMultiPartResultJson.h"
@@ -8,11 +11,20 @@ using namespace Lattice;
 
 namespace {
 
+/// The transport leaves out what it can't open, and the times of the files behind it would move up.
+bool CanBeSent(const QFile* file) {
+    if (!IsReadableFile(file)) return false;
+    const QFileInfo info(LocalPath(*file));
+    return info.isFile() && info.isReadable();
+}
+
 /// The records of a batch with their times written out; empty if one of them can't be sent.
 std::vector<_WFM_MULTI_PART_FILE_INFO*> Prepare(_WFM_MULTI_PART_FILE_INFO** files, int32_t count) {
     std::vector<_WFM_MULTI_PART_FILE_INFO*> batch;
-    for (_WFM_MULTI_PART_FILE_INFO* file : std::vector(files, files + count)) {
-        if (file == nullptr || file->szName[0] == L'\0' || !IsReadableFile(file->pFile)) return {};
+    for (int32_t i = 0; i < count; ++i) {
+        _WFM_MULTI_PART_FILE_INFO* const file = files[i];
+        if (file == nullptr || file->szName[0] == L'\0' || !CanBeSent(file->pFile)) return {};
+        std::fill(std::begin(file->szModifiedTime), std::end(file->szModifiedTime), L'\0');
         CopyTextCut(file->szModifiedTime, std::to_wstring(file->llModifiedTime));
         batch.push_back(file);
     }

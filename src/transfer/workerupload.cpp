@@ -72,6 +72,11 @@ QByteArray TailOf(bool withFile, const QString& submitName, const QByteArray& bo
     return tail;
 }
 
+/// A difference that wraps: callers may name any offset.
+qint64 Minus(qint64 a, qint64 b) {
+    return static_cast<qint64>(static_cast<quint64>(a) - static_cast<quint64>(b));
+}
+
 }  // namespace
 
 int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool bNoFileData,
@@ -124,21 +129,21 @@ int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool 
     const int error = error_type;
 
     if (dwProgress != 0 || bNoFileData) return error;
-    const bool allSent = llBodyFileBytes == llTotalBytesTransferred - llStartOffset;
+    const bool allSent = llBodyFileBytes == Minus(llTotalBytesTransferred, llStartOffset);
     if ((error != 0 || allSent) && m_callback != nullptr && !element->bChunkContinue) {
         dwProgress = report(0, 0);
         return error;
     }
     // The offset weighs twice, since the transferred bytes count from the start of the file. That must stay:
     // a chunked upload decides by the result whether its upload id is still good.
-    if (llBodyFileBytes - llTotalBytesTransferred - llStartOffset > 0) {
+    if (Minus(Minus(llBodyFileBytes, llTotalBytesTransferred), llStartOffset) > 0) {
         const quint32 before = dwProgress;
         dwProgress = kStopBodyShort;
         Lattice::LogLine(
             Lattice::Logger::Error,
             "[WFM]  HttpRequestWorker(%s)::upload  PROGRESS_STOP dwProgress(%d) llNumberOfBytesAvailable(%d)",
             path.toUtf8().constData(), static_cast<int>(before),
-            static_cast<int>(llBodyFileBytes - llTotalBytesTransferred));
+            static_cast<int>(Minus(llBodyFileBytes, llTotalBytesTransferred)));
     }
     return error;
 }
