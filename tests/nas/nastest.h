@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -107,6 +109,20 @@ protected:
         return result;
     }
 
+    /// Bytes that look like nothing, the same for the same seed.
+    static std::string noise(std::size_t length, unsigned seed = 1) {
+        std::string text(length, '\0');
+        for (char& c : text) c = static_cast<char>((seed = seed * 1103515245 + 12345) >> 16);
+        return text;
+    }
+    /// Of the server so far, in KiB.
+    long peakMemory() const {
+        std::ifstream status("/proc/" + std::to_string(nas.pid()) + "/status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.rfind("VmHWM:", 0) == 0) return std::atol(line.c_str() + 6);
+        }
+        return -1;
+    }
     bool there(const std::string& name) const {
         return std::filesystem::exists(std::filesystem::symlink_status(nas.folder().path() / name));
     }

@@ -11,6 +11,7 @@ const std::vector<Call>& allCalls() {
         addFileCalls(all);
         addJobCalls(all);
         addUploadCalls(all);
+        addChunkCalls(all);
         addDownloadCalls(all);
         return all;
     }();

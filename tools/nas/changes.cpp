@@ -6,6 +6,7 @@
 
 #include <cerrno>
 
+#include "growing_file.h"
 #include "service.h"
 
 namespace nas {
@@ -113,12 +114,6 @@ int64_t roomIn(Service& service, const Folder& folder) {
     return std::max<int64_t>(0, owner->quota - sumBelow(service.tree().openHome(owner->name).get()));
 }
 
-void renameNoReplace(int from, const std::string& name, int to, const std::string& newName) {
-    if (::renameat2(from, name.c_str(), to, newName.c_str(), RENAME_NOREPLACE) != 0) {
-        throw errnoError(errno, newName);
-    }
-}
-
 void carry(const Place& place, const Folder& target, const Progress& progress) {
     const int from = place.folder.fd.get();
     const int to = target.fd.get();
@@ -126,14 +121,14 @@ void carry(const Place& place, const Folder& target, const Progress& progress) {
         for (int step = 0; step <= 100; ++step) {
             progress(step, 100);
         }
-        renameNoReplace(from, place.name, to, place.name);
+        renameInto(from, place.name, to, place.name, false);
         return;
     }
     requireRemovable(from, place.name);
     const std::string aside = kTemporaryPrefix + randomHex(8);
     copyTree(from, place.name, to, aside, progress);
     try {
-        renameNoReplace(to, aside, to, place.name);
+        renameInto(to, aside, to, place.name, false);
     } catch (...) {
         removeTree(to, aside);
         throw;
@@ -204,12 +199,7 @@ void recover(Service& service, const Place& place, bool overwrite, const Progres
     for (const std::string& step : formerPlace(place.folder)) {
         at = makeFolderAt(at.get(), step);
     }
-    const int from = place.folder.fd.get();
-    if (!overwrite) {
-        renameNoReplace(from, place.name, at.get(), place.name);
-    } else if (::renameat(from, place.name.c_str(), at.get(), place.name.c_str()) != 0) {
-        throw errnoError(errno, place.name);
-    }
+    renameInto(place.folder.fd.get(), place.name, at.get(), place.name, overwrite);
 }
 
 }  // namespace nas

@@ -30,8 +30,6 @@ void requireFreeName(Service& service, const User& user, const Folder& folder, c
 // The bytes that the quota of a folder's home leaves; -1 where there is no limit.
 int64_t roomIn(Service& service, const Folder& folder);
 
-void renameNoReplace(int from, const std::string& name, int to, const std::string& newName);
-
 // Takes something to another folder: at once where one volume holds both, else by copying it first.
 void carry(const Place& place, const Folder& target, const Progress& progress);
 

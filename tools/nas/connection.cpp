@@ -121,7 +121,11 @@ bool Connection::pump(uint32_t clientEvents) {
         moved |= writeClient();
         more_ = moved;
     }
-    if (ending_ != Ending::None && down_.empty()) {
+    if (cutting() && up_.empty() && !serviceFinished_) {
+        service_.finish();
+        serviceFinished_ = true;
+    }
+    if (ending_ != Ending::None && down_.empty() && !cutting()) {
         if (ending_ == Ending::Reset) {
             client_.resetOnClose();
             return false;
@@ -197,7 +201,8 @@ bool Connection::writeService() {
 }
 
 bool Connection::readService() {
-    if (serviceEnded_ || replyStopped_ || ending_ != Ending::None || down_.size() >= kBuffer) {
+    if (serviceEnded_ || replyStopped_ || (ending_ != Ending::None && !cutting()) ||
+        down_.size() >= kBuffer) {
         return false;
     }
     char data[16 * 1024];
@@ -209,7 +214,9 @@ bool Connection::readService() {
         serviceEnded_ = true;
         return true;
     }
-    takeReply(data, static_cast<size_t>(n));
+    if (!cutting()) {
+        takeReply(data, static_cast<size_t>(n));
+    }
     return true;
 }
 
@@ -260,7 +267,9 @@ void Connection::watch() {
     }
     uint32_t service = 0;
     if (!serviceEnded_) {
-        if (down_.size() < kBuffer && !replyStopped_ && ending_ == Ending::None) service |= EPOLLIN;
+        if (down_.size() < kBuffer && !replyStopped_ && (ending_ == Ending::None || cutting())) {
+            service |= EPOLLIN;
+        }
         if (!up_.empty()) service |= EPOLLOUT;
     }
     auto update = [this](int fd, uint32_t& old, uint32_t wanted, uint64_t mark) {
@@ -356,7 +365,9 @@ void Connection::takeRequestBody(const char* data, size_t length) {
                 deadline_ = Clock::now() + std::chrono::milliseconds(fault_->ms);
             }
         } else {
-            end(isFault(FaultKind::ResetUpload) ? Ending::Reset : Ending::Close);
+            // The bytes before the cut still reach the service.
+            up_.append(data, static_cast<size_t>(fault_->bytes - requestSeen_));
+            ending_ = isFault(FaultKind::ResetUpload) ? Ending::Reset : Ending::Close;
             return;
         }
     }

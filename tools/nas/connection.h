@@ -53,6 +53,8 @@ private:
     bool isFault(FaultKind kind) const { return fault_ && fault_->kind == kind; }
     bool answersInstead() const;
     bool cutsUpload() const;
+    // A body was cut, and the service has yet to put away what it got of it.
+    bool cutting() const { return cutsUpload() && ending_ != Ending::None && !serviceEnded_; }
     void end(Ending ending);
 
     Faults& faults_;

@@ -27,6 +27,7 @@ nlohmann::json stateOf(Service& service) {
     return {{"users", users},
             {"teams", teams},
             {"sessions", service.sessions().count()},
+            {"partials", service.partials().count()},
             {"jobs", service.jobs().count()},
             {"slave_id", service.options().slaveId},
             {"http_port", service.httpPort()},

@@ -23,11 +23,12 @@ const struct {
     {FaultKind::CutUpload, "cut-upload"},
     {FaultKind::ResetUpload, "reset-upload"},
     {FaultKind::StallUpload, "stall-upload"},
+    {FaultKind::ShortSlice, "short-slice"},
     {FaultKind::LateJob, "late-job"},
 };
 
 bool isServed(FaultKind kind) {
-    return kind == FaultKind::LateJob;
+    return kind == FaultKind::LateJob || kind == FaultKind::ShortSlice;
 }
 
 FaultKind kindOf(const std::string& name) {

@@ -23,6 +23,7 @@ enum class FaultKind {
     CutUpload,         // the connection ends after `bytes` of the request's body
     ResetUpload,       // the same, with RST
     StallUpload,       // after `bytes` of the request's body nothing more is read, for `ms` or for good
+    ShortSlice,        // of a slice the first `bytes` are kept; the rest is read and the slice fails
     LateJob,           // the job isn't registered yet: its progress is -1
 };
 

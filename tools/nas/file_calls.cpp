@@ -4,6 +4,7 @@
 
 #include "calls.h"
 #include "changes.h"
+#include "growing_file.h"
 
 namespace nas {
 
@@ -56,7 +57,7 @@ Answer rename(Service& service, Request& request, httplib::Response&) {
     const std::string& name = field(form, "dest_name");
     requireMovable(place);
     requireFreeName(service, user, place.folder, name);
-    renameNoReplace(place.folder.fd.get(), place.name, place.folder.fd.get(), name);
+    renameInto(place.folder.fd.get(), place.name, place.folder.fd.get(), name, false);
     return done(place.name + " to " + name);
 }
 

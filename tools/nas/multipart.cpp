@@ -110,9 +110,15 @@ void MultipartReader::readFile() {
         sink_.data(pending_.data(), end);
         pending_.erase(0, end + delimiter.size());
         stage_ = Stage::Tail;
-    } else if (pending_.size() >= delimiter.size()) {
-        // The last bytes may be the delimiter's beginning.
-        size_t sure = pending_.size() - delimiter.size() + 1;
+        return;
+    }
+    // Held back is only what may be the delimiter's beginning: a body that breaks off loses nothing else.
+    size_t sure = pending_.size();
+    size_t at = pending_.find('\r', sure < delimiter.size() ? 0 : sure - delimiter.size() + 1);
+    for (; at != std::string::npos && sure == pending_.size(); at = pending_.find('\r', at + 1)) {
+        sure = delimiter.compare(0, sure - at, pending_, at, sure - at) == 0 ? at : sure;
+    }
+    if (sure > 0) {
         sink_.data(pending_.data(), sure);
         pending_.erase(0, sure);
     }

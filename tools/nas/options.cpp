@@ -15,6 +15,7 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> faults;
     long long ttl = options.sessionTtl.count();
     long long jobDelay = 0;
+    long long partialMaxAge = options.partialMaxAge.count();
     bool noSync = false;
     bool noFcgi = false;
 
@@ -49,6 +50,10 @@ int readOptions(int argc, char** argv, Options& options) {
     app.add_option("--job-delay", jobDelay, "Milliseconds that a job takes at least")
         ->capture_default_str()
         ->check(CLI::Range(0LL, 86400000LL));
+    app.add_option("--partial-max-age", partialMaxAge,
+                   "Seconds after which an upload in slices is given up when nothing is added")
+        ->capture_default_str()
+        ->check(CLI::Range(1LL, 31536000LL));
     app.add_option("--server-name", options.serverName, "Name told at login")->capture_default_str();
     app.add_option("--server-version", options.version, "Version that the bare CGI tells")
         ->capture_default_str();
@@ -77,6 +82,7 @@ int readOptions(int argc, char** argv, Options& options) {
     }
     options.sessionTtl = std::chrono::seconds(ttl);
     options.jobDelay = std::chrono::milliseconds(jobDelay);
+    options.partialMaxAge = std::chrono::seconds(partialMaxAge);
     options.sync = !noSync;
     options.fcgi = !noFcgi;
     if (clusterStatus->empty() && !slaveId->empty()) {

@@ -152,6 +152,7 @@ Service::Service(const Options& options, Faults& faults)
       faults_(faults),
       tree_(options.root, options.users, options.teams),
       sessions_(options.sessionTtl, options.sessionFolder),
+      partials_(options.root, options.partialMaxAge),
       jobs_(options.jobDelay) {}
 
 void Service::setPorts(int http, int tls) {

@@ -6,6 +6,7 @@
 #include "jobs.h"
 #include "ledger.h"
 #include "options.h"
+#include "partials.h"
 #include "request.h"
 #include "sessions.h"
 #include "tree.h"
@@ -24,6 +25,7 @@ public:
     const Options& options() const { return options_; }
     const Tree& tree() const { return tree_; }
     Sessions& sessions() { return sessions_; }
+    Partials& partials() { return partials_; }
     Jobs& jobs() { return jobs_; }
     Faults& faults() { return faults_; }
     Ledger& ledger() { return ledger_; }
@@ -43,6 +45,7 @@ private:
     Faults& faults_;
     Tree tree_;
     Sessions sessions_;
+    Partials partials_;
     Ledger ledger_;
     int httpPort_ = 0;
     int tlsPort_ = 0;
