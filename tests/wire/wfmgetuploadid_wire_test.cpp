@@ -15,6 +15,7 @@ const char* const kGood = R"({"status":0,"upload_id":"u-17"})";
 const char* const kQuery = "func=start_chunked_upload&sid=sid123&upload_root_dir=%2Fhome%2F.up";
 
 struct UploadIDCall : SessionCall<UploadIDCall> {
+    const wchar_t* server = kServer;
     uint32_t capacity = 260;
     uint32_t* capacityInOut = &capacity;
     std::wstring buffer = std::wstring(300, L'#');
@@ -26,7 +27,7 @@ struct UploadIDCall : SessionCall<UploadIDCall> {
 
     using SessionCall::SessionCall;
     uint32_t call() {
-        return WFMGetUploadID(session, kServer, port, slaveID, capacityInOut, uploadID, uploadRoot, folder,
+        return WFMGetUploadID(session, server, port, slaveID, capacityInOut, uploadID, uploadRoot, folder,
                               nullptr, resultWord, detailWord);
     }
     int32_t signedDetail() const { return static_cast<int32_t>(detail); }
@@ -218,6 +219,18 @@ TEST(WFMGetUploadIDWire, ThePortIsNotTested) {
     EXPECT_EQ(call.signedResult(), -1);
     EXPECT_EQ(call.signedDetail(), -1);
     log.expectLines({"[WFM] WFMGetUploadID: FAIL(httpStatusCode=0)", summaryLine("WFMGetUploadID", 0, 2)});
+}
+
+TEST(WFMGetUploadIDWire, AnEmptyServerIsNoAddress) {
+    RawServer server({Reply::json(kGood)});
+    UploadIDCall call(server);
+    call.server = L"";
+    LogCapture log;
+    EXPECT_EQ(call.run(), 6u);
+    EXPECT_EQ(call.signedResult(), -1);
+    EXPECT_EQ(server.connectionCount(), 0u);
+    log.expectLines({"[WFM] WFMGetUploadID: FAIL(httpStatusCode=0)",
+                     "[WFM] WFMGetUploadID(:" + std::to_string(server.port()) + ") failed dwStatus(6)"});
 }
 
 TEST(WFMGetUploadIDWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
