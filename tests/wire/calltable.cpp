@@ -524,6 +524,7 @@ std::vector<CallRow> makeTable() {
          "[WFM] WFMTorviUploadandMoveMultiPartwithHandle(127.0.0.1:{port}) failed dwStatus({status}) "
          "(/home)"},
         "[WFM] WFMTorviUploadandMoveMultiPartwithHandle({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER");
+    row.ownCgi = "upload.php";
     row.notUnderstood = "[WFM] WFMTorviUploadandMoveMultiPartwithHandle: WFM_PARSE_XML_FAIL";
     rows.push_back(row);
 

@@ -27,6 +27,7 @@ struct CallRow {
     int timeoutMs = 60000;  ///< 0: none
     /// Those of the further requests that a success takes.
     std::vector<int> furtherTimeoutsMs{};
+    const char* ownCgi = nullptr;  ///< of both services, where it isn't their usual one
     /// What of the query the file manager's lacks, at its end.
     const char* syncServiceOnly = "";
     const char* goodReply = R"({"status":1,"success":"true"})";

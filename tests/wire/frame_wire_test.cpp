@@ -83,8 +83,9 @@ TEST_P(FrameWireOnSessions, TheFileManagersRequestDiffersInItsCgiAlone) {
     const Request sync = requestOf(GetParam(), options);
     options.fileManager = true;
     const Request older = requestOf(GetParam(), options);
-    EXPECT_EQ(sync.path(), kSync);
-    EXPECT_EQ(older.path(), kFileManager);
+    const char* const own = GetParam().ownCgi;
+    EXPECT_EQ(sync.path(), own != nullptr ? std::string("/cgi-bin/torvi/") + own : kSync);
+    EXPECT_EQ(older.path(), own != nullptr ? std::string("/cgi-bin/filemanager/") + own : kFileManager);
     EXPECT_EQ(older.method(), sync.method());
     EXPECT_EQ(older.queryText() + GetParam().syncServiceOnly, sync.queryText());
 }
