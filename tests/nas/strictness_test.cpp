@@ -268,7 +268,7 @@ TEST_F(NasStrict, RefusedUploadIsReadToItsEndSoThatTheConnectionGoesOn) {
 
 TEST_F(NasStrict, OtherAddressesAreNotThere) {
     for (const char* target :
-         {"/", "/cgi-bin/torvi/", "/cgi-bin/torvi/upload.php", "/index.html",
+         {"/", "/cgi-bin/torvi/", "/cgi-bin/torvi/upload.cgi", "/index.html",
           "/cgi-bin/torvi/../torvi/torvisrv.cgi?func=x", "/node7/cgi-bin/torvi/torvisrv.cgi?func=x",
           "//cgi-bin/torvi/torvisrv.cgi", "/cgi-bin/torvi/torvisrv%2Ecgi"}) {
         EXPECT_EQ(404, get(target).http) << target;

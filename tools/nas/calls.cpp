@@ -12,6 +12,7 @@ const std::vector<Call>& allCalls() {
         addJobCalls(all);
         addUploadCalls(all);
         addChunkCalls(all);
+        addBatchCalls(all);
         addDownloadCalls(all);
         return all;
     }();

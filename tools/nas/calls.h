@@ -33,6 +33,7 @@ void addListCalls(std::vector<Call>& calls);
 void addStatCalls(std::vector<Call>& calls);
 void addFileCalls(std::vector<Call>& calls);
 void addJobCalls(std::vector<Call>& calls);
+void addBatchCalls(std::vector<Call>& calls);
 void addChunkCalls(std::vector<Call>& calls);
 void addUploadCalls(std::vector<Call>& calls);
 void addDownloadCalls(std::vector<Call>& calls);

@@ -93,7 +93,7 @@ Answer chunkedUpload(Service& service, Request& request, httplib::Response&) {
         }
         const std::string folder = targetFolder(query, plan);
         noHome = homeless(service, *plan.user, folder);
-        plan.target = service.tree().open(*plan.user, folder);
+        plan.target = std::make_shared<Folder>(service.tree().open(*plan.user, folder));
         plan.file = service.partials().open(plan.user->name, field(query, "upload_id"),
                                             field(query, "upload_root_dir"));
         if (plan.file->size() != offset) {

@@ -53,6 +53,7 @@ std::string funcOf(const std::string& target) {
     };
     if (endsWith("_login.cgi") || endsWith("wfm2Login.cgi")) return "login";
     if (endsWith("_logout.cgi") || endsWith("wfm2Logout.cgi")) return "logout";
+    if (endsWith("/upload.php")) return "upload.php";
     return question == std::string::npos ? "version" : "";
 }
 

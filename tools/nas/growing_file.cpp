@@ -51,14 +51,19 @@ void GrowingFile::flush() {
 }
 
 void GrowingFile::commit(int folder, const std::string& name, bool overwrite, int64_t mtime) {
-    flush();
+    settle();
     if (mtime >= 0) {
         timespec times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(mtime), 0}};
-        if (::futimens(fd_.get(), times) != 0) {
+        if (::utimensat(this->folder(), hiddenName().c_str(), times, AT_SYMLINK_NOFOLLOW) != 0) {
             throw errnoError(errno, "set the time of " + name);
         }
     }
     place(folder, name, overwrite);
+}
+
+void GrowingFile::settle() {
+    flush();
+    fd_.reset();
 }
 
 void renameInto(int from, const std::string& name, int to, const std::string& newName, bool overwrite) {
@@ -67,11 +72,10 @@ void renameInto(int from, const std::string& name, int to, const std::string& ne
     }
 }
 
-TemporaryFile::TemporaryFile(int folder)
-    : folder_(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+TemporaryFile::TemporaryFile(std::shared_ptr<const Folder> folder) : folder_(std::move(folder)) {
     name_ = kTemporaryPrefix + randomHex(8);
-    fd_.reset(
-        ::openat(folder_.get(), name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0644));
+    fd_.reset(::openat(folder_->fd.get(), name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
+                       0644));
     if (!fd_) {
         throw errnoError(errno, "temporary file");
     }
@@ -79,12 +83,12 @@ TemporaryFile::TemporaryFile(int folder)
 
 TemporaryFile::~TemporaryFile() {
     if (!name_.empty()) {
-        ::unlinkat(folder_.get(), name_.c_str(), 0);
+        ::unlinkat(folder_->fd.get(), name_.c_str(), 0);
     }
 }
 
 void TemporaryFile::place(int folder, const std::string& name, bool overwrite) {
-    renameInto(folder_.get(), name_, folder, name, overwrite);
+    renameInto(folder_->fd.get(), name_, folder, name, overwrite);
     name_.clear();
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "fd.h"
+#include "tree.h"
 
 namespace nas {
 
@@ -19,6 +20,8 @@ public:
     int64_t size() const { return written_ + static_cast<int64_t>(buffer_.size()); }
     // Throws StatusError(Exists) when the name is taken and may not be replaced. A negative time is none.
     void commit(int folder, const std::string& name, bool overwrite, int64_t mtime);
+    // No more bytes come: it needs no descriptor any longer.
+    void settle();
     // What came with this request was never any good.
     virtual void discard() {}
 
@@ -28,6 +31,9 @@ protected:
     void flush();
     // Gives the file its name.
     virtual void place(int folder, const std::string& name, bool overwrite) = 0;
+    // The folder and the name that it has until then.
+    virtual int folder() const = 0;
+    virtual const std::string& hiddenName() const = 0;
 
     Fd fd_;
     int64_t written_ = 0;
@@ -39,13 +45,15 @@ void renameInto(int from, const std::string& name, int to, const std::string& ne
 // One that goes with the object if it didn't become whole.
 class TemporaryFile : public GrowingFile {
 public:
-    explicit TemporaryFile(int folder);
+    explicit TemporaryFile(std::shared_ptr<const Folder> folder);
     ~TemporaryFile() override;
 
 private:
     void place(int folder, const std::string& name, bool overwrite) override;
+    int folder() const override { return folder_->fd.get(); }
+    const std::string& hiddenName() const override { return name_; }
 
-    Fd folder_;
+    std::shared_ptr<const Folder> folder_;
     std::string name_;
 };
 

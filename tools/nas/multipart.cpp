@@ -25,23 +25,48 @@ bool cutPrefix(std::string& text, const std::string& prefix) {
     return true;
 }
 
+}  // namespace
+
+std::string boundaryOf(const std::string& contentType) {
+    std::string boundary = contentType;
+    if (!cutPrefix(boundary, kTypePrefix)) {
+        throw Refusal("Content-Type is " + excerpt(contentType) + ", not a multipart form with a boundary");
+    }
+    std::string number = boundary;
+    if (!cutPrefix(number, kBoundaryPrefix) || number.empty() ||
+        !std::all_of(number.begin(), number.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+        throw Refusal("boundary is not the protocol's: " + excerpt(boundary));
+    }
+    return boundary;
+}
+
+size_t sureData(const std::string& pending, const std::string& delimiter, bool& found) {
+    const size_t end = pending.find(delimiter);
+    found = end != std::string::npos;
+    if (found) {
+        return end;
+    }
+    // Held back is only what may be the delimiter's beginning: a body that breaks off loses nothing else.
+    const size_t size = pending.size();
+    size_t at = pending.find('\r', size < delimiter.size() ? 0 : size - delimiter.size() + 1);
+    while (at != std::string::npos && delimiter.compare(0, size - at, pending, at, size - at) != 0) {
+        at = pending.find('\r', at + 1);
+    }
+    return std::min(at, size);
+}
+
 std::string excerpt(const std::string& text) {
     return "\"" + text.substr(0, 90) + "\"";
 }
 
-}  // namespace
+void requirePlain(const std::string& what, const std::string& name) {
+    if (!validUtf8(name) || name.find('\0') != std::string::npos) {
+        throw Refusal("\"" + what + "\" is not plain UTF-8");
+    }
+}
 
 MultipartReader::MultipartReader(const std::string& contentType, std::string closing, Sink sink)
-    : closing_(std::move(closing)), sink_(std::move(sink)) {
-    boundary_ = contentType;
-    if (!cutPrefix(boundary_, kTypePrefix)) {
-        throw Refusal("Content-Type is " + excerpt(contentType) + ", not a multipart form with a boundary");
-    }
-    std::string number = boundary_;
-    if (!cutPrefix(number, kBoundaryPrefix) || number.empty() ||
-        !std::all_of(number.begin(), number.end(), [](char c) { return c >= '0' && c <= '9'; })) {
-        throw Refusal("boundary is not the protocol's: " + excerpt(boundary_));
-    }
+    : boundary_(boundaryOf(contentType)), closing_(std::move(closing)), sink_(std::move(sink)) {
     expectedTail_ = std::string(kCrlf) + "Content-Disposition: form-data; name=\"" + closing_ +
                     "\"\r\n\r\nSubmit Query\r\n--" + boundary_ + "--";
 }
@@ -76,9 +101,7 @@ void MultipartReader::readHead() {
         return;
     }
     const std::string name = pending_.substr(first.size(), nameEnd - first.size());
-    if (!validUtf8(name) || name.find('\0') != std::string::npos) {
-        throw Refusal("\"Filename\" is not plain UTF-8");
-    }
+    requirePlain("Filename", name);
     std::string part = pending_.substr(next, headEnd + 4 - next);
     // Without a file part the closing field follows at once. A folder as the target of a new file does that.
     if (name.empty() && part.compare(0, expectedTail_.size() - 2, expectedTail_, 2, part.size()) == 0) {
@@ -105,22 +128,14 @@ void MultipartReader::readHead() {
 
 void MultipartReader::readFile() {
     const std::string delimiter = kCrlf + ("--" + boundary_);
-    size_t end = pending_.find(delimiter);
-    if (end != std::string::npos) {
-        sink_.data(pending_.data(), end);
-        pending_.erase(0, end + delimiter.size());
-        stage_ = Stage::Tail;
-        return;
-    }
-    // Held back is only what may be the delimiter's beginning: a body that breaks off loses nothing else.
-    size_t sure = pending_.size();
-    size_t at = pending_.find('\r', sure < delimiter.size() ? 0 : sure - delimiter.size() + 1);
-    for (; at != std::string::npos && sure == pending_.size(); at = pending_.find('\r', at + 1)) {
-        sure = delimiter.compare(0, sure - at, pending_, at, sure - at) == 0 ? at : sure;
-    }
+    bool found = false;
+    const size_t sure = sureData(pending_, delimiter, found);
     if (sure > 0) {
         sink_.data(pending_.data(), sure);
-        pending_.erase(0, sure);
+    }
+    pending_.erase(0, found ? sure + delimiter.size() : sure);
+    if (found) {
+        stage_ = Stage::Tail;
     }
 }
 

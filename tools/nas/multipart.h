@@ -5,6 +5,16 @@
 
 namespace nas {
 
+// The boundary that a Content-Type names, or a refusal.
+std::string boundaryOf(const std::string& contentType);
+// How much of what is pending is data for sure: not the delimiter, nor what may be its beginning. `found`
+// tells whether the delimiter follows.
+size_t sureData(const std::string& pending, const std::string& delimiter, bool& found);
+// The beginning of a text, for a message.
+std::string excerpt(const std::string& text);
+// Refuses a name that isn't plain UTF-8.
+void requirePlain(const std::string& what, const std::string& name);
+
 // Reads the one multipart body that the protocol knows, in pieces of any size, and refuses every other:
 // "Filename", then "Filedata" with the bytes, then the closing field with "Submit Query", and nothing after
 // it.

@@ -81,6 +81,8 @@ public:
     }
 
 private:
+    int folder() const override { return partials_.folder_.get(); }
+    const std::string& hiddenName() const override { return id_; }
     void place(int folder, const std::string& name, bool overwrite) override {
         try {
             renameInto(partials_.folder_.get(), id_, folder, name, overwrite);

@@ -28,8 +28,8 @@ void Receiver::begin(const std::string& name, bool hasFile) {
         if (!hasFile) {
             throw StatusError(Status::IllegalName, "no file in the body");
         }
-        requireWritable(service_, *plan_.user, plan_.target);
-        std::optional<Entry> old = service_.tree().lookup(*plan_.user, plan_.target, name_);
+        requireWritable(service_, *plan_.user, *plan_.target);
+        std::optional<Entry> old = service_.tree().lookup(*plan_.user, *plan_.target, name_);
         if (old && old->isFolder) {
             throw StatusError(Status::FolderExists, name_ + " is a folder");
         }
@@ -39,17 +39,18 @@ void Receiver::begin(const std::string& name, bool hasFile) {
         if (old && !old->writable()) {
             throw StatusError(Status::Denied, name_ + " may not be written");
         }
-        room_ = roomIn(service_, plan_.target);
-        if (room_ >= 0 && old) {
-            room_ += old->size;
-        }
+        room_ = room(old);
         file_ = std::move(plan_.file);
         if (!file_) {
-            const Folder& folder = plan_.temporary.fd ? plan_.temporary : plan_.target;
-            file_ = std::make_unique<TemporaryFile>(folder.fd.get());
+            file_ = std::make_unique<TemporaryFile>(plan_.temporary ? plan_.temporary : plan_.target);
         }
         size_ = file_->size();
     });
+}
+
+int64_t Receiver::room(const std::optional<Entry>& old) const {
+    const int64_t left = roomIn(service_, *plan_.target);
+    return left >= 0 && old ? left + old->size : left;
 }
 
 void Receiver::data(const char* bytes, size_t length) {
@@ -68,10 +69,14 @@ void Receiver::data(const char* bytes, size_t length) {
                                                   " that filesize says");
         }
         if (room_ >= 0 && size_ > room_) {
-            throw StatusError(Status::Quota, "the quota of " + plan_.target.home + " is used up");
+            throw StatusError(Status::Quota, "the quota of " + plan_.target->home + " is used up");
         }
         file_->write(bytes, length);
     });
+}
+
+void Receiver::settle() {
+    guard([&] { file_->settle(); });
 }
 
 void Receiver::commit() {
@@ -88,7 +93,11 @@ void Receiver::commit() {
             throw StatusError(Status::Failed, "filesize says " + std::to_string(plan_.expected) + ", " +
                                                   std::to_string(size_) + " bytes came");
         }
-        file_->commit(plan_.target.fd.get(), name_, plan_.overwrite, plan_.mtime);
+        // Others may have taken the room meanwhile.
+        if (room_ >= 0 && size_ > room(service_.tree().lookup(*plan_.user, *plan_.target, name_))) {
+            throw StatusError(Status::Quota, "the quota of " + plan_.target->home + " is used up");
+        }
+        file_->commit(plan_.target->fd.get(), name_, plan_.overwrite, plan_.mtime);
     });
     if (failure_) {
         throw *failure_;

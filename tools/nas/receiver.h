@@ -15,10 +15,10 @@ namespace nas {
 // Where an upload goes, and on what terms.
 struct Plan {
     const User* user = nullptr;
-    Folder target;
-    Folder temporary;                   // where the bytes grow; the target itself if this isn't open
-    std::unique_ptr<GrowingFile> file;  // what has come before
-    std::string rename;                 // the final name, if it isn't the one in the body
+    std::shared_ptr<const Folder> target;
+    std::shared_ptr<const Folder> temporary;  // where the bytes grow, if not in the target itself
+    std::unique_ptr<GrowingFile> file;        // what has come before
+    std::string rename;                       // the final name, if it isn't the one in the body
     bool overwrite = false;
     bool more = false;  // this request doesn't end the file
     int64_t mtime = -1;
@@ -34,6 +34,8 @@ public:
 
     void begin(const std::string& name, bool hasFile);
     void data(const char* bytes, size_t length);
+    // No more data.
+    void settle();
     void commit();
     // The body isn't the protocol's: nothing of it counts.
     void discard();
@@ -47,6 +49,7 @@ private:
     // The first failure stands; what comes after it is skipped.
     template <typename Step>
     void guard(Step step);
+    int64_t room(const std::optional<Entry>& old) const;
 
     Service& service_;
     Plan plan_;

@@ -15,9 +15,11 @@ enum class Endpoint : unsigned {
     SyncFcgi = 2,
     SyncLogin = 4,
     SyncLogout = 8,
-    ManagerCgi = 16,
-    ManagerLogin = 32,
-    ManagerLogout = 64,
+    SyncBatch = 16,
+    ManagerCgi = 32,
+    ManagerLogin = 64,
+    ManagerLogout = 128,
+    ManagerBatch = 256,
 };
 
 // One request on its way through the service.

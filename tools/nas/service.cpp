@@ -20,13 +20,15 @@ struct {
     {"cgi-bin/torvi/torvisrv.fcgi", Endpoint::SyncFcgi},
     {"cgi-bin/torvi/torvisrv_login.cgi", Endpoint::SyncLogin},
     {"cgi-bin/torvi/torvisrv_logout.cgi", Endpoint::SyncLogout},
+    {"cgi-bin/torvi/upload.php", Endpoint::SyncBatch},
     {"cgi-bin/filemanager/utilRequest.cgi", Endpoint::ManagerCgi},
     {"cgi-bin/filemanager/wfm2Login.cgi", Endpoint::ManagerLogin},
     {"cgi-bin/filemanager/wfm2Logout.cgi", Endpoint::ManagerLogout},
+    {"cgi-bin/filemanager/upload.php", Endpoint::ManagerBatch},
 };
 
 bool isSync(Endpoint endpoint) {
-    return on(endpoint) <= on(Endpoint::SyncLogout);
+    return on(endpoint) <= on(Endpoint::SyncBatch);
 }
 
 // The name under which a request is counted and logged.
@@ -38,6 +40,9 @@ std::string callName(Endpoint endpoint, const Fields& query) {
         case Endpoint::SyncLogout:
         case Endpoint::ManagerLogout:
             return "logout";
+        case Endpoint::SyncBatch:
+        case Endpoint::ManagerBatch:
+            return "upload.php";
         default:
             return query.empty() ? "version" : hasField(query, "func") ? field(query, "func") : "";
     }
@@ -200,7 +205,8 @@ Endpoint Service::findEndpoint(const std::string& path) const {
         }
         bool offered = (options_.sync || !isSync(known.endpoint)) &&
                        (options_.fcgi || known.endpoint != Endpoint::SyncFcgi);
-        bool mayBePrefixed = known.endpoint == Endpoint::SyncCgi || known.endpoint == Endpoint::SyncFcgi;
+        bool mayBePrefixed = known.endpoint == Endpoint::SyncCgi || known.endpoint == Endpoint::SyncFcgi ||
+                             known.endpoint == Endpoint::SyncBatch;
         if (!offered) {
             throw Refusal("this server doesn't have " + rest, 404);
         }

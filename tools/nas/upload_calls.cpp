@@ -10,7 +10,8 @@ Answer upload(Service& service, Request& request, httplib::Response&) {
     Receiver receiver(service, [&] {
         Plan plan;
         plan.user = &service.authenticate(request, field(request.query, "sid"));
-        plan.target = service.tree().open(*plan.user, field(request.query, "dest_path"));
+        plan.target =
+            std::make_shared<Folder>(service.tree().open(*plan.user, field(request.query, "dest_path")));
         plan.overwrite = overwrite;
         return plan;
     });
@@ -36,16 +37,17 @@ Answer uploadAndMove(Service& service, Request& request, httplib::Response&) {
         plan.expected = expected;
         const std::string folder = targetFolder(query, plan);
         noHome = homeless(service, *plan.user, folder);
-        plan.target = service.tree().open(*plan.user, folder);
+        plan.target = std::make_shared<Folder>(service.tree().open(*plan.user, folder));
         try {
-            plan.temporary = service.tree().open(*plan.user, field(query, "upload_root_dir"));
-            requireWritable(service, *plan.user, plan.temporary);
+            plan.temporary =
+                std::make_shared<Folder>(service.tree().open(*plan.user, field(query, "upload_root_dir")));
+            requireWritable(service, *plan.user, *plan.temporary);
         } catch (const StatusError& error) {
             // Not there yet: the bytes grow beside the target.
             if (error.status() != Status::Missing) {
                 throw;
             }
-            plan.temporary = Folder();
+            plan.temporary = nullptr;
         }
         return plan;
     });
