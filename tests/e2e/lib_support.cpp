@@ -9,7 +9,6 @@ namespace e2e {
 
 namespace {
 
-constexpr const wchar_t* kServer = L"127.0.0.1";
 constexpr const wchar_t* kAgent = L"e2e";
 
 Entry entryOf(const _WFM_PATH_INFORMATION& record) {
@@ -32,14 +31,6 @@ void take(std::uint32_t count, _WFM_PATH_INFORMATION** list, std::vector<Entry>&
         delete list[i];
     }
     delete[] list;
-}
-
-/// Runs a call that wants a result word last, or in the place that the callable gives it.
-template <class Call>
-Numbers numbersOf(Call call) {
-    std::uint32_t result = 0xABCD;
-    const std::uint32_t status = call(&result);
-    return {status, static_cast<std::int32_t>(result)};
 }
 
 template <class Call>

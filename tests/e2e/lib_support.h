@@ -43,6 +43,14 @@ struct Numbers {
 };
 std::ostream& operator<<(std::ostream& out, const Numbers& numbers);
 inline constexpr Numbers kDone{0, 0};
+/// Runs a call that is given the place of its result word.
+template <class Call>
+Numbers numbersOf(Call call) {
+    std::uint32_t result = 0xABCD;
+    const std::uint32_t status = call(&result);
+    return {status, static_cast<std::int32_t>(result)};
+}
+inline constexpr const wchar_t* kServer = L"127.0.0.1";
 
 std::string utf8(const std::wstring& text);
 std::wstring wide(const std::string& text);
@@ -105,6 +113,19 @@ struct Download {
     std::string bytes = {};  ///< what it holds afterwards
 };
 
+/// What a client believes of an object that it is about to change.
+struct Profile {
+    std::int64_t time = 0, size = 0;
+    bool isFolder = false;
+};
+
+/// What a job says of itself when it is asked once.
+struct JobState {
+    Numbers numbers;
+    std::uint32_t percent = 0;
+    std::int32_t error = 0;
+};
+
 /// A session with the place of its server. It may be used by one thread at a time.
 class Client {
 public:
@@ -140,6 +161,25 @@ public:
     /// The whole file.
     Numbers download(const std::wstring& from, std::string& bytes) const;
     std::uint32_t logout() const;
+
+    Numbers makeFolder(const std::wstring& parent, const std::wstring& name) const;
+    Numbers remove(const std::wstring& path) const;
+    Numbers removeChecked(const std::wstring& path, const Profile& profile,
+                          bool cleanThumbnails = false) const;
+    Numbers setTime(const std::wstring& parent, const std::wstring& name, std::int64_t time) const;
+    Numbers rename(const std::wstring& from, const std::wstring& to) const;
+    Numbers renameChecked(const std::wstring& from, const std::wstring& to, const Profile& profile) const;
+    Numbers move(const std::wstring& from, const std::wstring& to, bool* cancel = nullptr) const;
+    Numbers moveChecked(const std::wstring& from, const std::wstring& to, const Profile& profile,
+                        bool* cancel = nullptr) const;
+    /// What the server says of the path now.
+    Profile profile(const std::wstring& path) const;
+
+    Numbers followJob(std::int32_t pid, bool* cancel = nullptr) const;
+    JobState askJob(const std::wstring& pid) const;
+    std::uint32_t clearJob(std::int32_t pid) const;
+    Numbers restore(const std::wstring& folder, const std::wstring& name, std::wstring& pid,
+                    std::uint32_t mode = 0, std::uint32_t capacity = 260) const;
 
 private:
     std::uint16_t m_port;
