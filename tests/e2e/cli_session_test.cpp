@@ -196,8 +196,30 @@ TEST_F(CliSession, WrongUsageIsItsOwnExitCode) {
 TEST_F(CliSession, EveryCommandHasHelp) {
     const std::string all = cli.runBare({"--help"}).out;
     EXPECT_THAT(all, AllOf(HasSubstr("Exit codes"), HasSubstr("Examples"), HasSubstr("TORVI_PASSWORD")));
-    for (const char* command :
-         {"login", "logout", "version", "ls", "stat", "du", "put", "get", "touch", "can-upload"}) {
+    for (const char* command : {"login",
+                                "logout",
+                                "version",
+                                "ls",
+                                "stat",
+                                "du",
+                                "put",
+                                "get",
+                                "mkdir",
+                                "touch",
+                                "rm",
+                                "mv",
+                                "trash",
+                                "restore",
+                                "jobs",
+                                "can-upload",
+                                "version-probe",
+                                "version-lock",
+                                "version-unlock",
+                                "version-clean",
+                                "version-sig",
+                                "version-delta",
+                                "version-stat",
+                                "version-commit"}) {
         const ProcessResult help = cli.runBare({command, "--help"});
         EXPECT_EQ(help.exitCode, 0) << command;
         EXPECT_THAT(help.out, HasSubstr(std::string("torvi ") + command)) << command;

@@ -14,10 +14,25 @@
 #include "support/process.h"
 #include "support/tempdir.h"
 
+/// How the command line reaches its server. The web file manager is reached by no login of its own yet.
+struct CliRoad {
+    bool tls = false;
+    bool fcgi = false;
+};
+inline std::vector<CliRoad> cliRoads() {
+    return {{false, false}, {true, false}, {false, true}, {true, true}};
+}
+inline std::string nameOf(const CliRoad& road) {
+    return std::string(road.fcgi ? "Fcgi" : "Sync") + (road.tls ? "Tls" : "Http");
+}
+inline void PrintTo(const CliRoad& road, std::ostream* out) {
+    *out << nameOf(road);
+}
+
 /// The command line with a state folder, a working folder and a server of its own.
 class Cli {
 public:
-    explicit Cli(Nas& nas) : m_nas(nas) {}
+    explicit Cli(Nas& nas, const CliRoad& road = {}) : m_nas(nas), m_road(road) {}
 
     const TempDir& work() const { return m_work; }
     const TempDir& state() const { return m_state; }
@@ -27,7 +42,7 @@ public:
         Process::Options options;
         options.workingDirectory = m_work.string();
         options.environment = {{"XDG_STATE_HOME", m_state.string()},
-                               {"TORVI_PASSWORD", "secret"},
+                               {"TORVI_PASSWORD", m_password},
                                {"TORVI_SERVER", ""},
                                {"TORVI_PORT", ""},
                                {"TORVI_USER", ""},
@@ -43,10 +58,16 @@ public:
 
     /// With the options that name the server and the user.
     std::vector<std::string> connected(std::vector<std::string> arguments, bool tls = false) const {
-        arguments.insert(arguments.end(), {"--server", "127.0.0.1", "--user", "anna", "--port",
+        tls = tls || m_road.tls;
+        arguments.insert(arguments.end(), {"--server", "127.0.0.1", "--user", m_user, "--port",
                                            std::to_string(tls ? m_nas.tlsPort() : m_nas.port())});
         if (tls) arguments.push_back("--tls");
+        if (m_road.fcgi) arguments.push_back("--fcgi");
         return arguments;
+    }
+    void become(const std::string& user, const std::string& password) {
+        m_user = user;
+        m_password = password;
     }
 
     ProcessResult run(std::vector<std::string> arguments, bool tls = false) const {
@@ -78,19 +99,64 @@ public:
 
 private:
     Nas& m_nas;
+    CliRoad m_road;
+    std::string m_user = "anna", m_password = "secret";
     TempDir m_state, m_work;
 };
 
 class CliTest : public testing::Test {
 protected:
+    CliTest() : CliTest(Nas::Options()) {}
+    explicit CliTest(Nas::Options options, const CliRoad& road = {})
+        : nas(std::move(options)), cli(nas, road) {}
+
     Nas nas;
-    Cli cli{nas};
+    Cli cli;
     /// Waits until the fault has taken effect on the process's request.
     void waitForHit(int fault, Process& process) {
         while (nas.hits(fault) == 0 && process.running())
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 
+    /// Runs a command that must succeed, and gives its document.
+    nlohmann::json runJson(std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), {"--json", "--quiet"});
+        const ProcessResult result = cli.run(arguments);
+        EXPECT_EQ(result.exitCode, 0) << arguments[0] << ": " << result.err;
+        return nlohmann::json::parse(result.out, nullptr, false);
+    }
+    /// The next request for that func gets this reply, and isn't served.
+    int answer(const std::string& func, const std::string& reply) {
+        const nlohmann::json fault = {{"name", "reply"}, {"match", func}, {"content", reply}};
+        return nlohmann::json::parse(nas.control("POST", "faults", fault.dump()))["id"];
+    }
+    /// A file on the server.
+    std::string serve(const std::string& name, const std::string& content, std::int64_t time = kTime) {
+        const std::string path = nas.folder().write(home + name, content);
+        setModifiedTime(path, time);
+        return path;
+    }
+    /// A file on this machine.
+    std::string keep(const std::string& name, const std::string& content, std::int64_t time = kTime) {
+        const std::string path = cli.work().write(name, content);
+        setModifiedTime(path, time);
+        return path;
+    }
+    bool served(const std::string& name) const {
+        return std::filesystem::exists(nas.folder().path() / home / name);
+    }
+
+    static constexpr std::int64_t kTime = 1234567890;
     // Where the server keeps the folder that anna sees as /home.
     const std::string home = "homes/anna/";
 };
+
+/// The same on each road.
+class CliOnRoads : public CliTest, public testing::WithParamInterface<CliRoad> {
+protected:
+    explicit CliOnRoads(Nas::Options options = Nas::Options()) : CliTest(std::move(options), GetParam()) {}
+};
+
+#define CLI_ON_ALL_ROADS(suite)                                           \
+    INSTANTIATE_TEST_SUITE_P(Roads, suite, testing::ValuesIn(cliRoads()), \
+                             [](const auto& info) { return nameOf(info.param); })

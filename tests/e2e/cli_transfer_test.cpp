@@ -10,27 +10,10 @@ using Json = nlohmann::json;
 
 namespace {
 
-constexpr std::int64_t kTime = 1234567890;
-
 class CliTransfer : public CliTest {
 protected:
     void SetUp() override { std::filesystem::create_directories(nas.folder().path() / home); }
 
-    /// A file on the server.
-    std::string serve(const std::string& name, const std::string& content, std::int64_t time = kTime) {
-        const std::string path = nas.folder().write(home + name, content);
-        setModifiedTime(path, time);
-        return path;
-    }
-    /// A file on this machine.
-    std::string keep(const std::string& name, const std::string& content, std::int64_t time = kTime) {
-        const std::string path = cli.work().write(name, content);
-        setModifiedTime(path, time);
-        return path;
-    }
-    bool served(const std::string& name) const {
-        return std::filesystem::exists(nas.folder().path() / home / name);
-    }
     bool kept(const std::string& name) const { return std::filesystem::exists(cli.work().path() / name); }
 
     /// Leaves a download that broke off after so many bytes, and gives how many arrived.

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <QByteArray>
+#include <QCryptographicHash>
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -19,6 +21,11 @@ inline std::string randomBytes(std::size_t size, unsigned seed = 1) {
         std::memcpy(bytes.data() + at, &word, std::min(size - at, sizeof word));
     }
     return bytes;
+}
+
+inline std::string sha256(const std::string& bytes) {
+    const QByteArray view = QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size()));
+    return QCryptographicHash::hash(view, QCryptographicHash::Sha256).toHex().toStdString();
 }
 
 inline std::int64_t modifiedTime(const std::string& path) {

@@ -28,20 +28,26 @@ Json::Value parsed(const std::string& text) {
 
 Nas::Nas() : Nas(Options()) {}
 
-Nas::Nas(Options options) : m_root(options.root.empty() ? m_folder.string() : options.root) {
+Nas::Nas(Options options)
+    : m_options(std::move(options)), m_root(m_options.root.empty() ? m_folder.string() : m_options.root) {
+    start();
+}
+
+void Nas::start() {
     Process::Options process;
-    process.arguments = {"--root", m_root, "--port", "0", "--control"};
-    if (options.tls) process.arguments.insert(process.arguments.end(), {"--tls-port", "0"});
-    for (const std::string& user : options.users) {
+    process.arguments = {"--root", m_root, "--port", std::to_string(m_port), "--control"};
+    if (m_options.tls)
+        process.arguments.insert(process.arguments.end(), {"--tls-port", std::to_string(m_tlsPort)});
+    for (const std::string& user : m_options.users) {
         process.arguments.insert(process.arguments.end(), {"--user", user});
     }
-    process.arguments.insert(process.arguments.end(), options.arguments.begin(), options.arguments.end());
+    process.arguments.insert(process.arguments.end(), m_options.arguments.begin(), m_options.arguments.end());
     m_process = std::make_unique<Process>(TORVI_NAS_PATH, std::move(process));
     const auto ready = m_process->waitForLine("torvi-nas ready ");
     if (!ready) throw std::runtime_error("torvi-nas doesn't start: " + log());
     m_port = portIn(*ready, "http");
     m_tlsPort = portIn(*ready, "tls");
-    if (m_port == 0 || (options.tls && m_tlsPort == 0)) throw std::runtime_error("no port in: " + *ready);
+    if (m_port == 0 || (m_options.tls && m_tlsPort == 0)) throw std::runtime_error("no port in: " + *ready);
 }
 
 Nas::~Nas() = default;
@@ -115,4 +121,13 @@ bool Nas::waitForLog(const std::string& text) const {
 int Nas::stop() {
     m_process->sendSignal(SIGTERM);
     return m_process->wait();
+}
+
+void Nas::kill() {
+    m_process->sendSignal(SIGKILL);
+    m_process->wait();
+}
+
+void Nas::startAgain() {
+    start();
 }

@@ -55,8 +55,15 @@ public:
     int pid() const { return m_process->pid(); }
     /// Ends it in order and gives the exit code.
     int stop();
+    /// Kills it as a power failure would.
+    void kill();
+    /// Starts it again after stop() or kill(): the same folder, the same ports, no faults armed.
+    void startAgain();
 
 private:
+    void start();
+
+    Options m_options;
     TempDir m_folder;
     std::string m_root;
     std::uint16_t m_port = 0, m_tlsPort = 0;

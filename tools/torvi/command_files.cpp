@@ -46,7 +46,13 @@ bool makeFolder(const Session& session, const QString& what, const QString& path
         WFMCreateFolder(session.context(), session.server(), session.port(), session.node(),
                         wide(parentOf(path)).c_str(), wide(leafOf(path)).c_str(), cancelFlag(), &word);
     if (dwStatus == 0 && word == kExists) return false;
-    if (dwStatus != 0 || word != 0) fail(what, dwStatus, word);
+    if (dwStatus != 0 || word != 0) {
+        if (interrupted()) throwCancelled(what);
+        Failure failure = callFailure(what, dwStatus, word);
+        if (failure.exit() == Exit::NotFound)
+            failure.withAdvice(QStringLiteral("-p makes the folders on the way, too"));
+        throw failure;
+    }
     return true;
 }
 

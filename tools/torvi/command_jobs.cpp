@@ -71,7 +71,8 @@ void job(const GlobalOptions& global, const JobOptions& options) {
         printLine(state.done() ? QStringLiteral("job %1: done").arg(pid)
                                : QStringLiteral("job %1: %2%").arg(pid).arg(state.percent));
     }
-    if (options.clear && !global.quiet) printLine(QStringLiteral("job %1: cleared").arg(pid));
+    if (options.clear && !global.quiet)
+        printLine(QStringLiteral("job %1: the server was told to forget it").arg(pid));
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ namespace torvi {
 namespace {
 
 const std::string kFolder = "locks";
+const std::string kGroup = "Versions of a file";
 constexpr int kBetweenQuestionsMs = 250;
 
 struct VersionOptions {
@@ -330,6 +331,7 @@ void addVersionCommands(const Commands& commands) {
 
     CLI::App* probeCommand =
         commands.app.add_subcommand("version-probe", "Ask whether the server keeps versions of files");
+    probeCommand->group(kGroup);
     probeCommand->callback([&global, &action] { action = [&global] { probe(global); }; });
 
     struct Row {
@@ -350,6 +352,7 @@ void addVersionCommands(const Commands& commands) {
     };
     for (const Row& row : kRows) {
         CLI::App* command = commands.app.add_subcommand(row.name, row.help);
+        command->group(kGroup);
         auto options = std::make_shared<VersionOptions>();
         command->add_option("path", options->path, "The file on the server")->type_name("")->required();
         if (row.takesLock) {

@@ -1,6 +1,7 @@
 #include "slicedupload.h"
 
 #include <QDateTime>
+#include <algorithm>
 
 #include "failure.h"
 #include "progress.h"
@@ -15,7 +16,8 @@ const std::string kFolder = "uploads";
 constexpr int64_t kSlice = 1073741824;
 
 constexpr int32_t kSliceLanded = -43;
-constexpr int32_t kUnknownId = -11;
+// Servers differ in what they say of an id that they don't know (any more).
+constexpr int32_t kUnknownIds[] = {-4, -11};
 constexpr int32_t kVoid = -31;
 
 QByteArray keyOf(const QString& server, const QString& path, const QString& version) {
@@ -220,7 +222,9 @@ std::optional<int64_t> SlicedUpload::held() const {
         m_session.context(), m_session.server(), m_session.port(), m_node.c_str(),
         wide(m_record.id()).c_str(), wide(m_record.root()).c_str(), nullptr, &size, &word);
     if (dwStatus == 0 && word == 0) return size;
-    if (dwStatus == 0 && static_cast<int32_t>(word) == kUnknownId) return std::nullopt;
+    const bool unknown = std::find(std::begin(kUnknownIds), std::end(kUnknownIds),
+                                   static_cast<int32_t>(word)) != std::end(kUnknownIds);
+    if (dwStatus == 0 && unknown) return std::nullopt;
     if (interrupted()) throwCancelled(m_what);
     throw callFailure(m_what, dwStatus, word)
         .withAdvice(QStringLiteral("run it again later, or with --restart to begin anew"));
