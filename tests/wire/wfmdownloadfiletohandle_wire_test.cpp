@@ -347,6 +347,20 @@ TEST(WFMDownloadFileToHandleWire, AnErrorPageIs13WhateverItsStatus) {
     }
 }
 
+TEST(WFMDownloadFileToHandleWire, AnErrorPageOfTheFilesSizePassesAsTheFile) {
+    for (const int status : {302, 403, 404, 500, 503}) {
+        SCOPED_TRACE(status);
+        RawServer server({Reply::status(status, "error page")});
+        DownloadCall call(server);
+        call.size = 10;
+        LogCapture log;
+        EXPECT_EQ(call.run(), 0u);
+        EXPECT_EQ(call.result, 0u);
+        EXPECT_EQ(call.content(), "error page");
+        log.expectNoLines();
+    }
+}
+
 TEST(WFMDownloadFileToHandleWire, AServerThatCannotBeReachedIs13) {
     RefusedPort nobody;
     RawServer server({Reply::closeBeforeReply()});
