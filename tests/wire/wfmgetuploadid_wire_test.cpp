@@ -221,16 +221,16 @@ TEST(WFMGetUploadIDWire, ThePortIsNotTested) {
     log.expectLines({"[WFM] WFMGetUploadID: FAIL(httpStatusCode=0)", summaryLine("WFMGetUploadID", 0, 2)});
 }
 
-TEST(WFMGetUploadIDWire, AnEmptyServerIsNoAddress) {
+TEST(WFMGetUploadIDWire, AnEmptyServerIsAHostThatIsNotFound) {
     RawServer server({Reply::json(kGood)});
     UploadIDCall call(server);
     call.server = L"";
     LogCapture log;
-    EXPECT_EQ(call.run(), 6u);
+    EXPECT_EQ(call.run(), 2u);
     EXPECT_EQ(call.signedResult(), -1);
     EXPECT_EQ(server.connectionCount(), 0u);
     log.expectLines({"[WFM] WFMGetUploadID: FAIL(httpStatusCode=0)",
-                     "[WFM] WFMGetUploadID(:" + std::to_string(server.port()) + ") failed dwStatus(6)"});
+                     "[WFM] WFMGetUploadID(:" + std::to_string(server.port()) + ") failed dwStatus(2)"});
 }
 
 TEST(WFMGetUploadIDWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {

@@ -341,6 +341,12 @@ TEST(WFMTorviUploadandMoveMultiPartwithHandleWire, ARecordThatCannotBeSentIs87An
              call.record(1).pFile->close();
              call.record(1).pFile->open(QIODevice::WriteOnly);
          }},
+        {"a file that isn't a plain one",
+         [](BatchCall& call) {
+             static QFile null(QStringLiteral("/dev/null"));
+             null.open(QIODevice::ReadOnly);
+             call.record(1).pFile = &null;
+         }},
         {"a file that is gone", [](BatchCall& call) { QFile::remove(call.record(1).pFile->fileName()); }},
     };
     for (const auto& row : rows) {
