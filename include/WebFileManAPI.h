@@ -226,6 +226,134 @@ struct WFM_VERSIONING_DELTA_STAT {
     int64_t llSize;  ///< bytes; 0 if it isn't there
 };
 
+/// The proxy of a session, filled by WFMSetAutoProxyContext.
+struct _WFM_AUTO_PROXY_INFORMATION {
+    uint32_t dwReserved;         ///< left as it is
+    uint32_t dwProxyFlags;       ///< as given to WFMSetProxyContext
+    wchar_t szProxyHost[260];    ///< "host:port", terminated
+    wchar_t szProxyBypass[260];  ///< terminated
+};
+
+/// Who a server is, filled by WFMGetNASUserUID and WebFileManQueryUID. A text that the server doesn't have,
+/// or that doesn't fit, is empty; all are terminated.
+struct _NAS_USER_UID_INFORMATION {
+    bool bBooting;                     ///< it isn't ready yet
+    bool bRecovering;                  ///< its data are being put in order
+    bool bMigrating;                   ///< its data are being moved
+    bool bNuboCGI;                     ///< it has the sync service
+    bool bFcgi;                        ///< always false, whatever the server says
+    uint32_t dwUserType;               ///< 1 or 0
+    wchar_t szUID[260];                ///< identity of the server for this user
+    wchar_t szSUID[260];               ///< the same for a share
+    wchar_t szMAC[260];                ///< first hardware address
+    wchar_t szTorviVersion[260];       ///< of the sync service
+    wchar_t szVersioningVersion[260];  ///< of the versioning engine
+};
+
+/// What the sync service has for this user, filled by WebFileManGetTorviInformation.
+struct _TORVI_INFORMATION {
+    bool bFunctionEnable;     ///< the sync service is switched on
+    bool bUserEnable;         ///< the same value once more, not the user's own switch
+    bool bHomeIsExist;        ///< the user has a home
+    bool bTeamFolderIsExist;  ///< team folders are set up
+    bool bClusterSupport;     ///< the server can be a node of a cluster
+    int32_t nClusterStatus;   ///< 1: it is one; 0 without bClusterSupport
+    wchar_t szSlaveID[260];   ///< its slave id, empty unless nClusterStatus is 1; terminated
+};
+
+/// What doesn't change while a server runs, filled by WFMTorviGetNASStaticInfo.
+struct _NAS_STATIC_INFORMATION {
+    wchar_t szModel[260];            ///< cut at 259, terminated
+    wchar_t szFirmwareVersion[260];  ///< cut at 259, terminated
+    int64_t llQueueLimit;            ///< entries that its change queue takes
+    int64_t llMessageQueueLimit;     ///< entries that its message queue takes
+};
+
+/// What is in order on a server, filled by WFMTorviGetNASStatus.
+struct _NAS_STATUS_INFORMATION {
+    bool bHomeFolderEnable;
+    bool bRecycleBinEnable;
+    bool bDeviceDBExist;
+    bool bLogDBExist;
+    bool bShareDBExist;
+    bool bUserEnable;
+    bool bVersioningEnable;
+    bool bNuboVersioningEnable;  ///< versions for the sync service
+    bool bHomeFolderAvailable;   ///< true where the server doesn't tell
+    bool bRecovering;
+    wchar_t szVersioningVersion[260];  ///< empty where there is none; cut at 259, terminated
+};
+
+/// By which names and addresses a server is reached, filled by WFMGetDomainIPList. A text that is too long,
+/// 259 characters or more, is empty; all are terminated.
+struct _DOMAIN_IP_LIST_INFORMATION {
+    wchar_t szPeltnetHostName[260];  ///< name at the maker's remote-access service
+    wchar_t szDdnsHostName[260];     ///< dynamic DNS name
+    wchar_t szExternalIP[260];       ///< address towards the internet
+    wchar_t szLocalIP[260];          ///< address in the local network
+    wchar_t szHostIP[260];           ///< the address that the request came to
+    wchar_t szLocalIPList[2080];     ///< all local addresses, one text as the server sends it
+    int32_t nPort;                   ///< HTTP port in the local network
+    int32_t nSslPort;                ///< HTTPS port in the local network
+    int32_t nExtPort;                ///< HTTP port towards the internet
+    int32_t nExtSslPort;             ///< HTTPS port towards the internet
+};
+
+/// One folder that can be synced, from WFMTorviGetNASSyncinFolderList. Texts are terminated.
+struct _NAS_SYNCING_FOLDER_INFORMATION {
+    wchar_t szSlaveID[260];   ///< its node, on a cluster; empty if it doesn't fit
+    wchar_t szHostName[260];  ///< the node's name, on a cluster; cut at 259
+    wchar_t szReserved[260];  ///< always empty
+    wchar_t szName[260];      ///< cut at 259
+    wchar_t szPath[260];      ///< cut at 259
+    int32_t nPrivilege;       ///< 2: read and write; -1 unknown
+    int32_t nVolumeID;        ///< 0 on a cluster
+    int64_t llUsed;           ///< bytes; -1 unknown, as always on a cluster
+    int64_t llCapacity;       ///< bytes; -1 unknown
+    int64_t llFree;           ///< bytes; -1 unknown
+};
+
+/// One folder of WFMTorviNuboGetMaxLog.
+struct _TORVI_MAX_LOG_FOLDER {
+    wchar_t szPath[260];  ///< in; not empty, terminated
+    int64_t llMaxLog;     ///< out: its newest change, -1 unknown
+};
+
+/// Question and answer of WFMTorviNuboGetMaxLog. -1 is a number that the server didn't give.
+struct _TORVI_MAX_LOG_INFORMATION {
+    uint32_t dwFolderCount;              ///< in: folders, at least 1
+    int64_t llMaxLog;                    ///< out: newest change of all; stays -1 where folders are asked for
+    int64_t llNotify;                    ///< out
+    int64_t llGlobalNotify;              ///< out
+    _TORVI_MAX_LOG_FOLDER** lppFolders;  ///< in and out: the caller's; no null among them
+};
+
+/// The numbers of WFMTorviGetMaxLog. -1 is a number that the server didn't give.
+struct _TORVI_MAX_LOG_NUMBERS {
+    int64_t llMaxLog;  ///< newest change
+    int64_t llNotify;
+    int64_t llGlobalNotify;
+    int64_t llSyncSignal;
+};
+
+/// One change, from WFMTorviGetSyncLog. All texts are terminated; one that doesn't fit is empty.
+struct _WFM_SYNC_LOG_INFORMATION {
+    wchar_t szFilePath[4096];
+    wchar_t szOldFilePath[4096];  ///< of a rename or move; otherwise empty
+    wchar_t szDevice[260];        ///< the client that made the change; empty if the server doesn't tell
+    int64_t llLogID;              ///< its number, to go on from
+    int32_t nIsFolder;            ///< 1 or 2; 0 unknown
+    int32_t nAction;              ///< the client's action number; -1 unknown
+};
+
+/// One volume's quota, from WebFileManGetQuotaInformation. Bytes; -1 unknown.
+struct USER_QUOTA_INFO {
+    int32_t nVolumeID;
+    int64_t llQuotaSize;
+    int64_t llAvailableSize;  ///< 0 once the quota is used up
+    int64_t llUsedSize;
+};
+
 /// Progress of a transfer, asked for a verdict: 0 goes on, 1 stops.
 ///
 /// Other verdicts stop as well and mean something else: 2 says that the data can't be trusted (13 or -31),
@@ -492,6 +620,203 @@ TORVIAPI_EXPORT uint32_t TorviLogin(const wchar_t* server, int32_t port, const w
                                     _WFM_AUTH_CONTEXT** context, uint64_t reserved2,
                                     _WFM_NETWORK_INFORMATION* network);
 
+/// Tells whether a candidate address really is a certain server, by asking it for its identity. Lines of the
+/// log are at level 4: a probe that fails is routine.
+/// @param server,port  the candidate; not null or empty, not 0
+/// @param reserved     0
+/// @param secure       HTTPS
+/// @param user         not null or empty
+/// @param uid          the server's identity (_NAS_USER_UID_INFORMATION::szUID), in whatever case; null or
+/// empty
+///                     takes any server that answers
+/// @param agentName    null or empty takes "VEXAWebFileMan"
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor  as in the file comment
+/// @param otherAgentName  goes before agentName; null or empty: none
+/// @param timeoutMs    of each request, in milliseconds; 0 takes 3000
+/// @return `dwStatus`; 0: it is. 14: it isn't, or what answers isn't such a server. 10: neither service is
+/// there
+///
+/// A server without the sync service is asked a second time, at the old place. Twice: safe. Next: a login
+/// there.
+TORVIAPI_EXPORT uint32_t WFMValidIP(const wchar_t* server, uint32_t port, uint64_t reserved, bool secure,
+                                    const wchar_t* user, const wchar_t* uid, const wchar_t* agentName,
+                                    uint32_t proxyMode, const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                    const wchar_t* proxyPassword, const wchar_t* forwardedFor,
+                                    const wchar_t* otherAgentName, uint32_t timeoutMs);
+
+/// Asks a server who it is, before any login: the first call to a server that one knows the address of.
+/// @param server,port  where; not null or empty, not 0
+/// @param tlsPort      where to go if the server insists on HTTPS (302); 0: nowhere
+/// @param secure       HTTPS
+/// @param user         not null or empty
+/// @param agentName    null or empty takes "VEXAWebFileMan"
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor  as in the file comment
+/// @param timeoutMs    of each request, in milliseconds; null or a 0 takes 15000
+/// @param cancel       read before each request; may be null
+/// @param information  not null; zeroed first, filled when `dwStatus` is 0
+/// @return `dwStatus`
+///
+/// | dwStatus | When                                       |
+/// |----------|--------------------------------------------|
+/// | 0        | `information` is filled                    |
+/// | 10       | HTTP 404 at both places: not such a server |
+/// | 6        | also 302, with no port to go to            |
+/// | 2        | also cancelled                             |
+/// | 14       | something else answers at this port        |
+///
+/// It asks at the sync service's place, then at the old one, and a server that has the sync service after all
+/// once more at the first: up to four requests. There is no result word. Twice: safe. Next: TorviLogin if
+/// bNuboCGI, otherwise WFMLogin.
+TORVIAPI_EXPORT uint32_t WFMGetNASUserUID(const wchar_t* server, uint32_t port, uint32_t tlsPort, bool secure,
+                                          const wchar_t* user, const wchar_t* agentName, uint32_t proxyMode,
+                                          const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                          const wchar_t* proxyPassword, const wchar_t* forwardedFor,
+                                          const uint32_t* timeoutMs, bool* cancel,
+                                          _NAS_USER_UID_INFORMATION* information);
+
+/// Opens a session at the web file manager, the older service: the way in for a server without the sync
+/// service, and the one login that tells of a second factor.
+/// @param server,port         where; not null or empty, not 0
+/// @param user                not null or empty
+/// @param password            not null; may be empty. Travels as base64: use `secure`
+/// @param secure              HTTPS, for this and all later calls of the session
+/// @param computerName,uid    as for TorviLogin; if one of them is null or empty, the server is told of no
+/// device
+/// @param agentName           as for TorviLogin
+/// @param deviceType          the server's number for the kind of client; sent as given
+/// @param serverNameCapacity  wide characters in serverName, not 0; 260 is always enough
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword  as in the file comment; kept for all calls
+/// @param forwardedFor        as in the file comment; for this call only
+/// @param clientVersion       version of the client; may be null
+/// @param reserved            0
+/// @param timeoutMs           milliseconds; null or a 0 takes 15000
+/// @param serverName          as for TorviLogin
+/// @param isAdmin             receives whether the user is an administrator; false on failure. Not null
+/// @param resultWord          not null
+/// @param context             receives the session, to be freed by WFMFreeAuthContext. Untouched on failure;
+///                            not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                 |
+/// |----------|-------------|----------------------------------------------------------------------|
+/// | 0        | 0           | logged in                                                            |
+/// | 14       | 16          | a security code is wanted: WFMLoginStep2                             |
+/// | 14       | 17, 18      | another form of second step is wanted                                |
+/// | 14       | 14          | an unknown form of second step is wanted                             |
+/// | 14       | 19          | a second step is wanted, and the emergency tries are used up         |
+/// | 14       | other       | **refused, as with a wrong password: the client code of the status** |
+/// | 14       | -8          | HTTP 302: call again with `secure` and the HTTPS port                |
+/// | 14       | 0           | accepted, but without a session id that can be used                  |
+///
+/// Twice: opens a second session and overwrites *context; log out and free the first. Next: as after
+/// TorviLogin; in the end WFMLogout.
+TORVIAPI_EXPORT uint32_t WFMLogin(const wchar_t* server, uint32_t port, const wchar_t* user,
+                                  const wchar_t* password, bool secure, const wchar_t* computerName,
+                                  const wchar_t* uid, const wchar_t* agentName, uint32_t deviceType,
+                                  uint32_t serverNameCapacity, uint32_t proxyMode, const wchar_t* proxyHost,
+                                  const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                  const wchar_t* forwardedFor, const wchar_t* clientVersion,
+                                  uint64_t reserved, const uint32_t* timeoutMs, wchar_t* serverName,
+                                  bool* isAdmin, uint32_t* resultWord, _WFM_AUTH_CONTEXT** context);
+
+/// Finishes a login that wants a second step, and makes its context.
+/// @param server,port         where; not null or empty, not 0
+/// @param user,password       as for WFMLogin, but not empty
+/// @param isAnswer            true: `code` answers the security question; false: it is a security code
+/// @param code                **sent raw**: it must be safe in a URL. Not null or empty
+/// @param secure              HTTPS, for this and all later calls of the session
+/// @param agentName           for this call only; null or empty takes a default
+/// @param serverNameCapacity  wide characters in serverName, not 0; 260 is always enough
+/// @param reserved1,reserved2 0
+/// @param timeoutMs           milliseconds; null or a 0 takes 15000
+/// @param serverName          as for TorviLogin
+/// @param isAdmin             receives whether the user is an administrator; false on failure. Not null
+/// @param resultWord          not null
+/// @param context             receives the session, to be freed by WFMFreeAuthContext. Untouched on failure;
+///                            not null. **It keeps no agent and no proxy**: see WFMSetProxyContext
+/// @param reserved3           not null, and otherwise ignored
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                  |
+/// |----------|-------------|-------------------------------------------------------|
+/// | 0        | 0           | logged in                                             |
+/// | 14       | 14          | refused: the code is wrong                            |
+/// | 14       | 19          | refused, and the emergency tries are used up          |
+/// | 14       | -8          | HTTP 302: call again with `secure` and the HTTPS port |
+/// | 14       | 0           | accepted, but without a session id that can be used   |
+///
+/// It goes without a proxy. Twice: a code is good for one login. Next: as after WFMLogin.
+TORVIAPI_EXPORT uint32_t WFMLoginStep2(const wchar_t* server, uint32_t port, const wchar_t* user,
+                                       const wchar_t* password, bool isAnswer, const wchar_t* code,
+                                       bool secure, const wchar_t* agentName, uint32_t serverNameCapacity,
+                                       uint64_t reserved1, uint64_t reserved2, const uint32_t* timeoutMs,
+                                       wchar_t* serverName, bool* isAdmin, uint32_t* resultWord,
+                                       _WFM_AUTH_CONTEXT** context, void* reserved3);
+
+/// Fetches the user's security question, for WFMLoginStep2.
+/// @param server,port    where; not null or empty, not 0
+/// @param user,password  not null or empty
+/// @param language       the server's name of a language, sent raw; not null or empty
+/// @param secure         HTTPS
+/// @param capacity       of `question`, not 0
+/// @param question       receives the question, padded with zeros. **One as long as the capacity or longer
+/// has
+///                       no terminator**: make the buffer one character longer than `capacity` says, and end
+///                       it yourself. Not null
+/// @return `dwStatus`; 14: there is no question, or HTTP 302
+///
+/// No proxy, no result word; time-out 15 seconds. Twice: safe. Next: WFMLoginStep2.
+TORVIAPI_EXPORT uint32_t WFM2SVGetQuestion(const wchar_t* server, uint32_t port, const wchar_t* user,
+                                           const wchar_t* password, const wchar_t* language, bool secure,
+                                           uint32_t capacity, wchar_t* question);
+
+/// Asks the server to mail an emergency code to the user.
+/// @param server,port    where; not null or empty, not 0
+/// @param user,password  not null or empty
+/// @param secure         HTTPS
+/// @return `dwStatus`; 0: the server has answered. **A mail that it refused isn't reported**
+///
+/// No proxy, no result word; time-out 15 seconds. Twice: two mails; tries are counted. Next: WFMLoginStep2.
+TORVIAPI_EXPORT uint32_t WFM2SVSendEmail(const wchar_t* server, uint32_t port, const wchar_t* user,
+                                         const wchar_t* password, bool secure);
+
+/// Makes a session from a token that the server issued earlier, as a session id is one. The sync service
+/// only.
+/// @param server,port         where; not null or empty, not 0
+/// @param secure              HTTPS, for this and all later calls of the session
+/// @param token               becomes the session id; sent as given. Not null or empty
+/// @param slaveID             null, or the node to ask
+/// @param agentName           as for TorviLogin
+/// @param ownSlaveID          null, or the slave id that the session gets
+/// @param serverNameCapacity  wide characters in serverName, not 0; 260 is always enough
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor  as for TorviLogin
+/// @param isCluster           ignored
+/// @param resultWord          not null
+/// @param serverName          as for TorviLogin
+/// @param isAdmin             receives whether the user is an administrator; false on failure. Not null
+/// @param context             receives the session, to be freed by WFMFreeAuthContext. Untouched on failure;
+///                            not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                             |
+/// |----------|-------------|------------------------------------------------------------------|
+/// | 0        | 0           | `context` is the session                                         |
+/// | 0        | -38         | refused: the server isn't ready                                  |
+/// | 0        | -39         | refused: the server insists on HTTPS                             |
+/// | 0        | -2          | refused otherwise: the token is no good. Log in                  |
+/// | 14       | 0           | accepted, but without a server's name, or without the admin flag |
+/// | 87       | untouched   | a bad argument, in place of 8                                    |
+///
+/// Time-out 30 seconds. Twice: a second context of the same session. Next: as after TorviLogin.
+TORVIAPI_EXPORT uint32_t TorviActivateSid2(const wchar_t* server, uint32_t port, bool secure,
+                                           const wchar_t* token, const wchar_t* slaveID,
+                                           const wchar_t* agentName, const wchar_t* ownSlaveID,
+                                           uint32_t serverNameCapacity, uint32_t proxyMode,
+                                           const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                           const wchar_t* proxyPassword, const wchar_t* forwardedFor,
+                                           bool isCluster, uint32_t* resultWord, wchar_t* serverName,
+                                           bool* isAdmin, _WFM_AUTH_CONTEXT** context);
+
 /// @}
 
 /// Ends a session at the server, for the context and all its clones. The context is neither changed nor
@@ -511,6 +836,79 @@ TORVIAPI_EXPORT uint32_t TorviLogin(const wchar_t* server, int32_t port, const w
 /// WFMFreeAuthContext, whatever came back.
 TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool force,
                                      _WFM_AUTH_CONTEXT* context);
+
+/// Ends a session at the web file manager. The context is neither changed nor freed.
+/// @param server,port  where; not null or empty, not 0
+/// @param force        as for TorviLogout
+/// @param context      null gives 8 without a line in the log
+/// @return `dwStatus`; 0 also when nothing was sent; 14: the server refused, or wasn't understood
+///
+/// Time-out 30 seconds. Twice: harmless; the server refuses. Next: WFMFreeAuthContext.
+TORVIAPI_EXPORT uint32_t WFMLogout(const wchar_t* server, uint32_t port, bool force,
+                                   _WFM_AUTH_CONTEXT* context);
+
+/// Has a node of a cluster take over the session of another: it checks the session's id there.
+/// @param server,port  where; not null or empty, not 0
+/// @param context      a session with a slave id; not null
+/// @param slaveID      null, or the node to ask
+/// @param resultWord   not null
+/// @return `dwStatus`, with the rows 0 and 87 of TorviActivateSid2
+///
+/// Time-out 30 seconds. Twice: safe. Next: calls to that node.
+TORVIAPI_EXPORT uint32_t TorviActivateSid(const wchar_t* server, uint32_t port, _WFM_AUTH_CONTEXT* context,
+                                          const wchar_t* slaveID, uint32_t* resultWord);
+
+/// Asks for the id of the system's own session.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     ignored
+/// @param resultWord  not null
+/// @param capacity    wide characters in `sid`; not changed. Not null
+/// @param sid         receives the id with its terminator, when both numbers are 0; not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                       |
+/// |----------|-------------|----------------------------|
+/// | 0        | 0           | `sid` is filled            |
+/// | 0        | -23         | `sid` is too small         |
+/// | 0        | -3          | refused                    |
+/// | 0        | -1          | the server tells no status |
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMGetSystemSid(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                         const wchar_t* slaveID, uint32_t* resultWord, uint32_t* capacity,
+                                         wchar_t* sid);
+
+/// Gives a session another proxy, for its next calls. Not while a call runs on it.
+/// @param context  null, or one without a session id, is left alone
+/// @param mode     0 none, 1 the system's, 2 manual; see proxyMode in the file comment
+/// @param flags    kept and handed on, not read
+/// @param host     "host:port"; not null. This and the next three are cut at 259; an empty one clears
+/// @param bypass   kept and handed on, not read; not null
+/// @param user     not null
+/// @param password not null. **Stands in the context in clear**
+/// @return 0 in every case
+///
+/// Twice: the last one counts.
+TORVIAPI_EXPORT uint32_t WFMSetProxyContext(_WFM_AUTH_CONTEXT* context, uint32_t mode, uint32_t flags,
+                                            const wchar_t* host, const wchar_t* bypass, const wchar_t* user,
+                                            const wchar_t* password);
+
+/// Hands the proxy of one session that uses the system's (mode 1) on to another that does. Not while a call
+/// runs on either.
+/// @param destination  receives host and bypass list, those that aren't empty
+/// @param source       unchanged
+/// @param information  receives flags and texts; may be null
+/// @return 1 if it was done, and if a context is null; 0 if the mode of either isn't 1
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMSetAutoProxyContext(_WFM_AUTH_CONTEXT* destination,
+                                                const _WFM_AUTH_CONTEXT* source,
+                                                _WFM_AUTO_PROXY_INFORMATION* information);
+
+/// Whether the system's proxy of a session has changed. Nothing in the library sets it.
+/// @param context  may be null
+/// @return 0
+TORVIAPI_EXPORT uint32_t WFMAutoProxyContextUpdate(const _WFM_AUTH_CONTEXT* context);
 
 /// @name Listing and stat
 /// These calls change nothing on the server: calling twice is safe. Time-out 60 seconds each. Of the cancel
@@ -1061,6 +1459,198 @@ TORVIAPI_EXPORT uint32_t WFMTrashRecovery(_WFM_AUTH_CONTEXT* context, const wcha
                                           const wchar_t* slaveID, uint32_t mode, const wchar_t* path,
                                           const wchar_t* file, void* reserved, wchar_t* pid,
                                           uint32_t pidCapacity, uint32_t* resultWord);
+
+/// @}
+
+/// @name State of the server
+/// What a server says of itself to a session. Read-only, safe to call twice; none of them changes the server
+/// but for the two signals.
+/// @{
+
+/// Asks for what doesn't change while the server runs.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask
+/// @param reserved     null
+/// @param information  not null; zeroed first, filled when both numbers are 0
+/// @param resultWord   receives the client code of the server's status; not null
+/// @return `dwStatus`
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMTorviGetNASStaticInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* slaveID, void* reserved,
+                                                  _NAS_STATIC_INFORMATION* information, uint32_t* resultWord);
+
+/// Asks what is in order for this user: home, databases, versions.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node to ask
+/// @param checkDetail  true has the sync service look closely; the web file manager isn't told
+/// @param cancel       not read; may be null
+/// @param resultWord   receives the client code of the server's status; not null
+/// @param information  not null; zeroed first, filled when both numbers are 0
+/// @return `dwStatus`
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMTorviGetNASStatus(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* slaveID, bool checkDetail,
+                                              bool* cancel, uint32_t* resultWord,
+                                              _NAS_STATUS_INFORMATION* information);
+
+/// Asks by which names and addresses the server can be reached.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param timeoutMs    milliseconds; 0 takes 60000
+/// @param reserved1,reserved2  null
+/// @param information  not null; zeroed first
+/// @param resultWord   not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                 |
+/// |----------|-------------|----------------------------------------------------------------------|
+/// | 0        | 0           | `information` is filled                                              |
+/// | 0        | 8           | a text is too long and left out; the others and the ports are filled |
+/// | 0        | -1          | refused; nothing is filled                                           |
+///
+/// Twice: safe. Next: WFMValidIP for each of them.
+TORVIAPI_EXPORT uint32_t WFMGetDomainIPList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            uint32_t timeoutMs, void* reserved1, void* reserved2,
+                                            _DOMAIN_IP_LIST_INFORMATION* information, uint32_t* resultWord);
+
+/// Lists the folders that can be synced: of a single server with their sizes, of a cluster node by node and
+/// without. A session with a slave id asks for the cluster's list, and always at the sync service.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param detail      true asks for details
+/// @param refresh     true has the server look anew
+/// @param cancel      not read; may be null
+/// @param resultWord  receives the server's own status: 0 is success, -3 denied; -1 if it is -1. May be null
+/// @param count       receives the number of records; not null
+/// @param list        receives the records, to be freed as the file comment shows; null if there are none.
+/// Not
+///                    null
+/// @return `dwStatus`
+///
+/// A size beyond 64 bits wraps. Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMTorviGetNASSyncinFolderList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                        uint32_t port, bool detail, bool refresh,
+                                                        bool* cancel, uint32_t* resultWord, uint32_t* count,
+                                                        _NAS_SYNCING_FOLDER_INFORMATION*** list);
+
+/// Tells the server that a sync run begins.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved    null
+/// @param channel     the client's and the server's affair; sent as given
+/// @param resultWord  0, or -1 if the server refuses; not null
+/// @return `dwStatus`
+///
+/// Twice: signals twice. Next: WFMGetTorviSyncStop.
+TORVIAPI_EXPORT uint32_t WFMGetTorviSyncStart(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, void* reserved, uint32_t channel,
+                                              uint32_t* resultWord);
+
+/// Tells the server that a sync run has ended.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param number      the client's and the server's affair; sent as given
+/// @param reserved    null
+/// @param resultWord  0, or -1 if the server refuses; not null
+/// @return `dwStatus`
+///
+/// Twice: signals twice.
+TORVIAPI_EXPORT uint32_t WFMGetTorviSyncStop(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             uint32_t number, void* reserved, uint32_t* resultWord);
+
+/// Asks when the server's tree last changed.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved    null
+/// @param time        receives seconds since the epoch, when both numbers are 0; not null
+/// @param resultWord  0, or -1 if the server refuses or knows no time; not null
+/// @return `dwStatus`
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMGetTorviLastModifiedTime(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                     uint32_t port, void* reserved, int64_t* time,
+                                                     uint32_t* resultWord);
+
+/// Fetches the names that must not be synced, in one text as the server writes it. There is no result word.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID   null, or the node to ask
+/// @param reserved  null
+/// @param length    in: wide characters in `buffer`, 0 to ask for the length. Out: the length needed with its
+///                  terminator, if it was too small; otherwise unchanged. Not null
+/// @param buffer    receives the text, if it fits. **It must hold one character more than `length` says.**
+/// Not
+///                  null; untouched if there is no text or it doesn't fit
+/// @return `dwStatus`; 0 in all of these cases
+///
+/// Twice: safe; the second call with the length that the first told.
+TORVIAPI_EXPORT uint32_t WFMTorviGetVetoFiles(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* slaveID, void* reserved,
+                                              uint32_t* length, wchar_t* buffer);
+
+/// Asks for the number of the newest change of several folders. Always at the sync service.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param reserved    null
+/// @param record      question and answer; not null, with at least one folder, none null and each with a path
+/// @param resultWord  receives the client code of the server's status; not null
+/// @return `dwStatus`
+///
+/// All numbers of the record become -1 first; those that the server gives are filled when both numbers are 0.
+/// Twice: safe. Next: WFMTorviGetSyncLog for the folders that have changed.
+TORVIAPI_EXPORT uint32_t WFMTorviNuboGetMaxLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, const wchar_t* slaveID, void* reserved,
+                                               _TORVI_MAX_LOG_INFORMATION* record, uint32_t* resultWord);
+
+/// Asks for the number of the newest change, of one folder or of all.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID     null, or the node to ask
+/// @param folder      null or empty: all
+/// @param reserved    null
+/// @param record      not null; all -1 first, filled when both numbers are 0
+/// @param resultWord  receives the client code of the server's status; not null
+/// @return `dwStatus`
+///
+/// Twice: safe. Next: WFMTorviGetSyncLog.
+TORVIAPI_EXPORT uint32_t WFMTorviGetMaxLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           const wchar_t* slaveID, const wchar_t* folder, void* reserved,
+                                           _TORVI_MAX_LOG_NUMBERS* record, uint32_t* resultWord);
+
+/// Fetches changes from a number on.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID        null, or the node to ask; counts together with a folder only
+/// @param number         how many changes to ask for, not 0
+/// @param lower          the number to begin at
+/// @param syncingFolder  null or empty: all
+/// @param reserved       null
+/// @param count          in: records in `list`, not 0. Out: records filled. Not null
+/// @param list           the caller's records, each allocated by the caller; not null
+/// @param isEnd          receives whether there is no more, when the server answers; not null
+/// @param resultWord     not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                   |
+/// |----------|-------------|------------------------------------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none                                 |
+/// | 0        | -23         | more came than the list holds, or a null is in it; `count` were filled |
+/// | 0        | other       | refused: the server's own status                                       |
+///
+/// Twice: safe. Next: the same from the last llLogID on, until isEnd.
+TORVIAPI_EXPORT uint32_t WFMTorviGetSyncLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, uint32_t number, int64_t lower,
+                                            const wchar_t* syncingFolder, void* reserved, uint32_t* count,
+                                            _WFM_SYNC_LOG_INFORMATION** list, bool* isEnd,
+                                            uint32_t* resultWord);
+
+/// Asks where a user's home lies on the server. There is no result word: put an empty text into the buffer.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param user      not null or empty
+/// @param capacity  wide characters in `buffer`, not 0; 4096 is always enough
+/// @param slaveID   null, or the node to ask
+/// @param reserved  null
+/// @param buffer    receives the path, if there is one and it fits; otherwise untouched. Not null
+/// @return `dwStatus`; 0 also if the server refuses
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WFMGetUserHomePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* user, uint32_t capacity, const wchar_t* slaveID,
+                                            void* reserved, wchar_t* buffer);
 
 /// @}
 

@@ -85,6 +85,57 @@ TORVIAPI_EXPORT uint32_t WebFileManQueryProgress(_WFM_AUTH_CONTEXT* context, con
 
 /// @}
 
+/// @name State of the server
+/// @{
+
+/// Asks what the sync service has for this user. There is no result word: `result` is the outcome.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved     null
+/// @param slaveID      null, or the node to ask
+/// @param result       receives whether the server has told all that it must; not null
+/// @param information  not null; zeroed first, filled when `result` is true
+/// @return `dwStatus`
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WebFileManGetTorviInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                       uint32_t port, void* reserved, const wchar_t* slaveID,
+                                                       bool* result, _TORVI_INFORMATION* information);
+
+/// Asks who the server is, within a session. Before one: WFMGetNASUserUID.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved     null
+/// @param information  not null; zeroed first, filled when `dwStatus` is 0, also if the server refuses
+/// @return `dwStatus`
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t WebFileManQueryUID(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            void* reserved, _NAS_USER_UID_INFORMATION* information);
+
+/// Asks how much room a user has, per volume and on the whole.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask
+/// @param getAll        true: all volumes
+/// @param reserved      null
+/// @param quotaEnabled  receives whether there are quotas; not null
+/// @param volumeFree    receives the volume's free bytes; not null
+/// @param volumeTotal   receives the volume's bytes; not null
+/// @param count         receives the number of records; not null
+/// @param list          receives the records, to be freed as the file comment of WebFileManAPI.h shows; null
+/// if
+///                      there are none, as without quotas. Not null
+/// @param resultWord    0, or -1 if the reply can't be used; not null
+/// @return `dwStatus`; all outputs are 0 first
+///
+/// Sizes come as texts such as "1.5 GB" and are rounded by the server. Twice: safe.
+TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                       uint32_t port, const wchar_t* slaveID, bool getAll,
+                                                       void* reserved, bool* quotaEnabled,
+                                                       int64_t* volumeFree, int64_t* volumeTotal,
+                                                       uint32_t* count, USER_QUOTA_INFO*** list,
+                                                       uint32_t* resultWord);
+
+/// @}
+
 }  // extern "C"
 
 #endif

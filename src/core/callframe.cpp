@@ -49,12 +49,14 @@ bool IsSameNode(const std::wstring& slaveID, const std::wstring& other) {
     return ToQString(slaveID).compare(ToQString(other), Qt::CaseInsensitive) == 0;
 }
 
+std::wstring SlavePrefix(const std::wstring& ownSlaveID, const std::wstring& slaveID) {
+    if (ownSlaveID.empty() || slaveID.empty() || IsSameNode(slaveID, ownSlaveID)) return {};
+    return format(L"%ls/", slaveID.c_str());
+}
+
 std::wstring SlavePrefix(const _WFM_AUTH_CONTEXT& context, const std::wstring& mappedSlaveID,
                          const wchar_t* slaveID) {
-    const std::wstring own = context.szSlaveID;
-    const std::wstring node = mappedSlaveID.empty() ? TextOf(slaveID) : mappedSlaveID;
-    if (own.empty() || node.empty() || IsSameNode(node, own)) return {};
-    return format(L"%ls/", node.c_str());
+    return SlavePrefix(context.szSlaveID, mappedSlaveID.empty() ? TextOf(slaveID) : mappedSlaveID);
 }
 
 Call::Call(const CallRules& rules, const _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port)
@@ -84,8 +86,8 @@ bool Call::connected() const {
     return QCoreApplication::instance() != nullptr;
 }
 
-uint32_t Call::refuse() {
-    m_status = WFM_PARSE_XML_INVALID_PARAMETER;
+uint32_t Call::refuse(uint32_t dwStatus) {
+    m_status = dwStatus;
     writeLine(m_rules.refused, "");
     return m_status;
 }
@@ -178,6 +180,11 @@ void Call::failNotUnderstood() {
     m_status = WFM_PARSE_XML_FAIL;
     writeLine(m_rules.notUnderstood != nullptr ? m_rules.notUnderstood : m_rules.reason,
               "WFM_PARSE_XML_FAIL");
+}
+
+void Call::failAs(uint32_t dwStatus, const char* word) {
+    m_status = dwStatus;
+    writeLine(m_rules.reason, word);
 }
 
 namespace {

@@ -83,8 +83,10 @@ inline std::wstring Encoded(const wchar_t* text) {
 /// Slave ids are compared without regard to case.
 bool IsSameNode(const std::wstring& slaveID, const std::wstring& other);
 
-/// The node that a session's request must name in front of the URL's path: "<slave id>/", or nothing when the
-/// node is the session's own. The node that holds a mapped team folder goes before the caller's argument.
+/// The node that a request must name in front of the URL's path: "<slave id>/", or nothing when the node is
+/// the session's own.
+std::wstring SlavePrefix(const std::wstring& ownSlaveID, const std::wstring& slaveID);
+/// The same for a session; the node that holds a mapped team folder goes before the caller's argument.
 std::wstring SlavePrefix(const _WFM_AUTH_CONTEXT& context, const std::wstring& mappedSlaveID,
                          const wchar_t* slaveID);
 
@@ -118,8 +120,8 @@ public:
     bool accepts(const Arguments&... arguments) const {
         return connected() && (IsGiven(arguments) && ...);
     }
-    /// Refuses the call for its arguments: one line, 8.
-    uint32_t refuse();
+    /// Refuses the call for its arguments: one line, 8 as a rule.
+    uint32_t refuse(uint32_t dwStatus = WFM_PARSE_XML_INVALID_PARAMETER);
     /// From here on the call answers: the result word becomes -1.
     void begin(uint32_t* resultWord);
     /// What the {subject} of this call's lines is.
@@ -134,9 +136,15 @@ public:
 
     /// Another CGI, agent, time-out or node than the rules and the session say.
     void use(const Endpoint& endpoint) { m_endpoint = endpoint; }
+    void connectTo(uint32_t port, bool secure) {
+        m_connection.port = port;
+        m_connection.secure = secure;
+    }
     void setAgent(const wchar_t* agentName) { m_connection.agentName = agentName; }
     void setTimeout(uint32_t msec);
     void route(const wchar_t* slaveID, const std::wstring& mappedSlaveID = {});
+    /// For requests to a place that has the node in it.
+    const std::wstring& slavePrefix() const { return m_slavePrefix; }
 
     /// A request to the endpoint that the session speaks to; the template is its query.
     template <class... Arguments>
@@ -203,6 +211,8 @@ public:
         failNotUnderstood();
         return false;
     }
+    /// Fails with a `dwStatus`, and with the reason line of that word.
+    void failAs(uint32_t dwStatus, const char* word);
     /// Fails with 14: the reply isn't understood, or lacks what the call can't do without.
     void failNotUnderstood();
     /// exchange() and understands() in one.

@@ -35,6 +35,9 @@ struct HttpOutcomes {
 };
 
 inline constexpr HttpOutcomes kProxyAndService{{kProxyRefused, kServiceUnavailable}, 2};
+/// The sharing family's other word for a proxy that refuses.
+inline constexpr HttpOutcomes kShareOutcomes{
+    {{407, WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ, "HTTP_STATUS_PROXY_AUTH_REQ"}, kServiceUnavailable}, 2};
 inline constexpr HttpOutcomes kWithNotFound{{kCgiNotFound, kProxyRefused, kServiceUnavailable}, 3};
 inline constexpr HttpOutcomes kLoginOutcomes{
     {kCgiNotFound, kProxyRefused, kServiceUnavailable, kRedirectToTls}, 4};
@@ -99,6 +102,11 @@ public:
     constexpr CallRules withTimeout(int msec) const { return with(&CallRules::timeoutMs, msec); }
     constexpr CallRules withOutcomes(HttpOutcomes tested) const { return with(&CallRules::outcomes, tested); }
     constexpr CallRules withEndpoint(Endpoint cgi) const { return with(&CallRules::endpoint, cgi); }
+    /// The words of any other HTTP status, after a network error of 1 to 99 and after any other.
+    constexpr CallRules withFailed(const char* connect, const char* receive) const {
+        return with(&CallRules::connectFailed, connect).with(&CallRules::receiveFailed, receive);
+    }
+    constexpr CallRules withLevel(Logger::LogLevel of) const { return with(&CallRules::level, of); }
     constexpr CallRules withoutSidCheck() const { return with(&CallRules::needsSid, false); }
     constexpr CallRules withoutAddressCheck() const { return with(&CallRules::needsAddress, false); }
 };

@@ -61,6 +61,14 @@ std::wstring JsonText(const Json::Value& value, const char* key) {
     return buffer;
 }
 
+std::wstring JsonLongText(const Json::Value& value, const char* key) {
+    return WithText(Member(value, key), [](const char* text) {
+        std::wstring wide(std::strlen(text) + 1, L'\0');
+        const bool read = Utf8ToUnicode_1(text, wide.data(), static_cast<int>(wide.size())) == 1;
+        return read ? std::wstring(wide.c_str()) : std::wstring();
+    });
+}
+
 bool JsonTextIs(const Json::Value& value, const char* key, const char* expected) {
     return WithText(Member(value, key),
                     [expected](const char* text) { return std::strcmp(text, expected) == 0; });

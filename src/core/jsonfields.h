@@ -21,6 +21,8 @@ namespace Lattice {
 
 /// `JsonGetString` into a text of its own.
 std::wstring JsonText(const Json::Value& value, const char* key);
+/// The same for a text of any length.
+std::wstring JsonLongText(const Json::Value& value, const char* key);
 /// Whether the member, read as text, equals `expected` (ASCII). An absent one reads as empty.
 bool JsonTextIs(const Json::Value& value, const char* key, const char* expected);
 

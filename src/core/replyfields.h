@@ -35,3 +35,10 @@ inline bool JsonGetFlag(const Json::Value& object, const char* key, bool absent)
     return value.isBool() ? value.asBool()
                           : Lattice::JsonTextIs(object, key, "true") || JsonGetInt(object, key, 0) != 0;
 }
+
+/// A text for a field of 260 characters; one that doesn't fit counts as not sent.
+inline std::wstring FieldText(const Json::Value& object, const char* key) {
+    constexpr size_t kTextField = 260;
+    std::wstring text = Lattice::JsonText(object, key);
+    return text.size() < kTextField ? text : std::wstring();
+}

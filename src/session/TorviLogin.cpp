@@ -9,13 +9,6 @@ namespace {
 
 constexpr int kClusterNodeNotReady = -37;
 constexpr int kClusterNodeRefuses = -40;
-constexpr size_t kTextField = 260;
-
-/// A text whose field on the server's side has 260 characters; one that doesn't fit counts as not sent.
-std::wstring FieldText(const Json::Value& root, const char* key) {
-    std::wstring text = JsonText(root, key);
-    return text.size() < kTextField ? text : std::wstring();
-}
 
 int Read(const Json::Value& root, CTorviLogin& login) {
     if (!root.isObject() || !IsPresent(root, "status")) return -1;

@@ -1,18 +1,10 @@
-#include <QByteArray>
-
 #include "core/callframe.h"
 #include "session/TorviLogin.h"
+#include "session/password.h"
 
 using namespace Lattice;
 
 namespace {
-
-constexpr uint32_t kDefaultTimeoutMs = 15000;
-
-/// The password travels as base64 of its UTF-8 bytes: no hash and no salt, TLS is what protects it.
-QByteArray EncodedPassword(const wchar_t* password) {
-    return ToUtf8(password).toBase64();
-}
 
 void FillNetwork(const CTorviLogin& reply, _WFM_NETWORK_INFORMATION& network) {
     network = {};
@@ -65,7 +57,7 @@ uint32_t TorviLogin(const wchar_t* server, int32_t port, const wchar_t* user, co
     *isAdmin = *isSlave = false;
     call.begin(resultWord);
 
-    call.setTimeout(timeoutMs != nullptr && *timeoutMs != 0 ? *timeoutMs : kDefaultTimeoutMs);
+    call.setTimeout(LoginTimeout(timeoutMs));
     // The server is asked once; whether to try another CGI is the client's decision.
     call.postAt(useFcgi ? L"/cgi-bin/torvi/torvisrv.fcgi?func=login" : L"/cgi-bin/torvi/torvisrv_login.cgi");
     call.field("user", user);
