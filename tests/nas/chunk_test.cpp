@@ -91,6 +91,7 @@ TEST_F(NasChunks, SlicesGrowTogetherAndTheLastOnePutsTheFileInItsPlace) {
     const std::string content = noise(700001);
     const std::string id = begin();
     EXPECT_EQ(0, held(id));
+    EXPECT_THAT(nas.control("GET", "state"), HasSubstr("\"partials\":1,"));
     Slice slice{id};
     slice.size = static_cast<std::int64_t>(content.size());
     for (const std::size_t length : {std::size_t(300000), std::size_t(299999), std::size_t(100002)}) {

@@ -274,6 +274,7 @@ TEST_F(NasStuckJobs, RunningJobLeavesTheSourceInItsPlaceAndIsSeenOnBothChannels)
     const int pid = moveAsJob("/Public", "a", "/home");
     EXPECT_EQ("a", status(pid)["filename"].asString());
     EXPECT_LT(status(pid)["percent"].asInt(), 100);
+    EXPECT_THAT(nas.control("GET", "state"), HasSubstr("\"jobs\":1,"));
     EXPECT_EQ(0, progress(std::to_string(pid))["copying"].asInt());
     EXPECT_TRUE(progress(std::to_string(pid)).isMember("percent"));
     EXPECT_TRUE(there("Public/a"));
