@@ -50,7 +50,7 @@ bool makeFolder(const Session& session, const QString& what, const QString& path
         if (interrupted()) throwCancelled(what);
         Failure failure = callFailure(what, dwStatus, word);
         if (failure.exit() == Exit::NotFound)
-            failure.withAdvice(QStringLiteral("-p makes the folders on the way, too"));
+            failure = failure.withAdvice(QStringLiteral("-p makes the folders on the way, too"));
         throw failure;
     }
     return true;

@@ -276,7 +276,7 @@ void SlicedUpload::endBetweenSlices(int64_t offset) {
 
 void SlicedUpload::cancel(bool kept) const {
     Failure failure(Exit::Cancelled, QStringLiteral("%1: cancelled").arg(m_what));
-    if (kept) failure.withAdvice(QStringLiteral("the server keeps what it has, %1").arg(kAgain));
+    if (kept) failure = failure.withAdvice(QStringLiteral("the server keeps what it has, %1").arg(kAgain));
     throw failure;
 }
 
