@@ -147,6 +147,14 @@ TEST_F(NasMove, BetweenVolumesTheTreeIsCopiedThenRemoved) {
     EXPECT_THAT(onDisk("homes/anna"), ElementsAre("Plans", "Rules", "d"));
 }
 
+TEST_F(NasMove, FolderThatCannotBeRemovedIsNotCopiedEither) {
+    write("Public/d/fixed/x", "1");
+    std::filesystem::permissions(disk("Public/d/fixed"), std::filesystem::perms(0555));
+    EXPECT_EQ(4, moveNow("/Public", "d", "/home").status());
+    EXPECT_TRUE(there("Public/d/fixed/x"));
+    EXPECT_THAT(onDisk("homes/anna"), ElementsAre("Plans", "Rules"));
+}
+
 TEST_F(NasMove, HolesStayHoles) {
     const std::string path = write("Public/sparse", "begin");
     std::filesystem::resize_file(path, 512 << 20);

@@ -87,6 +87,7 @@ void Receiver::commit() {
     }
     guard([&] {
         if (plan_.more) {
+            file_->settle();
             file_.reset();
             return;
         }
