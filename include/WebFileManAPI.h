@@ -1266,13 +1266,13 @@ TORVIAPI_EXPORT uint32_t WFMGetUploadID(_WFM_AUTH_CONTEXT* context, const wchar_
 /// @param resultWord  client codes; not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                 |
-/// |----------|-------------|----------------------------------------------------------------------|
-/// | 0        | 0           | `size` is filled                                                     |
-/// | 0        | -11         | the server doesn't know the id (any more): start over with a new one |
-/// | 0        | -4          | the server failed to look                                            |
-/// | 0        | -1          | refused otherwise, as when the session has ended                     |
-/// | 14       | -1          | also a size beyond 32 bits that isn't sent as text                   |
+/// | dwStatus | Result word | When                                                                        |
+/// |----------|-------------|-----------------------------------------------------------------------------|
+/// | 0        | 0           | `size` is filled                                                            |
+/// | 0        | -11         | the server's status -4: it has nothing under this id (any more), start over |
+/// | 0        | -4          | it failed to look, or, as some servers say it, knows no such id             |
+/// | 0        | -1          | refused otherwise, as when the session has ended                            |
+/// | 14       | -1          | also a size beyond 32 bits that isn't sent as text                          |
 ///
 /// Twice: safe. Next: WFMTorviChunckUploadwithHandle from `size` on.
 TORVIAPI_EXPORT uint32_t WFMTorvGetChunkFileSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
