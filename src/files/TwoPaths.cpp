@@ -9,7 +9,7 @@ namespace {
 /// A path in parent and name; at the top level there is no parent.
 RemotePath Apart(const RemotePath& whole) {
     const SplitPath split = SplitAtLastSlash(whole.parent);
-    return {split.parent, split.name, whole.slaveID, whole.matched};
+    return {split.parent, split.name, whole.slaveID};
 }
 
 /// What is left without its one "/" at the end has no name of its own.
@@ -28,7 +28,7 @@ TwoPaths MapTwoPaths(const _WFM_AUTH_CONTEXT& context, const wchar_t* source, co
     const bool destinationIsName = paths.destinationPlace.find(L'/') == std::wstring::npos;
     paths.denied = paths.source.parent.empty() || IsNameless(given[0]) || IsNameless(given[1]) ||
                    (paths.destination.parent.empty() && !destinationIsName);
-    if (destinationIsName) paths.source = {{}, paths.sourcePlace, from.slaveID, from.matched};
+    if (destinationIsName) paths.source = {{}, paths.sourcePlace, from.slaveID};
     return paths;
 }
 
