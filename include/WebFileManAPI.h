@@ -1348,17 +1348,17 @@ TORVIAPI_EXPORT uint32_t WFMRenamePathwithCheckProfile(_WFM_AUTH_CONTEXT* contex
 /// @param resultWord   not null
 /// @return `dwStatus`
 ///
-/// | dwStatus    | Result word | When                                                                     |
-/// |-------------|-------------|--------------------------------------------------------------------------|
-/// | 0           | 0           | moved                                                                    |
-/// | 0           | 5           | access denied; nothing moved                                             |
-/// | 0           | 3           | the job isn't known to the server: look at both paths                    |
-/// | 0           | -1          | refused otherwise; the job can't be asked for; renaming refused, deleted |
-/// | any         | -1          | moved, and the renaming failed so: deleted, or not                       |
-/// | 5           | -1          | nothing sent: a share, as "/Public", or a path without a name            |
-/// | 87          | -1          | nothing sent: one folder holds both. Use WFMRenamePath                   |
-/// | 14          | -1          | also any reply without "success" true or a job                           |
-/// | not 0, 5, 8 | -1, 3       | cancelled (14), or the job can't be followed: look at both paths         |
+/// | dwStatus    | Result word | When                                                                          |
+/// |-------------|-------------|-------------------------------------------------------------------------------|
+/// | 0           | 0           | moved                                                                         |
+/// | 0           | 5           | access denied; nothing moved                                                  |
+/// | 0           | 3           | the job isn't known to the server: look at both paths                         |
+/// | 0           | -1          | refused otherwise; the job can't be asked for; renaming refused, deleted      |
+/// | any         | -1          | moved, and the renaming failed so: deleted, or not                            |
+/// | 5           | -1          | nothing sent: a share, as "/Public", or a path without a name                 |
+/// | 87          | -1          | nothing sent: one folder holds both (rename then), or no "/" in `destination` |
+/// | 14          | -1          | also any reply without "success" true or a job                                |
+/// | not 0, 5, 8 | -1, 3       | cancelled (14), or the job can't be followed: look at both paths              |
 ///
 /// After -1 look at both paths, and in the new folder for the old name. The request goes to the node of
 /// `source`, wherever `destination` lies; **the renaming and the deletion go to `slaveID`**, whatever node a
@@ -1381,19 +1381,19 @@ TORVIAPI_EXPORT uint32_t WFMMovePath(_WFM_AUTH_CONTEXT* context, const wchar_t* 
 /// @param resultWord   not null
 /// @return `dwStatus`
 ///
-/// | dwStatus    | Result word | When                                                                        |
-/// |-------------|-------------|-----------------------------------------------------------------------------|
-/// | 0           | 0           | moved                                                                       |
-/// | 0           | 5           | access denied; nothing moved                                                |
-/// | 0           | 13          | it isn't what the caller believes: list it again; nothing moved             |
-/// | 0           | 3           | the job isn't known to the server: look at both paths                       |
-/// | 0           | -1          | refused otherwise; the job can't be asked for; renaming refused, deleted    |
-/// | any         | -1          | moved, and the renaming failed so: deleted, or not                          |
-/// | 14          | 5           | nothing sent: a share, as "/Public", or a path without a name               |
-/// | 14          | 34          | nothing sent: different nodes, or just one end in a team folder with a node |
-/// | 14          | 87          | nothing sent: one folder holds both. Use WFMRenamePathwithCheckProfile      |
-/// | 14          | -1          | also any reply without "success" true or a job                              |
-/// | not 0, 5, 8 | -1, 3       | cancelled (14), or the job can't be followed: look at both paths            |
+/// | dwStatus    | Result word | When                                                                          |
+/// |-------------|-------------|-------------------------------------------------------------------------------|
+/// | 0           | 0           | moved                                                                         |
+/// | 0           | 5           | access denied; nothing moved                                                  |
+/// | 0           | 13          | it isn't what the caller believes: list it again; nothing moved               |
+/// | 0           | 3           | the job isn't known to the server: look at both paths                         |
+/// | 0           | -1          | refused otherwise; the job can't be asked for; renaming refused, deleted      |
+/// | any         | -1          | moved, and the renaming failed so: deleted, or not                            |
+/// | 14          | 5           | nothing sent: a share, as "/Public", or a path without a name                 |
+/// | 14          | 34          | nothing sent: different nodes, or just one end in a team folder with a node   |
+/// | 14          | 87          | nothing sent: one folder holds both (rename then), or no "/" in `destination` |
+/// | 14          | -1          | also any reply without "success" true or a job                                |
+/// | not 0, 5, 8 | -1, 3       | cancelled (14), or the job can't be followed: look at both paths              |
 ///
 /// A failed rename at the end deletes the moved object, as with WFMMovePath, and what is said there of -1 and
 /// of the node holds here. Twice: 13. Next:
@@ -1437,7 +1437,7 @@ TORVIAPI_EXPORT uint32_t WFMGetProgress(_WFM_AUTH_CONTEXT* context, const wchar_
 /// Starts to bring a deleted file back out of the recycle folder, as a job.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID      null, or the node to ask; nothing is mapped
-/// @param mode         the server's number for what to do with a file that is in the way; passed on
+/// @param mode         the server's number for how to bring it back; passed on as given
 /// @param path         the folder in the recycle folder, as "/home/@Recycle/Photos"; not null or empty
 /// @param file         its name; not null or empty
 /// @param reserved     null
@@ -1815,7 +1815,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviCheckPermission(_WFM_AUTH_CONTEXT* context, con
 ///     5. anything else: bResume and bDeleteUploadID tell what to do next
 ///
 /// @param context,server,port  the session and where; server and context not null. **A port of 0 and an empty
-///                     server aren't refused**: 2 and 6
+///                     server aren't refused**: 2
 /// @param slaveID     null, or the node to ask; here it goes before the team folder's
 /// @param capacity    in: of `uploadID`, not 0. Out, with detail 122: what it takes. Not null
 /// @param uploadID    receives the id. **It must hold one character more than `capacity` says**: 261 for 260
@@ -1856,13 +1856,13 @@ TORVIAPI_EXPORT uint32_t WFMGetUploadID(_WFM_AUTH_CONTEXT* context, const wchar_
 /// @param resultWord  client codes; not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                 |
-/// |----------|-------------|----------------------------------------------------------------------|
-/// | 0        | 0           | `size` is filled                                                     |
-/// | 0        | -11         | the server doesn't know the id (any more): start over with a new one |
-/// | 0        | -4          | the server failed to look                                            |
-/// | 0        | -1          | refused otherwise, as when the session has ended                     |
-/// | 14       | -1          | also a size beyond 32 bits that isn't sent as text                   |
+/// | dwStatus | Result word | When                                                                        |
+/// |----------|-------------|-----------------------------------------------------------------------------|
+/// | 0        | 0           | `size` is filled                                                            |
+/// | 0        | -11         | the server's status -4: it has nothing under this id (any more), start over |
+/// | 0        | -4          | it failed to look, or, as some servers say it, knows no such id             |
+/// | 0        | -1          | refused otherwise, as when the session has ended                            |
+/// | 14       | -1          | also a size beyond 32 bits that isn't sent as text                          |
 ///
 /// Twice: safe. Next: WFMTorviChunckUploadwithHandle from `size` on.
 TORVIAPI_EXPORT uint32_t WFMTorvGetChunkFileSize(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
@@ -1932,12 +1932,12 @@ TORVIAPI_EXPORT uint32_t WFMTorviDeleteChunkFile(_WFM_AUTH_CONTEXT* context, con
 /// | 2, 6, 11, 12 | -1          | bDeleteUploadID | failed without a stop: connection, proxy, server            |
 /// | 2            | -1          | bDeleteUploadID | the file changed its size under way                         |
 /// | 6            | -1          | bDeleteUploadID | `file` can't be opened by its path: nothing sent            |
-/// | 6            | -1          | bResume         | `stop` was set: the answer, whatever it is, isn't looked at |
-/// | 6            | -1          | bResume         | the closing call said 1: the file may be in its place       |
+/// | 6            | -1          | bResume         | `stop` was set, a byte counted: the answer isn't looked at  |
+/// | 6            | -1          | bResume         | the closing call said 1, a byte counted: maybe in its place |
 /// | 8            | untouched   | untouched       | also an offset beyond `fileSize`                            |
 ///
-/// A set `stop` turns bDeleteUploadID into bResume in the rows of 2, 6, 11 and 12, if some of the file is
-/// there. "Some of the file" counts the bytes before the offset, but in the opening call: answer that one
+/// A set `stop`, or a closing verdict of 1, makes bResume of the rows of 2, 6, 11 and 12, if some of the file
+/// is there. "Some of the file" counts the bytes before the offset, but in the opening call: answer that one
 /// with 0, and stop at the next. **A connection that fails without a stop says that the id is dead**; a
 /// client that wants to go on all the same asks WFMTorvGetChunkFileSize first and deletes the id only if that
 /// fails too. Bytes are missing when the transfer failed, or ended, with less than the slice out, less twice

@@ -65,8 +65,12 @@ start_nas() {
         touch -d "2023-06-01 12:$((i + 10)):00 UTC" "$picture"
     done
 
-    typed "torvi-nas --root nas --port 0 --tls-port 0 --user alice:... &"
-    "$bin/torvi-nas" --root "$nas_root" --port 0 --tls-port 0 --user alice:wonderland >"$nas_log" 2>&1 </dev/null &
+    # One upload in slices will break off; jobs take a while, so that there is something to see.
+    local options=(--port 0 --tls-port 0 --team alice:/home/Archive:bob --job-delay 1500
+                   --fail "cut-upload,match=chunked_upload,bytes=$((megabytes * 400000))")
+    typed "torvi-nas --root nas --user alice:... --user bob:... ${options[*]} &"
+    "$bin/torvi-nas" --root "$nas_root" --user alice:wonderland --user bob:builder "${options[@]}" \
+        >"$nas_log" 2>&1 </dev/null &
     nas=$!
     local ready=
     for _ in $(seq 200); do
@@ -130,6 +134,66 @@ say "Every byte the same."
 [ "$(stat -c %Y holiday.mov)" = "$(stat -c %Y came-back.mov)" ] || die "the modification time was lost"
 say "The modification time went there and back: $(date -u -d @"$(stat -c %Y came-back.mov)" '+%F %T') UTC."
 
+step "The same in slices, as files from 256 MiB on go by themselves. The server cuts the connection in the middle"
+refused 8 torvi put holiday.mov /home/film.mov --resume
+say "The id of the upload is kept for the next run, in a file of its own:"
+find "$XDG_STATE_HOME/torvi/uploads" -type f -exec grep -h uploadId {} + | sed 's/^ */   /'
+shown torvi put holiday.mov /home/film.mov --resume
+cmp holiday.mov "$nas_root/homes/alice/film.mov"
+say "Sent in two runs, and every byte the same."
+
+step "Make folders, rename, and move a folder: a job on the server, watched from the side"
+shown torvi mkdir -p /home/Trips/2024/Iceland
+shown torvi mv /home/film.mov /home/iceland.mov
+shown torvi mv /home/iceland.mov /home/Trips/2024/Iceland/
+typed "torvi mv --check /home/Trips /home/Archive/ &"
+torvi mv --check /home/Trips /home/Archive/ --quiet &
+move=$!
+until job=$(grep -m 1 -o 'func=move .*(Trips as job [0-9]*)' "$nas_log" | sed 's/.* //; s/)//') && [ -n "$job" ]; do
+    sleep 0.05
+done
+for _ in 1 2; do
+    shown torvi jobs "$job" || true
+    sleep 0.3
+done
+wait "$move" || die "the move failed"
+shown torvi ls /home/Archive/Trips/2024/Iceland
+
+step "Many small files in one request"
+for note in one two three four; do printf 'Note %s\n' "$note" >"$note.txt"; done
+shown torvi put --batch one.txt two.txt three.txt four.txt /home/Archive
+say "What the server saw:"
+grep 'upload.php' "$nas_log" | tail -n 1 | sed 's/^/   /'
+
+step "Remove a folder: first only look, then for real; find it in the trash, and bring something back"
+shown torvi rm -r /home/Archive/Trips --dry-run
+shown torvi rm -r /home/Archive/Trips
+shown torvi trash
+shown torvi restore /home/Archive/Trips/2024/Iceland/iceland.mov
+cmp holiday.mov "$nas_root/homes/alice/Archive/Trips/2024/Iceland/iceland.mov"
+say "Every byte the same."
+
+step "A new version of a file, under a lock"
+shown torvi version-probe
+shown torvi version-lock /home/Archive/one.txt
+printf 'Note one, second thoughts\n' >one.txt
+shown torvi put one.txt /home/Archive/ --overwrite --quiet
+shown torvi version-commit /home/Archive/one.txt
+shown torvi version-unlock /home/Archive/one.txt
+version=$(torvi ls /home/@Versions --json | sed -n 's/.*"name": "\([0-9a-f]*\)".*/\1/p' | head -n 1)
+shown torvi get "/home/@Versions/$version/content" before.txt --quiet
+say "before: $(cat before.txt)"
+say "now:    $(cat one.txt)"
+
+step "A team folder: alice shares /home/Archive, bob sees it as /home/.Torvi/Archive"
+as_bob=(--user bob --team /home/.Torvi/Archive=vtf://alice-Archive)
+export TORVI_PASSWORD=builder
+printf 'From Bob\n' >greeting.txt
+shown torvi put greeting.txt /home/.Torvi/Archive/ --quiet "${as_bob[@]}"
+shown torvi ls /home/.Torvi/Archive "${as_bob[@]}"
+export TORVI_PASSWORD=wonderland
+shown torvi stat /home/Archive/greeting.txt
+
 step "The same over plain HTTP, a small file"
 printf 'Dear Bob,\n' >letter.txt
 shown torvi put letter.txt /home/ --no-tls --port "$http_port" --quiet
@@ -147,5 +211,5 @@ requests=$(grep -c 'cgi-bin' "$nas_log" || true)
 stop_nas
 refused 3 torvi version --server 127.0.0.1 --port "$http_port" -v
 
-printf '\n%sDone.%s %s requests over TLS and HTTP; 2 x %s MiB moved, and every byte was the same.\n' \
+printf '\n%sDone.%s %s requests over TLS and HTTP; 3 x %s MiB sent and read, and every byte was the same.\n' \
     "$bold" "$plain" "$requests" "$megabytes"

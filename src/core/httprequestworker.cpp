@@ -27,6 +27,8 @@ struct HttpRequestWorker::Proxy {
 
 namespace {
 
+constexpr int kStatusNoContent = 204;
+constexpr int kStatusNotModified = 304;
 constexpr int kStatusTimeOut = 408;
 constexpr int kStatusUnauthorized = 401;
 constexpr int kProbeTimeOut = 10000;
@@ -186,6 +188,10 @@ int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
         http_status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
         if (reply->isOpen()) response = reply->readAll();  // an aborted one is closed
         error_str = reply->errorString();
+        if (error_type == QNetworkReply::NoError && m_file == nullptr && isCutShort(*reply)) {
+            error_type = QNetworkReply::RemoteHostClosedError;
+            error_str = QStringLiteral("Connection closed");
+        }
         // Inside a tunnel Qt keeps the proxy's 407 to itself.
         const bool refusedTunnel =
             error_type == QNetworkReply::ProxyAuthenticationRequiredError && http_status == 0;
@@ -195,6 +201,15 @@ int HttpRequestWorker::wait_for_finished(QNetworkReply* reply, int msec) {
     }
     reply->deleteLater();
     return error_type;
+}
+
+/// The connection ended inside the reply, which Qt fails to notice now and then.
+bool HttpRequestWorker::isCutShort(const QNetworkReply& reply) const {
+    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+    const bool hasBody = reply.operation() != QNetworkAccessManager::HeadOperation &&
+                         http_status != kStatusNoContent && http_status != kStatusNotModified;
+    return hasBody && length.isValid() && !reply.hasRawHeader("Content-Encoding") &&
+           response.size() < length.toLongLong();
 }
 
 int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& body) {

@@ -86,6 +86,7 @@ private:
     QNetworkReply* send(const HttpRequestInput& input, QNetworkRequest request, OneWayBody& body);
     /// Waits for the reply, ends the exchange, and calls what broke it by its name.
     int finish(Exchange& exchange, int msec, const OneWayBody& body);
+    bool isCutShort(const QNetworkReply& reply) const;
     void settleRefusedResend(const QNetworkReply& reply);
     void setProxyRefusal();
     bool answeredByProxy(const QNetworkReply& reply) const;

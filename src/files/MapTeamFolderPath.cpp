@@ -54,16 +54,17 @@ RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstrin
                              const std::wstring& name) {
     const auto found = Find(context, WithTrailingSlash(parent) + name);
     if (!found || found->serverPath.empty()) return {parent, name, {}, found.has_value()};
-    if (found->remainder.empty()) return {found->root(), {}, found->slaveID, true, true};
-    if (found->remainder.find(L'/') == std::wstring::npos) return {found->root(), name, found->slaveID, true};
-    return {found->serverPath + SplitAtLastSlash(found->remainder).parent, name, found->slaveID, true};
+    if (found->remainder.empty()) return {found->root(), {}, found->slaveID, true, true, true};
+    if (found->remainder.find(L'/') == std::wstring::npos)
+        return {found->root(), name, found->slaveID, true, true};
+    return {found->serverPath + SplitAtLastSlash(found->remainder).parent, name, found->slaveID, true, true};
 }
 
 RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& path) {
     const auto found = Find(context, path);
     if (!found || found->serverPath.empty()) return {path, {}, {}, found.has_value()};
-    if (found->remainder.empty()) return {found->root(), {}, found->slaveID, true, true};
-    return {found->serverPath + found->remainder, {}, found->slaveID, true};
+    if (found->remainder.empty()) return {found->root(), {}, found->slaveID, true, true, true};
+    return {found->serverPath + found->remainder, {}, found->slaveID, true, true};
 }
 
 }  // namespace Lattice

@@ -12,6 +12,7 @@ struct RemotePath {
     std::wstring name;
     std::wstring slaveID{};   ///< empty when nothing was mapped or nothing is known of nodes
     bool matched = false;     ///< a team folder holds it, whether or not its place is known
+    bool mapped = false;      ///< its place is known, and this is it
     bool isTeamRoot = false;  ///< it is that team folder's root, which has no name
 };
 

@@ -14,8 +14,8 @@ RemotePath RouteTo(Call& call, const wchar_t* slaveID, const wchar_t* path) {
 }
 
 std::wstring PlaceOf(const RemotePath& path, const wchar_t* given) {
-    if (!path.matched) return given;
-    return path.name.empty() ? path.parent : WithTrailingSlash(path.parent) + path.name;
+    if (!path.mapped) return given;
+    return path.name.empty() ? path.parent : path.parent + L"/" + path.name;
 }
 
 }  // namespace Lattice

@@ -46,7 +46,7 @@ TEST_P(CliBatchEdges, EachFileHasItsOwnResult) {
                                           keep("folder", "3"), "/home/box"});
     EXPECT_EQ(result.exitCode, 10) << result.err;
     EXPECT_THAT(result.out,
-                AllOf(HasSubstr("good        1 B  sent\n"), HasSubstr("--overwrite replaces it"),
+                AllOf(HasSubstr("good      1 B  sent\n"), HasSubstr("--overwrite replaces it"),
                       HasSubstr("cannot read missing"), HasSubstr("a folder of that name exists")));
     EXPECT_THAT(result.err, HasSubstr("3 of 4 files were not sent"));
     EXPECT_EQ(nas.folder().read(home + "box/good"), "1");

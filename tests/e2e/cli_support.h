@@ -60,11 +60,15 @@ public:
     std::vector<std::string> connected(std::vector<std::string> arguments, bool tls = false) const {
         tls = tls || m_road.tls;
         arguments.insert(arguments.end(), {"--server", "127.0.0.1", "--user", m_user, "--port",
-                                           std::to_string(tls ? m_nas.tlsPort() : m_nas.port())});
+                                           std::to_string(m_front != 0 ? m_front
+                                                          : tls        ? m_nas.tlsPort()
+                                                                       : m_nas.port())});
         if (tls) arguments.push_back("--tls");
         if (m_road.fcgi) arguments.push_back("--fcgi");
         return arguments;
     }
+    /// Through a front end on that port.
+    void goThrough(std::uint16_t port) { m_front = port; }
     void become(const std::string& user, const std::string& password) {
         m_user = user;
         m_password = password;
@@ -100,6 +104,7 @@ public:
 private:
     Nas& m_nas;
     CliRoad m_road;
+    std::uint16_t m_front = 0;
     std::string m_user = "anna", m_password = "secret";
     TempDir m_state, m_work;
 };

@@ -62,7 +62,7 @@ TEST_P(CliTeamEdges, LoginKeepsTheFoldersAndNoneTakesThemOut) {
               Json({"/home/.Torvi/Plans/=vtf://anna-Plans/"}));
     EXPECT_EQ(cli.runBare({"mkdir", "/home/.Torvi/Plans/x"}).exitCode, 0);
     EXPECT_TRUE(served("Plans/x"));
-    EXPECT_NE(cli.runBare({"mkdir", "/home/.Torvi/Plans/y", "--team", "none"}).exitCode, 0);
+    EXPECT_EQ(cli.runBare({"mkdir", "/home/.Torvi/Plans/y", "--team", "none"}).exitCode, 5);
     EXPECT_FALSE(served("Plans/y"));
 }
 

@@ -10,11 +10,17 @@ using testing::ElementsAre;
 
 namespace {
 
+/// The front end of the stand-in server's own cluster, which listens with TLS as well.
 std::string templateText() {
     std::ifstream in(NGINX_CLUSTER_TEMPLATE);
     std::ostringstream text;
     text << in.rdbuf();
-    return text.str();
+    const std::string listen = "listen 127.0.0.1:@PORT@;";
+    std::string result = text.str();
+    return result.replace(result.find(listen), listen.size(),
+                          listen +
+                              " listen 127.0.0.1:@TLS_PORT@ ssl; ssl_certificate @CERT@; "
+                              "ssl_certificate_key @KEY@;");
 }
 
 /// Two nodes with one set of sessions, behind a front end that knows them by their ids.
@@ -26,9 +32,10 @@ protected:
     Login loginAtTheFront() {
         Login login;
         login.road = GetParam();
-        login.port = front.port();
+        login.port = frontPort();
         return login;
     }
+    std::uint16_t frontPort() const { return GetParam().tls ? front.tlsPort() : front.port(); }
 
     TempDir sessions;
     Nas master{withArguments(node(sessions, "master"))};
@@ -99,6 +106,60 @@ TEST_P(LibCluster, ATeamFolderOfTheMastersOwnGoesWithoutAPrefix) {
     EXPECT_EQ(front.read("access.log").find("/MASTER/"), std::string::npos);
 }
 
+TEST_P(LibCluster, ATeamFolderOnTheOtherNodeIsChangedThere) {
+    const std::wstring plans = L"/home/.Torvi/Plans";
+    other.folder().write("homes/ben/Plans/old.txt", "old");
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"node2");
+    master.forgetRequests();
+
+    EXPECT_EQ(client.makeFolder(plans, L"d"), kDone);
+    EXPECT_EQ(client.setTime(plans, L"old.txt", 1234567890), kDone);
+    EXPECT_EQ(client.rename(plans + L"/old.txt", plans + L"/a"), kDone);
+    EXPECT_EQ(client.moveChecked(plans + L"/a", plans + L"/d/a", client.profile(plans + L"/a")), kDone);
+    EXPECT_EQ(other.folder().read("homes/ben/Plans/d/a"), "old");
+    EXPECT_EQ(modifiedTime(other.folder().file("homes/ben/Plans/d/a")), 1234567890);
+    EXPECT_EQ(client.move(plans + L"/d/a", plans + L"/a"), kDone);
+    EXPECT_GE(other.requestCount("get_move_status"), 1);
+    EXPECT_EQ(client.removeChecked(plans + L"/a", client.profile(plans + L"/a")), kDone);
+    EXPECT_EQ(client.remove(plans + L"/d"), kDone);
+    EXPECT_TRUE(std::filesystem::is_empty(other.folder().file("homes/ben/Plans")));
+
+    Slice slice;
+    slice.bytes = randomBytes(100000);
+    slice.to = plans + L"/sliced";
+    EXPECT_EQ(client.uploadID(slice.id, plans), kDone);
+    other.arm("short-slice,bytes=40000");
+    EXPECT_EQ(client.send(slice), (Sliced{{0, -2}, true, false}));
+    EXPECT_EQ(client.heldBytes(slice.id, slice.offset, slice.root, L"node2"), kDone);
+    EXPECT_EQ(slice.offset, 40000);
+    EXPECT_EQ(client.send(slice), (Sliced{kDone, false, false}));
+    EXPECT_TRUE(other.folder().read("homes/ben/Plans/sliced") == slice.bytes);
+    std::vector<BatchFile> batch = {{L"one", "1"}, {L"two", "2"}};
+    EXPECT_EQ(client.sendBatch(plans, batch), kDone);
+    EXPECT_EQ(other.folder().read("homes/ben/Plans/two"), "2");
+    EXPECT_EQ(master.requestCount(), 0) << master.log();
+    EXPECT_EQ(other.requestCount("refused"), 0) << other.log();
+}
+
+TEST_P(LibCluster, AMoveBetweenTheNodesIsRefusedOrGoesToTheSources) {
+    const std::wstring plans = L"/home/.Torvi/Plans";
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"node2");
+    master.folder().write("homes/anna/mine", "mine");
+    other.folder().write("homes/ben/Plans/plan", "plan");
+    const Profile mine = client.profile(L"/home/mine"), plan = client.profile(plans + L"/plan");
+    master.forgetRequests();
+    other.forgetRequests();
+    EXPECT_EQ(client.moveChecked(L"/home/mine", plans + L"/mine", mine), (Numbers{14, 34}));
+    EXPECT_EQ(client.moveChecked(plans + L"/plan", L"/home/plan", plan), (Numbers{14, 34}));
+    EXPECT_EQ(master.requestCount() + other.requestCount(), 0);
+    // Unchecked it goes to the source's node, which has a folder of that place as well.
+    EXPECT_EQ(client.move(L"/home/mine", plans + L"/mine"), kDone);
+    EXPECT_EQ(master.folder().read("homes/ben/Plans/mine"), "mine");
+    EXPECT_EQ(other.requestCount(), 0);
+}
+
 TEST_P(LibCluster, TheNodeThatIsToldAtLoginIsTheContexts) {
     Login login = loginAtTheFront();
     EXPECT_EQ(login.run(), kDone);
@@ -108,9 +169,9 @@ TEST_P(LibCluster, TheNodeThatIsToldAtLoginIsTheContexts) {
     EXPECT_EQ(WFMGetSlaveID(login.session.get(), &capacity, id), 0u);
     EXPECT_STREQ(id, L"master");
     // A slave's session is ended by its master; only a forced logout says so to the server.
-    EXPECT_EQ(TorviLogout(L"127.0.0.1", front.port(), false, login.session.get()), 0u);
+    EXPECT_EQ(TorviLogout(kServer, frontPort(), false, login.session.get()), 0u);
     EXPECT_EQ(master.requestCount("logout"), 0);
-    EXPECT_EQ(TorviLogout(L"127.0.0.1", front.port(), true, login.session.get()), 0u);
+    EXPECT_EQ(TorviLogout(kServer, frontPort(), true, login.session.get()), 0u);
     EXPECT_EQ(master.requestCount("logout"), 1);
 }
 
@@ -122,10 +183,10 @@ TEST_P(LibCluster, ANodeThatIsGoneIsTheFrontEndsError) {
     Progress progress;
     upload.callback = Progress::callback;
     upload.data = &progress;
-    EXPECT_EQ(client.upload(upload), (Numbers{6, -1}));  // 502
+    // 502, or a connection that was closed before the body was out.
+    EXPECT_THAT(client.upload(upload), testing::AnyOf(Numbers{6, -1}, Numbers{2, -1}));
     EXPECT_EQ(client.stat(L"/home/.Torvi/Plans", L"x"), (Numbers{6, -1}));
     EXPECT_EQ(client.upload({"mine", L"/home/mine"}), kDone);
 }
 
-INSTANTIATE_TEST_SUITE_P(Roads, LibCluster,
-                         testing::Values(Road{Service::Sync, false}, Road{Service::Fcgi, false}), roadName);
+INSTANTIATE_TEST_SUITE_P(Roads, LibCluster, testing::ValuesIn(syncRoads()), roadName);

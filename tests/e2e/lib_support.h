@@ -126,6 +126,38 @@ struct JobState {
     std::int32_t error = 0;
 };
 
+/// A slice of a file: from the offset on, as much as one request carries.
+struct Slice {
+    std::string bytes = {};  ///< of the whole file
+    std::wstring id, to;
+    std::int64_t offset = 0;
+    std::wstring root = L"/home/.up", rename = {};
+    std::int64_t time = 1500000000;
+    std::uint32_t overwrite = 1;
+    WFMProgressCallback callback = nullptr;
+    void* data = nullptr;
+    bool* stop = nullptr;
+    std::string local = {};  ///< the whole file, in place of the bytes
+};
+
+/// What became of a slice: the two numbers and the two flags.
+struct Sliced {
+    Numbers numbers;
+    bool resume = false, deleteID = false;
+    bool operator==(const Sliced& other) const {
+        return numbers == other.numbers && resume == other.resume && deleteID == other.deleteID;
+    }
+};
+std::ostream& operator<<(std::ostream& out, const Sliced& sliced);
+
+/// One file of a batch, with what became of it.
+struct BatchFile {
+    std::wstring name;
+    std::string bytes;
+    std::int64_t time = 1500000000;
+    std::int32_t result = -77;
+};
+
 /// A session with the place of its server. It may be used by one thread at a time.
 class Client {
 public:
@@ -180,6 +212,26 @@ public:
     std::uint32_t clearJob(std::int32_t pid) const;
     Numbers restore(const std::wstring& folder, const std::wstring& name, std::wstring& pid,
                     std::uint32_t mode = 0, std::uint32_t capacity = 260) const;
+
+    Numbers uploadID(std::wstring& id, const std::wstring& folder = L"/home",
+                     const std::wstring& root = L"/home/.up") const;
+    Numbers heldBytes(const std::wstring& id, std::int64_t& size, const std::wstring& root = L"/home/.up",
+                      const std::wstring& node = {}) const;
+    Numbers forgetUpload(const std::wstring& id, const std::wstring& root = L"/home/.up") const;
+    Sliced send(const Slice& slice) const;
+    Numbers sendBatch(const std::wstring& folder, std::vector<BatchFile>& files) const;
+
+    Numbers probe(std::wstring& version) const;
+    Numbers lock(const std::wstring& path, WFM_VERSIONING_LOCK& lock) const;
+    Numbers unlock(const std::wstring& path, const WFM_VERSIONING_LOCK& lock) const;
+    Numbers cleanVersion(const std::wstring& path, const WFM_VERSIONING_LOCK& lock) const;
+    Numbers makeSignature(const std::wstring& path, const WFM_VERSIONING_LOCK& lock, std::wstring& pid) const;
+    Numbers makeDelta(const std::wstring& path, const WFM_VERSIONING_LOCK& lock, std::wstring& pid) const;
+    Numbers commitVersion(const std::wstring& path, const WFM_VERSIONING_LOCK& lock, std::int64_t time,
+                          std::wstring& pid) const;
+    /// It has no result word.
+    std::uint32_t statDelta(const std::wstring& path, const WFM_VERSIONING_LOCK& lock,
+                            WFM_VERSIONING_DELTA_STAT& stat) const;
 
 private:
     std::uint16_t m_port;

@@ -121,20 +121,87 @@ void workAlone(const Client& client, int number) {
     EXPECT_EQ(client.stat(L"/home", L"none"), (Numbers{0, 3}));
 }
 
+/// Another worker's: everything that changes the tree, in a folder of its own.
+void changeAlone(const Client& client, int number) {
+    const std::wstring name = L"c " + std::to_wstring(number), own = L"/home/" + name;
+    const std::string bytes =
+        randomBytes(60000 + static_cast<std::size_t>(number), static_cast<unsigned>(number));
+    SCOPED_TRACE("worker " + std::to_string(number));
+    EXPECT_EQ(client.makeFolder(L"/home", name), kDone);
+    for (const wchar_t* folder : {L"from", L"to"}) EXPECT_EQ(client.makeFolder(own, folder), kDone);
+    Slice slice;
+    slice.bytes = bytes;
+    slice.to = own + L"/from/a";
+    EXPECT_EQ(client.uploadID(slice.id), kDone);
+    EXPECT_EQ(client.heldBytes(slice.id, slice.offset), kDone);
+    EXPECT_EQ(client.send(slice), (Sliced{kDone, false, false}));
+    std::wstring unused;
+    EXPECT_EQ(client.uploadID(unused), kDone);
+    EXPECT_EQ(client.forgetUpload(unused), kDone);
+    std::vector<BatchFile> batch = {{L"one", "1"}, {L"two", "22"}, {L"three", "333"}};
+    EXPECT_EQ(client.sendBatch(own + L"/from", batch), kDone);
+    for (const BatchFile& file : batch) EXPECT_EQ(file.result, 0);
+
+    EXPECT_EQ(client.setTime(own + L"/from", L"a", 1234567890), kDone);
+    const Profile a = client.profile(own + L"/from/a");
+    EXPECT_EQ(a.time, 1234567890);
+    EXPECT_EQ(a.size, static_cast<std::int64_t>(bytes.size()));
+    EXPECT_EQ(client.removeChecked(own + L"/from/a", {a.time, a.size + 1, false}), (Numbers{0, 13}));
+    EXPECT_EQ(client.renameChecked(own + L"/from/a", own + L"/from/b", a), kDone);
+    EXPECT_EQ(client.rename(own + L"/from/b", own + L"/from/c"), kDone);
+    EXPECT_EQ(client.moveChecked(own + L"/from/c", own + L"/to/d", a), kDone);
+    EXPECT_EQ(client.move(own + L"/from", own + L"/to/from"), kDone);
+
+    EXPECT_EQ(client.remove(own + L"/to/d"), kDone);
+    std::wstring pid;
+    EXPECT_EQ(client.restore(L"/home/@Recycle/" + name + L"/to", L"d", pid), kDone);
+    EXPECT_EQ(client.followJob(std::stoi(L"0" + pid)), kDone);
+    std::string back;
+    EXPECT_EQ(client.download(own + L"/to/d", back), kDone);
+    EXPECT_TRUE(back == bytes);
+    EXPECT_EQ(client.download(own + L"/to/from/three", back), kDone);
+    EXPECT_EQ(back, "333");
+    EXPECT_EQ(client.removeChecked(own + L"/to/from", client.profile(own + L"/to/from")), kDone);
+
+    WFM_VERSIONING_LOCK lock = {};
+    EXPECT_EQ(client.lock(own + L"/to/d", lock), kDone);
+    EXPECT_EQ(client.lock(own + L"/to/d", lock), kDone);
+    EXPECT_EQ(client.makeSignature(own + L"/to/d", lock, pid), kDone);
+    EXPECT_EQ(client.followJob(std::stoi(L"0" + pid)), kDone);
+    WFM_VERSIONING_DELTA_STAT stat = {};
+    EXPECT_EQ(client.statDelta(own + L"/to/d", lock, stat), 0u);
+    EXPECT_EQ(client.upload({"new " + std::to_string(number), own + L"/to/d"}), kDone);
+    EXPECT_EQ(client.commitVersion(own + L"/to/d", lock, 1234567890, pid), kDone);
+    EXPECT_EQ(client.followJob(std::stoi(L"0" + pid)), kDone);
+    EXPECT_EQ(client.unlock(own + L"/to/d", lock), kDone);
+    EXPECT_EQ(client.download(own + L"/to/d", back), kDone);
+    EXPECT_EQ(back, "new " + std::to_string(number));
+}
+
+/// Every worker on a thread and a clone of its own.
+void atOnce(const Client& client, int count, void (*work)(const Client&, int)) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([clone = client.clone(), i, work] { work(clone, i); });
+    for (std::thread& thread : threads) thread.join();
+}
+
 }  // namespace
 
-TEST_P(LibThreads, SixteenThreadsOnClonesDoTheirCallsAtOnce) {
+TEST_P(LibThreads, ThirtyTwoThreadsOnClonesTransferAndListAtOnce) {
     put("d/shared", "shared");
-    std::vector<Client> clones;
-    for (int i = 0; i < 16; ++i) clones.push_back(client.clone());
-    std::vector<std::thread> threads;
-    threads.reserve(clones.size());
-    for (int i = 0; i < 16; ++i) {
-        threads.emplace_back([&clone = clones[static_cast<std::size_t>(i)], i] { workAlone(clone, i); });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(nas.requestCount("upload"), 32);  // a created file is an upload too
-    EXPECT_EQ(nas.requestCount("upload_and_move"), 16);
+    atOnce(client, 32, workAlone);
+    EXPECT_EQ(nas.requestCount("upload"), 64);  // a created file is an upload too
+    EXPECT_EQ(nas.requestCount("upload_and_move"), 32);
+    EXPECT_EQ(nas.requestCount("refused"), 0);
+}
+
+TEST_P(LibThreads, ThirtyTwoThreadsOnClonesChangeTheTreeAtOnce) {
+    atOnce(client, 32, changeAlone);
+    EXPECT_EQ(nas.requestCount("createdir"), 96);
+    EXPECT_EQ(nas.requestCount("chunked_upload"), 32);
+    EXPECT_EQ(nas.requestCount("move"), 64);
+    EXPECT_EQ(nas.requestCount("versioning_lock"), 64);
     EXPECT_EQ(nas.requestCount("refused"), 0);
 }
 

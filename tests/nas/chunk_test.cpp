@@ -91,6 +91,7 @@ TEST_F(NasChunks, SlicesGrowTogetherAndTheLastOnePutsTheFileInItsPlace) {
     const std::string content = noise(700001);
     const std::string id = begin();
     EXPECT_EQ(0, held(id));
+    EXPECT_THAT(nas.control("GET", "state"), HasSubstr("\"partials\":1,"));
     Slice slice{id};
     slice.size = static_cast<std::int64_t>(content.size());
     for (const std::size_t length : {std::size_t(300000), std::size_t(299999), std::size_t(100002)}) {
@@ -176,6 +177,17 @@ TEST_F(NasChunks, OffsetMustBeWhatIsHeld) {
     EXPECT_EQ("0123456789", nas.folder().read("Public/big"));
 }
 
+TEST_F(NasChunks, SizeThatWasToldIsOutOfDateOnceASliceLanded) {
+    Slice slice{begin()};
+    EXPECT_EQ(0, held(slice.id));
+    slice.content = "01234";
+    slice.size = 10;
+    slice.more = true;
+    EXPECT_EQ(1, send(slice).status());
+    EXPECT_EQ(0, send(slice).status());
+    EXPECT_EQ(5, held(slice.id));
+}
+
 TEST_F(NasChunks, CutBodyLeavesExactlyWhatCame) {
     const std::string content = noise(900000);
     for (const bool reset : {false, true}) {
@@ -258,19 +270,67 @@ TEST_F(NasChunks, StalledBodyGoesOn) {
     EXPECT_TRUE(nas.folder().read("Public/big") == slice.content);
 }
 
-TEST_F(NasChunks, OneRequestAtATimeAdds) {
+TEST_F(NasChunks, SizeThatWasToldHoldsWhateverALostRequestStillBrings) {
     Slice slice{begin()};
-    slice.content = std::string(8 << 20, 'x');
-    slice.size = 8 << 20;
-    nas.arm("stall-upload,match=chunked_upload,bytes=100000,ms=0");
-    NasConnection stalled(nas.port());
-    std::thread sender([&] { stalled.send(request(slice).bytes().substr(0, 200000)); });
-    ASSERT_TRUE(nas.waitForLog("fault stall-upload hit"));
-    sender.join();
-    EXPECT_EQ(0, send(slice).status());
-    EXPECT_TRUE(nas.waitForLog("another request adds to this upload"));
-    EXPECT_EQ(0, drop(slice.id).status());
-    EXPECT_FALSE(there("Public/big"));
+    slice.content = noise(1 << 20);
+    slice.size = 1 << 20;
+    const std::string content = slice.content;
+    const std::string bytes = request(slice).bytes();
+    NasConnection old(nas.port());
+    old.send(bytes.substr(0, 600000));
+    const auto partial = nas.folder().path() / ".torvi-nas.partials" / slice.id;
+    while (std::filesystem::file_size(partial) < 500000) std::this_thread::yield();
+    const std::int64_t told = held(slice.id);
+    // The old request comes to life again, and then the client goes on from what it was told.
+    old.send(bytes.substr(600000, 300000));
+    while (static_cast<std::int64_t>(std::filesystem::file_size(partial)) <= told) std::this_thread::yield();
+    slice.offset = told;
+    slice.content = content.substr(static_cast<std::size_t>(told));
+    EXPECT_EQ(1, send(slice).status());
+    EXPECT_TRUE(nas.folder().read("Public/big") == content);
+    old.send(bytes.substr(900000));
+    EXPECT_EQ(0, old.readAll().status());
+    EXPECT_TRUE(nas.waitForLog("another request took this upload over"));
+    EXPECT_TRUE(nas.folder().read("Public/big") == content);
+    EXPECT_THAT(partials(), IsEmpty());
+}
+
+TEST_F(NasChunks, AskingForTheSizeDisturbsNoRequestThatAdds) {
+    Slice slice{begin()};
+    slice.content = noise(1 << 20);
+    slice.size = 1 << 20;
+    const std::string bytes = request(slice).bytes();
+    NasConnection connection(nas.port());
+    connection.send(bytes.substr(0, 600000));
+    const auto partial = nas.folder().path() / ".torvi-nas.partials" / slice.id;
+    while (std::filesystem::file_size(partial) < 500000) std::this_thread::yield();
+    EXPECT_GE(held(slice.id), 500000);
+    connection.send(bytes.substr(600000));
+    EXPECT_EQ(1, connection.readAll().status());
+    EXPECT_TRUE(nas.folder().read("Public/big") == slice.content);
+}
+
+TEST_F(NasChunks, NewRequestAndDeletionTakeTheUploadFromOneThatHangs) {
+    for (const bool deletes : {false, true}) {
+        Slice slice{begin()};
+        slice.content = noise(1 << 20);
+        slice.size = 1 << 20;
+        const std::string bytes = request(slice).bytes();
+        NasConnection hanging(nas.port());
+        hanging.send(bytes.substr(0, 600000));
+        const auto partial = nas.folder().path() / ".torvi-nas.partials" / slice.id;
+        while (std::filesystem::file_size(partial) < 500000) std::this_thread::yield();
+        if (deletes) {
+            EXPECT_EQ(1, drop(slice.id).status());
+            EXPECT_FALSE(std::filesystem::exists(partial));
+        } else {
+            EXPECT_EQ(0, send(slice).status());
+            EXPECT_TRUE(nas.waitForLog("offset 0, but"));
+        }
+        hanging.send(bytes.substr(600000));
+        EXPECT_EQ(0, hanging.readAll().status());
+        EXPECT_FALSE(there("Public/big"));
+    }
 }
 
 TEST_F(NasChunks, LostConnectionIsPutAwayBeforeTheSizeIsTold) {

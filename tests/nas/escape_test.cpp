@@ -27,6 +27,21 @@ protected:
     /// The secret's folder as seen from the root, with enough steps up for any start.
     std::string up() const { return "/../../../../../../../../.." + outside.string(); }
 
+    NasReply putBatch(const std::string& path, const std::string& name) {
+        const std::string delimiter = std::string("--") + kBoundary;
+        const std::string field = delimiter + "\r\nContent-Disposition: form-data; name=\"";
+        NasRequest request = NasRequest::get("/cgi-bin/torvi/upload.php");
+        request.method = "POST";
+        request.body =
+            field + "sid\"\r\n\r\n" + sid + "\r\n" + field + "dest_path[]\"\r\n\r\n" + path + "\r\n" + field +
+            "mtime[]\"\r\n\r\n1\r\n" + field + "files[]\"; filename=\"" + name +
+            "\"\r\nContent-Type: application/octet-stream\r\nContent-Transfer-Encoding: binary\r\n\r\n" +
+            "mine\r\n" + delimiter + "--";
+        request.set("Content-Type", std::string("multipart/form-data; boundary=") + kBoundary);
+        request.set("Content-Length", std::to_string(request.body.size()));
+        return run(request);
+    }
+
     TempDir outside;
 };
 
@@ -100,6 +115,25 @@ TEST_P(NasEscape, NoCallPasses) {
                     "&source_file=secret&mode=1&source_total=1&source_path=" + encoded(path))),
             "recovery");
     EXPECT_TRUE(there("Public/mine"));
+    const auto begin = [&](const std::string& root) {
+        return get(cgi("func=start_chunked_upload&sid=" + sid + "&upload_root_dir=" + encoded(root)));
+    };
+    EXPECT_THAT(begin(path).status(), testing::AnyOf(4, 7));
+    const std::string id = begin("/home").json()["upload_id"].asString();
+    const auto slice = [&](const std::string& folder, const std::string& rename) {
+        return run(NasRequest::upload(
+            cgi("func=chunked_upload&sid=" + sid + "&upload_id=" + id +
+                "&settime=1&mtime=1&offset=0&filesize=4&dest_path=" + encoded(folder) + "&overwrite=1" +
+                (rename.empty() ? "" : "&rename_dest=" + encoded(rename)) + "&upload_root_dir=%2Fhome"),
+            "secret", "mine", "chunked_upload"));
+    };
+    refused(slice(path, ""), "slice");
+    refused(slice("/Public", path + "/secret"), "slice with a new name");
+    refused(get(cgi("func=versioning_lock&create_version=1&sid=" + sid + "&source_path=" + encoded(path) +
+                    "&source_file=secret")),
+            "lock");
+    EXPECT_THAT(putBatch(path, "secret").json()["files"][0]["status"].asString(),
+                testing::AnyOf("4", "5", "12"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Ways, NasEscape, testing::ValuesIn(kWays),
@@ -180,6 +214,20 @@ TEST_F(NasEscapeByName, AbsolutePathOfTheMachineIsAPathOfTheTree) {
 
 TEST_F(NasEscapeByName, UploadOntoALinkReplacesNothingBehindIt) {
     EXPECT_EQ(4, put("/Public", "window", "mine").status());
+    EXPECT_TRUE(std::filesystem::is_symlink(nas.folder().path() / "Public/window"));
+}
+
+TEST_F(NasEscapeByName, LinksAreNeitherLockedNorReplacedInABatch) {
+    for (const char* name : {"window", "door", "../secret", ".."}) {
+        EXPECT_THAT(putBatch("/Public", name).json()["files"][0]["status"].asString(),
+                    testing::AnyOf("4", "12"))
+            << name;
+        EXPECT_THAT(get(cgi("func=versioning_lock&create_version=1&sid=" + sid +
+                            "&source_path=%2FPublic&source_file=" + encoded(name)))
+                        .status(),
+                    testing::AnyOf(4, 12))
+            << name;
+    }
     EXPECT_TRUE(std::filesystem::is_symlink(nas.folder().path() / "Public/window"));
 }
 

@@ -147,6 +147,14 @@ TEST_F(NasMove, BetweenVolumesTheTreeIsCopiedThenRemoved) {
     EXPECT_THAT(onDisk("homes/anna"), ElementsAre("Plans", "Rules", "d"));
 }
 
+TEST_F(NasMove, FolderThatCannotBeRemovedIsNotCopiedEither) {
+    write("Public/d/fixed/x", "1");
+    std::filesystem::permissions(disk("Public/d/fixed"), std::filesystem::perms(0555));
+    EXPECT_EQ(4, moveNow("/Public", "d", "/home").status());
+    EXPECT_TRUE(there("Public/d/fixed/x"));
+    EXPECT_THAT(onDisk("homes/anna"), ElementsAre("Plans", "Rules"));
+}
+
 TEST_F(NasMove, HolesStayHoles) {
     const std::string path = write("Public/sparse", "begin");
     std::filesystem::resize_file(path, 512 << 20);
@@ -274,6 +282,7 @@ TEST_F(NasStuckJobs, RunningJobLeavesTheSourceInItsPlaceAndIsSeenOnBothChannels)
     const int pid = moveAsJob("/Public", "a", "/home");
     EXPECT_EQ("a", status(pid)["filename"].asString());
     EXPECT_LT(status(pid)["percent"].asInt(), 100);
+    EXPECT_THAT(nas.control("GET", "state"), HasSubstr("\"jobs\":1,"));
     EXPECT_EQ(0, progress(std::to_string(pid))["copying"].asInt());
     EXPECT_TRUE(progress(std::to_string(pid)).isMember("percent"));
     EXPECT_TRUE(there("Public/a"));

@@ -9,12 +9,16 @@ mkdir -p "$work"
 
 fail() { echo "$*" >&2; exit 1; }
 
-with_find_package() {
-    local prefix=$1
-    "$CMAKE" -S "$here/consumer" -B "$work/cmake" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
+build_against() {
+    local prefix=$1 source=$2
+    "$CMAKE" -S "$source" -B "$work/cmake" -G Ninja -DCMAKE_BUILD_TYPE=Debug \
         -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS"
     grep -q "^TorviAPI_DIR:PATH=$prefix/" "$work/cmake/CMakeCache.txt" || fail "another TorviAPI was found"
     "$CMAKE" --build "$work/cmake"
+}
+
+with_find_package() {
+    build_against "$1" "$here/consumer"
     "$work/cmake/consumer" "$work"
 }
 
@@ -43,6 +47,27 @@ case $check in
         done
         ;;
     FindPackageBuildsAProgramThatRuns) with_find_package "$PREFIX" ;;
+    TheExampleListsAFolder)
+        nas=$BUILD_DIR/bin/torvi-nas
+        [ -x "$nas" ] || { echo "torvi-nas isn't built"; exit 0; }
+        mkdir -p "$work/nas/Public" "$work/example"
+        touch "$work/nas/Public/first file" "$work/nas/Public/second"
+        "$nas" --root "$work/nas" --port 0 --user ann:secret >"$work/ready" 2>"$work/nas.log" &
+        trap 'kill $!' EXIT
+        # It is the README's word for word, but for the port: the server takes one that is free.
+        cp "$here"/../../docs/example/* "$work/example"
+        CXXFLAGS="$CXXFLAGS -Wall -Wextra -Werror" build_against "$PREFIX" "$work/example"
+        until grep -q '^torvi-nas ready' "$work/ready"; do
+            kill -0 $! || fail "torvi-nas doesn't start: $(cat "$work/nas.log")"
+            sleep 0.1
+        done
+        port=$(sed -n 's/^torvi-nas ready http=127\.0\.0\.1:\([0-9]*\) .*/\1/p' "$work/ready")
+        sed -i "s/8080/$port/g" "$work/example/example.cpp"
+        "$CMAKE" --build "$work/cmake"
+        "$work/cmake/example" >"$work/said"
+        printf '%s\n' 'dwStatus 0, result word 0' 'first file' second | sort >"$work/expected"
+        sort "$work/said" | diff "$work/expected" - || fail "it says: $(cat "$work/said")"
+        ;;
     PkgConfigBuildsAProgramThatRuns) with_pkg_config "$PREFIX" ;;
     MovedPrefixStillServesBoth)
         cp -a "$PREFIX" "$work/elsewhere"

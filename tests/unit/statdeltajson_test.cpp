@@ -26,6 +26,9 @@ TEST(StatDeltaJson, ReadsTheSizeOfADeltaThatExists) {
         {R"({"exist":0,"size":"7"})", false, 0},
         {R"({"exist":0,"size":5000000000})", false, 0},
         {R"({"exist":null,"size":"7"})", false, 0},
+        {R"({"exist":true,"size":"7"})", false, 0},
+        {R"({"exist":"true","size":"7"})", false, 0},
+        {R"({"exist":[],"size":"7"})", false, 0},
         {R"({"size":"7"})", false, 0},
         {"{}", false, 0},
     };

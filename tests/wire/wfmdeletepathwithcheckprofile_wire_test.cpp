@@ -143,6 +143,26 @@ TEST_F(WFMDeletePathwithCheckProfileWire, APathThatIsNotMappedIsCheckedAsGiven) 
     expectForm(server.request(1), fileForm("vtf%3A%2F%2FS%2Fd", "a"));
 }
 
+TEST_F(WFMDeletePathwithCheckProfileWire, APathWhoseTeamFolderHasNoPlaceIsCheckedAsGiven) {
+    RawServer server({answered("1")});
+    const SessionPtr team = makeTeamSession({{L"/home/.Torvi/T/", L""}});
+    CheckedDeleteCall call;
+    call.path = L"home/.Torvi/T/a";
+    EXPECT_EQ(call.run(team.get(), server.port()), 0u);
+    expectForm(server.request(0), form("%2Fhome%2F.Torvi%2FT", "a",
+                                       fileProfile("home%2F.Torvi%2FT%2Fa", "5000000000", "1700000000")));
+}
+
+TEST_F(WFMDeletePathwithCheckProfileWire, TheCheckPathIsTheMappedParentASlashAndTheName) {
+    RawServer server({answered("1")});
+    const SessionPtr team = makeTeamSession();
+    CheckedDeleteCall call;
+    call.path = L"/home/.Torvi/T/d///a";
+    EXPECT_EQ(call.run(team.get(), server.port()), 0u);
+    expectForm(server.request(0), form("vtf%3A%2F%2FS%2Fd%2F", "a",
+                                       fileProfile("vtf%3A%2F%2FS%2Fd%2F%2Fa", "5000000000", "1700000000")));
+}
+
 TEST_F(WFMDeletePathwithCheckProfileWire, ATeamFoldersRootIsNotSupported) {
     for (const wchar_t* path : {L"/home/.Torvi/T", L"/home/.Torvi/T/", L"home/.Torvi/T"})
         for (const bool isFolder : {false, true}) {

@@ -211,6 +211,30 @@ TEST_F(WFMGetProgressWire, ATransportFailureEndsThePollWithoutARetry) {
     }
 }
 
+TEST_F(WFMGetProgressWire, AnUnknownReadingStaysTheResultOfAPollThatFailsAfterIt) {
+    const SleepCapture sleeps;
+    const struct {
+        Reply reply;
+        uint32_t dwStatus;
+    } rows[] = {{Reply::status(503), 12},
+                {Reply::status(407), 11},
+                {Reply::status(500), 6},
+                {percent("100").contentLength(5000), 2},
+                {Reply::json("no"), 14}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.dwStatus);
+        expectPoll({percent("-1"), row.reply}, row.dwStatus, 3);
+    }
+    RawServer server([&](const Request&) {
+        call.cancelled = true;
+        return percent("-1");
+    });
+    log.clear();
+    EXPECT_EQ(call.run(session.get(), server.port()), 14u);
+    EXPECT_EQ(call.result, 3u);
+    log.expectLines({unknownLine(3)});
+}
+
 TEST_F(WFMGetProgressWire, ACancelBeforeTheFirstRoundIs14WithoutARequest) {
     call.cancelled = true;
     expectPoll({}, 14, -1);
@@ -246,7 +270,7 @@ TEST_F(WFMGetProgressWire, ANullCancelFlagIsNeverSet) {
     expectPoll({percent("50"), percent("100")}, 0, 0);
 }
 
-TEST_F(WFMGetProgressWire, TheWaitsAreReal) {
+TEST_F(WFMGetProgressWire, GoesThroughItsRealWaits) {
     expectPoll({percent("-1"), percent("50"), percent("100")}, 0, 0);
 }
 

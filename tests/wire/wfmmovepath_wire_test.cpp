@@ -303,6 +303,35 @@ TEST_F(WFMMovePathWire, AnyOtherFailureOfThePollEndsAtOnce) {
                {500}});
 }
 
+TEST_F(WFMMovePathWire, AJobOfTheFileManagerThatCannotBeFollowedIsNotCleared) {
+    fileManager = true;
+    const Exchange poll{Step::Poll, unavailable()};
+    expectEnd({{Step::Move, started()}, poll, poll, poll},
+              {12,
+               -1,
+               failedPoll(12) + retry() + failedPoll(12) + retry() + failedPoll(12) + pollFailed(12),
+               {500}});
+    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::status(500)}},
+              {6, -1, failedPoll(6) + pollFailed(6), {500}});
+    cancelAfter = 1;
+    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
+}
+
+TEST_F(WFMMovePathWire, AnUnknownReadingStaysTheResultOfAPollThatFailsUnlessARetryKnowsTheJob) {
+    keepName();
+    const Lines unknown = {"[WFM] WFMGetProgress: ERROR_PATH_NOT_FOUND(old)(3)"};
+    expectEnd({{Step::Move, started()}, {Step::Poll, percentDone(-1)}, {Step::Poll, Reply::status(500)}},
+              {6, 3, unknown + failedPoll(6) + pollFailed(6), {500, 200}});
+    expectEnd({{Step::Move, started()},
+               {Step::Poll, percentDone(-1)},
+               {Step::Poll, unavailable()},
+               {Step::Poll, done()}},
+              {0, 0, unknown + failedPoll(12) + retry(), {500, 200}});
+    cancelAfter = 2;
+    expectEnd({{Step::Move, started()}, {Step::Poll, percentDone(-1)}},
+              {14, 3, unknown + pollFailed(14), {500, 200}});
+}
+
 TEST_F(WFMMovePathWire, ACancelBeforeTheFirstPollIs14) {
     call.cancelled = true;
     expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
@@ -409,6 +438,32 @@ TEST_F(WFMMovePathWire, ARenameThatFailsRemovesWhatWasMovedAndIsTheStatus) {
                -1,
                toRename() + failed("WFMRenamePath", "FAIL(httpStatusCode=500)", 6) + removed(6, -1) +
                    Lines{summary(6)},
+               {500}});
+    expectEnd({{Step::Move, started()},
+               {Step::Poll, done()},
+               {Step::Rename, Reply::json("{}")},
+               {Step::Remove, answered("5")}},
+              {14,
+               -1,
+               toRename() +
+                   Lines{"[WFM] WFMRenamePath: WFM_PARSE_XML_FAIL(/home/b/old)(/home/b/new) "
+                         "nParseResult(1)Result(0)",
+                         "[WFM] WFMRenamePath(127.0.0.1:{port}) failed dwStatus(14)"} +
+                   removed(14, -1) + Lines{summary(14)},
+               {500}});
+}
+
+TEST_F(WFMMovePathWire, ARenameThatIsDeniedBeforeItsRequestEndsToo) {
+    call.destination = L"//new";
+    folder = "%2F";
+    movedTo = "/";
+    expectEnd({{Step::Move, started()}, {Step::Poll, done()}},
+              {5,
+               -1,
+               toRename() +
+                   Lines{"[WFM] WFMRenamePath: ERROR_ACCESS_DENIED",
+                         "[WFM] WFMRenamePath(127.0.0.1:{port}) failed dwStatus(5)"} +
+                   removed(5, -1) + Lines{summary(5)},
                {500}});
 }
 

@@ -380,6 +380,23 @@ TEST_F(WFMMovePathwithCheckProfileWire, AFolderIsPolledEvenWithoutAPid) {
     keepName();
     pid = "0";
     expectEnd({{Step::Move, answered("1")}, {Step::Poll, done()}}, {0, 0, {}, {500}});
+    pid = "-7";
+    expectEnd({{Step::Move, Reply::json(R"({"success":"true","status":1,"pid":-7})")}, {Step::Poll, done()}},
+              {0, 0, {}, {500}});
+}
+
+TEST_F(WFMMovePathwithCheckProfileWire, AJobOfTheFileManagerThatCannotBeFollowedIsNotCleared) {
+    fileManager = true;
+    const Exchange poll{Step::Poll, unavailable()};
+    expectEnd({{Step::Move, started()}, poll, poll, poll},
+              {12,
+               -1,
+               failedPoll(12) + retry() + failedPoll(12) + retry() + failedPoll(12) + pollFailed(12),
+               {500}});
+    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::status(500)}},
+              {6, -1, failedPoll(6) + pollFailed(6), {500}});
+    cancelAfter = 1;
+    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
 }
 
 TEST_F(WFMMovePathwithCheckProfileWire, TheFileManagerPollsAndClearsTheJobOfAFileToo) {
@@ -498,7 +515,7 @@ TEST_F(WFMMovePathwithCheckProfileWire, ANullCancelFlagIsNeverSet) {
               {0, 0, failedPoll(12) + retry(), {500, 200}});
 }
 
-TEST_F(WFMMovePathwithCheckProfileWire, TheWaitIsReal) {
+TEST_F(WFMMovePathwithCheckProfileWire, GoesThroughItsRealWait) {
     session = makeSession();
     call.isFolder = true;
     keepName();

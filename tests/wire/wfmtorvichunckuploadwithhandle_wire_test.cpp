@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "lines.h"
@@ -650,17 +651,60 @@ TEST(WFMTorviChunckUploadwithHandleWire, AStopFlagOutweighsTheServersAnswer) {
 }
 
 TEST(WFMTorviChunckUploadwithHandleWire, AStopFlagAloneDoesNotAbort) {
+    for (const int64_t offset : {0, 4}) {
+        RawServer server({Reply::json(kGood)});
+        ChunkUploadCall call(server);
+        call.offset = offset;
+        call.progress.verdict = [&](size_t, const Progress::Call&) {
+            call.stop = true;
+            return 0u;
+        };
+        EXPECT_EQ(call.run(), 6u);
+        EXPECT_EQ(call.id(), Id::Resume);
+        const Request request = server.onlyRequest();
+        EXPECT_TRUE(request.complete);
+        EXPECT_EQ(request.body, uploadBody(request, "a.txt", &"0123456789"[offset], "chunked_upload"));
+    }
+}
+
+TEST(WFMTorviChunckUploadwithHandleWire, AStopFlagKeepsNoIdOfAnEmptyFile) {
     RawServer server({Reply::json(kGood)});
     ChunkUploadCall call(server);
-    call.progress.verdict = [&](size_t, const Progress::Call&) {
-        call.stop = true;
-        return 0u;
-    };
+    call.makeSparse(0, "");
+    call.fileSize = 0;
+    call.stop = true;
+    LogCapture log(kErrorAndDebug);
     EXPECT_EQ(call.run(), 6u);
-    EXPECT_EQ(call.id(), Id::Resume);
-    const Request request = server.onlyRequest();
-    EXPECT_TRUE(request.complete);
-    EXPECT_EQ(request.body, uploadBody(request, "a.txt", "0123456789", "chunked_upload"));
+    EXPECT_EQ(call.signedResult(), -1);
+    EXPECT_EQ(call.id(), Id::Delete);
+    EXPECT_EQ(log.lines(), filled({reason("FAIL(httpStatusCode=200)"), summary(6)}, server.port()));
+}
+
+TEST(WFMTorviChunckUploadwithHandleWire, TheClosingVerdictDecidesAfterAFailedExchangeToo) {
+    const struct {
+        int httpStatus;
+        uint32_t dwStatus;
+        const char* word;
+    } rows[] = {
+        {407, 11, "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ"},
+        {503, 12, "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL"},
+        {500, 6, "FAIL(httpStatusCode=500)"},
+    };
+    for (const auto& row : rows)
+        for (const uint32_t verdict : {1U, 2U}) {
+            SCOPED_TRACE(row.word);
+            RawServer server({Reply::status(row.httpStatus)});
+            ChunkUploadCall call(server);
+            call.offset = 4;
+            answerWith(call.progress, 0, 0, verdict);
+            LogCapture log(kErrorAndDebug);
+            EXPECT_EQ(call.run(), row.dwStatus);
+            EXPECT_EQ(call.signedResult(), verdict == 1 ? -1 : -31);
+            EXPECT_EQ(call.id(), verdict == 1 ? Id::Resume : Id::Delete);
+            EXPECT_EQ(log.lines(), filled({reason(row.word), verdict == 1 ? kStopped : kDistrusted,
+                                           summary(static_cast<int>(row.dwStatus))},
+                                          server.port()));
+        }
 }
 
 TEST(WFMTorviChunckUploadwithHandleWire, AnOffsetCountsAsSentWhereNothingWent) {
@@ -728,9 +772,12 @@ TEST(WFMTorviChunckUploadwithHandleWire, ABrokenConnectionIsMinus31WhereTheShort
         call.withCallback = row.withCallback;
         call.offset = row.offset;
         call.fileSize = row.fileSize;
+        LogCapture log(kErrorAndDebug);
         EXPECT_EQ(call.run(), 2u);
         EXPECT_EQ(call.signedResult(), row.result);
         EXPECT_EQ(call.id(), Id::Delete);
         EXPECT_EQ(server.requestCount(), 1u);
+        const auto lines = log.lines();
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), kDistrusted), row.result == -31 ? 1 : 0);
     }
 }

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cwchar>
 #include <iterator>
 #include <string>
 #include <vector>
 
+// For a session in a cluster whose team folders have no nodes, which no login makes.
+#include "../../src/core/authcontext.h"
 #include "routes.h"
 #include "support/logcapture.h"
 #include "support/rawserver.h"
@@ -142,6 +145,16 @@ TEST_F(WFMTrashRecoveryWire, ARefusalLooksAtEveryTeamFolderThatHasAPlace) {
     context = teams({{L"/home/.Torvi/T/", L"vtf://1/"}, {L"", L"vtf://2/"}});
     expectRefused(L"/home/@Recycle/.Torvi/T", L"a", context, "(path=/home/@Recycle/.Torvi/T)(file=a)");
     expectAsked(L"/home/@Recycle/.Torvi/X", L"a", context, "%2Fhome%2F%40Recycle%2F.Torvi%2FX", "a");
+}
+
+TEST_F(WFMTrashRecoveryWire, ARefusalNeedsNoNodes) {
+    std::wstring clientPath = L"/home/.Torvi/T/", serverPath = L"vtf://S/";
+    wchar_t* clientPaths[] = {clientPath.data()};
+    wchar_t* serverPaths[] = {serverPath.data()};
+    WFMUpdateTeamFolderInfo(session.get(), 1, clientPaths, serverPaths, nullptr);
+    expectRefused(L"/home/@Recycle/.Torvi/T", L"a", session, "(path=/home/@Recycle/.Torvi/T)(file=a)");
+    std::wcscpy(session->szSlaveID, L"node1");
+    expectRefused(L"/home/@Recycle/.Torvi/T", L"a", session, "(path=/home/@Recycle/.Torvi/T)(file=a)");
 }
 
 TEST_F(WFMTrashRecoveryWire, OnlyTheFirstRecycleFolderIsTakenOutOfThePath) {

@@ -13,6 +13,7 @@ const std::vector<Call>& allCalls() {
         addUploadCalls(all);
         addChunkCalls(all);
         addBatchCalls(all);
+        addVersionCalls(all);
         addDownloadCalls(all);
         return all;
     }();

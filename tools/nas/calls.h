@@ -36,6 +36,7 @@ void addJobCalls(std::vector<Call>& calls);
 void addBatchCalls(std::vector<Call>& calls);
 void addChunkCalls(std::vector<Call>& calls);
 void addUploadCalls(std::vector<Call>& calls);
+void addVersionCalls(std::vector<Call>& calls);
 void addDownloadCalls(std::vector<Call>& calls);
 
 constexpr unsigned on(Endpoint endpoint) {

@@ -82,6 +82,7 @@ Place findChangeable(Service& service, const User& user, const std::string& path
     if (!entry->writable()) {
         throw StatusError(Status::Denied, name + " may not be written");
     }
+    service.locks().requireFree(user.name, place.folder, name);
     place.name = name;
     place.entry = *entry;
     return place;
@@ -108,10 +109,19 @@ void requireFreeName(Service& service, const User& user, const Folder& folder, c
 
 int64_t roomIn(Service& service, const Folder& folder) {
     const User* owner = folder.home.empty() ? nullptr : service.options().users.find(folder.home);
-    if (!owner || owner->quota < 0) {
+    // Work on versions costs nothing until it is committed.
+    const bool atVersions = !folder.below.empty() && folder.below[0] == kVersions;
+    if (!owner || owner->quota < 0 || atVersions) {
         return -1;
     }
-    return std::max<int64_t>(0, owner->quota - sumBelow(service.tree().openHome(owner->name).get()));
+    Fd home = service.tree().openHome(owner->name);
+    int64_t used = sumBelow(home.get());
+    try {
+        used -= sumBelow(openFolderAt(home.get(), kVersions).get());
+    } catch (const StatusError&) {
+        // No versions yet.
+    }
+    return std::max<int64_t>(0, owner->quota - used);
 }
 
 void carry(const Place& place, const Folder& target, const Progress& progress) {
@@ -188,6 +198,9 @@ void requireRecoverable(Service& service, const Place& place, bool overwrite) {
     if (!S_ISREG(there.st_mode) || !(there.st_mode & 0200)) {
         throw StatusError(Status::Denied, place.name + " may not be replaced");
     }
+    Folder former;
+    former.fd = std::move(at);
+    service.locks().requireFree(place.folder.home, former, place.name);
 }
 
 void recover(Service& service, const Place& place, bool overwrite, const Progress& progress) {

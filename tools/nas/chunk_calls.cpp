@@ -95,7 +95,7 @@ Answer chunkedUpload(Service& service, Request& request, httplib::Response&) {
         noHome = homeless(service, *plan.user, folder);
         plan.target = std::make_shared<Folder>(service.tree().open(*plan.user, folder));
         plan.file = service.partials().open(plan.user->name, field(query, "upload_id"),
-                                            field(query, "upload_root_dir"));
+                                            field(query, "upload_root_dir"), offset);
         if (plan.file->size() != offset) {
             throw StatusError(Status::Failed, "offset " + std::to_string(offset) + ", but " +
                                                   std::to_string(plan.file->size()) + " bytes are held");

@@ -161,7 +161,8 @@ bool Connection::pump(uint32_t clientEvents) {
 }
 
 bool Connection::readClient() {
-    if (clientEnded_ || (readingStopped_ && !lingering_) || up_.size() >= kBuffer) {
+    // Behind a cut the client's bytes stay where they are until the connection ends.
+    if (clientEnded_ || cutting() || (readingStopped_ && !lingering_) || up_.size() >= kBuffer) {
         return false;
     }
     char data[16 * 1024];
@@ -256,7 +257,7 @@ void Connection::watch() {
     bool held = readingStopped_ || replyStopped_;
     if (!clientEnded_) {
         client |= EPOLLRDHUP;
-        if (up_.size() < kBuffer && !readingStopped_) client |= EPOLLIN;
+        if (up_.size() < kBuffer && !readingStopped_ && !cutting()) client |= EPOLLIN;
         if (lingering_) client |= EPOLLIN;
         if (client_.wantsWrite()) client |= EPOLLOUT;
     }

@@ -28,6 +28,7 @@ nlohmann::json stateOf(Service& service) {
             {"teams", teams},
             {"sessions", service.sessions().count()},
             {"partials", service.partials().count()},
+            {"locks", service.locks().count()},
             {"jobs", service.jobs().count()},
             {"slave_id", service.options().slaveId},
             {"http_port", service.httpPort()},

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 #include "disk.h"
 #include "status.h"
@@ -35,8 +36,8 @@ void GrowingFile::write(const char* data, size_t length) {
 
 void GrowingFile::flush() {
     const auto length = static_cast<int64_t>(buffer_.size());
-    const bool empty = std::all_of(buffer_.begin(), buffer_.end(), [](char c) { return c == 0; });
-    if (empty && length > 0) {
+    // Nothing but zeros, if the first is one and each equals the next.
+    if (length > 0 && buffer_[0] == 0 && std::memcmp(&buffer_[0], &buffer_[0] + 1, buffer_.size() - 1) == 0) {
         if (::ftruncate(fd_.get(), written_ + length) != 0) {
             throw errnoError(errno, "write");
         }

@@ -28,7 +28,7 @@ public:
 protected:
     GrowingFile();
     // Blocks of nothing but zeros become holes.
-    void flush();
+    virtual void flush();
     // Gives the file its name.
     virtual void place(int folder, const std::string& name, bool overwrite) = 0;
     // The folder and the name that it has until then.

@@ -113,6 +113,13 @@ std::optional<Jobs::State> Jobs::look(const std::string& user, int64_t pid) {
     return state;
 }
 
+std::optional<Jobs::State> Jobs::peek(const std::string& user, int64_t pid) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    auto it = jobs_.find(pid);
+    return it == jobs_.end() || it->second->user != user ? std::nullopt
+                                                         : std::optional<State>(it->second->state);
+}
+
 bool Jobs::drop(const std::string& user, int64_t pid) {
     std::lock_guard<std::mutex> lock(mutex_);
     auto it = jobs_.find(pid);

@@ -39,6 +39,8 @@ public:
     int start(const std::string& user, const std::string& name, bool keep, Work work);
     // Another user's jobs are unknown.
     std::optional<State> look(const std::string& user, int64_t pid);
+    // The same, without telling its end to anybody.
+    std::optional<State> peek(const std::string& user, int64_t pid);
     // Ends the job if it still runs, and forgets it. False if there is none.
     bool drop(const std::string& user, int64_t pid);
     size_t count();

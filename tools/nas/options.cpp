@@ -15,6 +15,8 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> faults;
     long long ttl = options.sessionTtl.count();
     long long jobDelay = 0;
+    long long lockTtl = options.lockTtl.count();
+    bool noVersioning = false;
     long long partialMaxAge = options.partialMaxAge.count();
     bool noSync = false;
     bool noFcgi = false;
@@ -51,9 +53,13 @@ int readOptions(int argc, char** argv, Options& options) {
         ->capture_default_str()
         ->check(CLI::Range(0LL, 86400000LL));
     app.add_option("--partial-max-age", partialMaxAge,
-                   "Seconds after which an upload in slices is given up when nothing is added")
+                   "Seconds after which an upload in slices, or work on a version, is given up")
         ->capture_default_str()
         ->check(CLI::Range(1LL, 31536000LL));
+    app.add_option("--lock-ttl", lockTtl, "Seconds of rest after which a file's lock is gone")
+        ->capture_default_str()
+        ->check(CLI::Range(1LL, 31536000LL));
+    app.add_flag("--no-versioning", noVersioning, "A server that keeps no versions of files");
     app.add_option("--server-name", options.serverName, "Name told at login")->capture_default_str();
     app.add_option("--server-version", options.version, "Version that the bare CGI tells")
         ->capture_default_str();
@@ -83,6 +89,8 @@ int readOptions(int argc, char** argv, Options& options) {
     options.sessionTtl = std::chrono::seconds(ttl);
     options.jobDelay = std::chrono::milliseconds(jobDelay);
     options.partialMaxAge = std::chrono::seconds(partialMaxAge);
+    options.lockTtl = std::chrono::seconds(lockTtl);
+    options.versioning = !noVersioning;
     options.sync = !noSync;
     options.fcgi = !noFcgi;
     if (clusterStatus->empty() && !slaveId->empty()) {

@@ -24,6 +24,8 @@ struct Options {
     std::chrono::seconds sessionTtl{1800};
     std::string sessionFolder;
     std::chrono::milliseconds jobDelay{0};
+    std::chrono::seconds lockTtl{1800};
+    bool versioning = true;
     std::chrono::seconds partialMaxAge{7 * 86400};
     int clusterStatus = 0;
     bool control = false;

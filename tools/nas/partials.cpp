@@ -50,9 +50,16 @@ std::string readText(int folder, const std::string& name) {
 
 }  // namespace
 
+// One request's right to add to an upload.
+struct Partials::Use {
+    std::mutex writing;
+    bool over = false;
+};
+
 class Partials::File : public GrowingFile {
 public:
-    File(Partials& partials, std::string id) : partials_(partials), id_(std::move(id)) {
+    File(Partials& partials, std::string id, std::shared_ptr<Use> use)
+        : partials_(partials), id_(std::move(id)), use_(std::move(use)) {
         fd_.reset(::openat(partials_.folder_.get(), id_.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
         struct stat info {};
         if (!fd_ || ::fstat(fd_.get(), &info) != 0) {
@@ -62,12 +69,19 @@ public:
     }
 
     ~File() override {
+        const bool whole = !fd_;
         try {
             flush();
         } catch (const StatusError&) {
             // Less is kept; the size tells.
         }
         std::lock_guard<std::mutex> lock(partials_.mutex_);
+        if (use_->over) {
+            return;
+        }
+        if (whole) {
+            partials_.told_.erase(id_);
+        }
         if (placed_) {
             partials_.erase(id_);
         }
@@ -76,14 +90,26 @@ public:
     }
 
     void discard() override {
+        std::lock_guard<std::mutex> lock(use_->writing);
         buffer_.clear();
-        written_ = ::ftruncate(fd_.get(), begin_) == 0 ? begin_ : written_;
+        if (!use_->over && ::ftruncate(fd_.get(), begin_) == 0) {
+            written_ = begin_;
+        }
     }
 
 private:
     int folder() const override { return partials_.folder_.get(); }
     const std::string& hiddenName() const override { return id_; }
+
+    void flush() override {
+        std::lock_guard<std::mutex> lock(use_->writing);
+        requireUse();
+        GrowingFile::flush();
+    }
+
     void place(int folder, const std::string& name, bool overwrite) override {
+        std::lock_guard<std::mutex> lock(use_->writing);
+        requireUse();
         try {
             renameInto(partials_.folder_.get(), id_, folder, name, overwrite);
         } catch (const StatusError& error) {
@@ -103,8 +129,16 @@ private:
         placed_ = true;
     }
 
+    void requireUse() {
+        if (use_->over) {
+            buffer_.clear();
+            throw StatusError(Status::Failed, "another request took this upload over");
+        }
+    }
+
     Partials& partials_;
     const std::string id_;
+    const std::shared_ptr<Use> use_;
     int64_t begin_ = 0;
     bool placed_ = false;
 };
@@ -142,41 +176,60 @@ void Partials::require(const std::string& user, const std::string& id, const std
     }
 }
 
-bool Partials::waitUntilFree(std::unique_lock<std::mutex>& lock, const std::string& id) {
-    return freed_.wait_for(lock, kMoment, [&] { return busy_.count(id) == 0; });
+void Partials::wait(std::unique_lock<std::mutex>& lock, const std::string& id) {
+    freed_.wait_for(lock, kMoment, [&] { return busy_.count(id) == 0; });
+}
+
+void Partials::takeAway(const std::string& id) {
+    auto it = busy_.find(id);
+    if (it != busy_.end()) {
+        std::lock_guard<std::mutex> writing(it->second->writing);
+        it->second->over = true;
+        busy_.erase(it);
+    }
 }
 
 std::unique_ptr<GrowingFile> Partials::open(const std::string& user, const std::string& id,
-                                            const std::string& rootFolder) {
+                                            const std::string& rootFolder, int64_t offset) {
     std::unique_lock<std::mutex> lock(mutex_);
-    const bool isFree = waitUntilFree(lock, id);
     require(user, id, rootFolder);
-    if (!isFree) {
-        throw StatusError(Status::Failed, "another request adds to this upload");
+    auto told = told_.find(id);
+    const bool goesOn = told != told_.end() && told->second == offset;
+    if (!goesOn) {
+        wait(lock, id);
+        require(user, id, rootFolder);
     }
-    auto file = std::make_unique<File>(*this, id);
-    busy_.insert(id);
+    takeAway(id);
+    auto use = std::make_shared<Use>();
+    if (goesOn) {
+        Fd fd(::openat(folder_.get(), id.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+        if (!fd || ::ftruncate(fd.get(), offset) != 0) {
+            throw errnoError(errno, "partial upload");
+        }
+    }
+    auto file = std::make_unique<File>(*this, id, use);
+    busy_[id] = use;
     return file;
 }
 
 int64_t Partials::size(const std::string& user, const std::string& id, const std::string& rootFolder) {
     std::unique_lock<std::mutex> lock(mutex_);
-    waitUntilFree(lock, id);
+    require(user, id, rootFolder);
+    wait(lock, id);
     require(user, id, rootFolder);
     struct stat info {};
     if (::fstatat(folder_.get(), id.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
         throw errnoError(errno, "partial upload");
     }
-    return info.st_size;
+    return told_[id] = info.st_size;
 }
 
 void Partials::remove(const std::string& user, const std::string& id, const std::string& rootFolder) {
     std::unique_lock<std::mutex> lock(mutex_);
-    const bool isFree = waitUntilFree(lock, id);
     require(user, id, rootFolder);
-    if (!isFree) {
-        throw StatusError(Status::Failed, "a request adds to this upload");
-    }
+    wait(lock, id);
+    require(user, id, rootFolder);
+    takeAway(id);
     erase(id);
 }
 
@@ -191,6 +244,7 @@ size_t Partials::count() {
 }
 
 void Partials::erase(const std::string& id) {
+    told_.erase(id);
     ::unlinkat(folder_.get(), id.c_str(), 0);
     ::unlinkat(folder_.get(), (id + kOwner).c_str(), 0);
 }

@@ -2,9 +2,9 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 
 #include "fd.h"
@@ -20,19 +20,24 @@ public:
 
     // The root folder is the client's word for where its uploads belong; it must be the same each time.
     std::string begin(const std::string& user, const std::string& rootFolder);
-    // Throws Missing for an id that isn't this user's, and Failed while another request adds to it. A request
-    // whose connection is lost has a moment to put away what it got.
+    // These throw Missing for an id that isn't this user's. A request that still adds to the upload, perhaps
+    // on a connection that is long lost, has a moment to put away what it got. Then it may add no more,
+    // unless it is only the size that is asked for.
+    //
+    // To go on from the offset. What lost requests added since that size was told is cut off.
     std::unique_ptr<GrowingFile> open(const std::string& user, const std::string& id,
-                                      const std::string& rootFolder);
+                                      const std::string& rootFolder, int64_t offset);
     int64_t size(const std::string& user, const std::string& id, const std::string& rootFolder);
     void remove(const std::string& user, const std::string& id, const std::string& rootFolder);
     size_t count();
 
 private:
     class File;
+    struct Use;
 
     void require(const std::string& user, const std::string& id, const std::string& rootFolder);
-    bool waitUntilFree(std::unique_lock<std::mutex>& lock, const std::string& id);
+    void wait(std::unique_lock<std::mutex>& lock, const std::string& id);
+    void takeAway(const std::string& id);
     void erase(const std::string& id);
     void dropOld();
 
@@ -40,7 +45,8 @@ private:
     Fd folder_;
     std::mutex mutex_;
     std::condition_variable freed_;
-    std::set<std::string> busy_;
+    std::map<std::string, std::shared_ptr<Use>> busy_;
+    std::map<std::string, int64_t> told_;  // the last size told, until a request has added all that it has
 };
 
 }  // namespace nas

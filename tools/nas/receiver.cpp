@@ -39,6 +39,7 @@ void Receiver::begin(const std::string& name, bool hasFile) {
         if (old && !old->writable()) {
             throw StatusError(Status::Denied, name_ + " may not be written");
         }
+        service_.locks().requireFree(plan_.user->name, *plan_.target, name_);
         room_ = room(old);
         file_ = std::move(plan_.file);
         if (!file_) {
@@ -86,6 +87,7 @@ void Receiver::commit() {
     }
     guard([&] {
         if (plan_.more) {
+            file_->settle();
             file_.reset();
             return;
         }
@@ -97,6 +99,7 @@ void Receiver::commit() {
         if (room_ >= 0 && size_ > room(service_.tree().lookup(*plan_.user, *plan_.target, name_))) {
             throw StatusError(Status::Quota, "the quota of " + plan_.target->home + " is used up");
         }
+        service_.locks().requireFree(plan_.user->name, *plan_.target, name_);
         file_->commit(plan_.target->fd.get(), name_, plan_.overwrite, plan_.mtime);
     });
     if (failure_) {

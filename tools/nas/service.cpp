@@ -5,6 +5,7 @@
 #include "calls.h"
 #include "control.h"
 #include "log.h"
+#include "versions.h"
 
 namespace nas {
 
@@ -158,7 +159,10 @@ Service::Service(const Options& options, Faults& faults)
       tree_(options.root, options.users, options.teams),
       sessions_(options.sessionTtl, options.sessionFolder),
       partials_(options.root, options.partialMaxAge),
-      jobs_(options.jobDelay) {}
+      locks_(options.lockTtl),
+      jobs_(options.jobDelay) {
+    Version::dropOld(*this, options.partialMaxAge);
+}
 
 void Service::setPorts(int http, int tls) {
     httpPort_ = http;

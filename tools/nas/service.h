@@ -5,6 +5,7 @@
 #include "faults.h"
 #include "jobs.h"
 #include "ledger.h"
+#include "locks.h"
 #include "options.h"
 #include "partials.h"
 #include "request.h"
@@ -25,6 +26,7 @@ public:
     const Options& options() const { return options_; }
     const Tree& tree() const { return tree_; }
     Sessions& sessions() { return sessions_; }
+    Locks& locks() { return locks_; }
     Partials& partials() { return partials_; }
     Jobs& jobs() { return jobs_; }
     Faults& faults() { return faults_; }
@@ -46,6 +48,7 @@ private:
     Tree tree_;
     Sessions sessions_;
     Partials partials_;
+    Locks locks_;
     Ledger ledger_;
     int httpPort_ = 0;
     int tlsPort_ = 0;

@@ -30,6 +30,9 @@ Answer stat(Service& service, Request& request, httplib::Response&) {
     const std::string shown = shownName(path, name);
     Folder folder = service.tree().open(user, path);
     if (hasField(query, "settime")) {
+        if (!folder.shares && !name.empty()) {
+            service.locks().requireFree(user.name, folder, name);
+        }
         service.tree().setTime(user, folder, name, numberField(query, "mtime"));
     }
     std::optional<Entry> entry = service.tree().lookup(user, folder, name);

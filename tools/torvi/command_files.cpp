@@ -50,7 +50,7 @@ bool makeFolder(const Session& session, const QString& what, const QString& path
         if (interrupted()) throwCancelled(what);
         Failure failure = callFailure(what, dwStatus, word);
         if (failure.exit() == Exit::NotFound)
-            failure.withAdvice(QStringLiteral("-p makes the folders on the way, too"));
+            failure = failure.withAdvice(QStringLiteral("-p makes the folders on the way, too"));
         throw failure;
     }
     return true;
@@ -146,7 +146,9 @@ Doomed lookBeforeRemoving(const GlobalOptions& global, const Session& session, c
     }
     if (options.check) requireCheckable(what, doomed.entry);
     const bool tells = global.json || !global.quiet || options.dryRun;
-    if (doomed.entry.folder && tells) doomed.below = walk(session, what, path);
+    // A share is refused anyway.
+    const bool isShare = parentOf(path) == QLatin1String("/");
+    if (doomed.entry.folder && tells && !isShare) doomed.below = walk(session, what, path);
     doomed.census = countOf(doomed.below);
     ++(doomed.entry.folder ? doomed.census.folders : doomed.census.files);
     if (!doomed.entry.folder) doomed.census.size += doomed.entry.size;

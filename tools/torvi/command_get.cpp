@@ -31,7 +31,7 @@ constexpr uint32_t kSizeMismatch = 13;
 constexpr int kPollMs = 200;
 
 std::string targetOf(const GetOptions& options, const QString& path) {
-    const std::string leaf = utf8(leafOf(path));
+    std::string leaf = utf8(leafOf(path));
     if (options.local.empty()) return leaf;
     std::error_code ignored;
     if (options.local.back() == '/' || std::filesystem::is_directory(options.local, ignored)) {

@@ -117,7 +117,7 @@ void restore(const GlobalOptions& global, const RestoreOptions& options) {
             if (interrupted()) throwCancelled(what);
             Failure failure = callFailure(what, dwStatus, word);
             if (failure.exit() == Exit::AlreadyExists)
-                failure.withAdvice(QStringLiteral("--overwrite replaces what is there now"));
+                failure = failure.withAdvice(QStringLiteral("--overwrite replaces what is there now"));
             throw failure;
         }
         pid = QString::fromWCharArray(buffer);

@@ -18,6 +18,7 @@ namespace {
 const std::string kFolder = "locks";
 const std::string kGroup = "Versions of a file";
 constexpr int kBetweenQuestionsMs = 250;
+constexpr int kMostQuestions = 8;
 
 struct VersionOptions {
     std::string path;
@@ -261,6 +262,21 @@ WFM_VERSIONING_DELTA_STAT statDelta(const Task& task, const LockRecord& record) 
     return stat;
 }
 
+/// The delta of a job that has ended comes at once or not at all.
+WFM_VERSIONING_DELTA_STAT waitForDelta(const Task& task, const LockRecord& record, bool ended) {
+    const Activity activity(task.what, task.global.quiet || ended);
+    for (int questions = 1;; ++questions) {
+        const WFM_VERSIONING_DELTA_STAT stat = statDelta(task, record);
+        if (stat.bExists) return stat;
+        if (ended && questions == kMostQuestions) {
+            throw Failure(Exit::Refused,
+                          QStringLiteral("%1: the job has ended, but there is no delta").arg(task.what));
+        }
+        pause(kBetweenQuestionsMs);
+        if (interrupted()) throwCancelled(task.what);
+    }
+}
+
 void delta(const GlobalOptions& global, const VersionOptions& options) {
     const Task task(global, "version-delta", options);
     const LockRecord record(task.session, task.path, options);
@@ -274,13 +290,7 @@ void delta(const GlobalOptions& global, const VersionOptions& options) {
     if (dwStatus != 0 || word != 0) task.fail(dwStatus, word);
     WFM_VERSIONING_DELTA_STAT stat = {};
     follow(task, options, QString::fromWCharArray(pid), [&] { return statDelta(task, record).bExists; });
-    if (!options.detach) {
-        const Activity activity(task.what, global.quiet);
-        for (stat = statDelta(task, record); !stat.bExists; stat = statDelta(task, record)) {
-            pause(kBetweenQuestionsMs);
-            if (interrupted()) throwCancelled(task.what);
-        }
-    }
+    if (!options.detach) stat = waitForDelta(task, record, pid[0] != L'\0');
     sayJob(task, options, record, QString::fromWCharArray(pid),
            QStringLiteral("the delta of version %1 of %2 is made, %3")
                .arg(record.version(), task.path, humanSize(stat.llSize)),

@@ -15,17 +15,18 @@ class Failure : public std::exception {
 public:
     Failure(Exit exit, const QString& message) : m_exit(exit), m_message(message), m_utf8(message.toUtf8()) {}
 
-    Failure& withNumbers(uint32_t dwStatus, std::optional<int32_t> resultWord) {
-        m_dwStatus = dwStatus;
-        m_resultWord = resultWord;
-        return *this;
+    [[nodiscard]] Failure withNumbers(uint32_t dwStatus, std::optional<int32_t> resultWord) const {
+        Failure same = *this;
+        same.m_dwStatus = dwStatus;
+        same.m_resultWord = resultWord;
+        return same;
     }
-
-    /// What the user may do next.
-    Failure& withAdvice(const QString& advice) {
-        m_message += QStringLiteral("; ") + advice;
-        m_utf8 = m_message.toUtf8();
-        return *this;
+    /// And what the user may do next.
+    [[nodiscard]] Failure withAdvice(const QString& advice) const {
+        Failure same = *this;
+        same.m_message += QStringLiteral("; ") + advice;
+        same.m_utf8 = same.m_message.toUtf8();
+        return same;
     }
 
     const char* what() const noexcept override { return m_utf8.constData(); }

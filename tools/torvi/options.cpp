@@ -18,7 +18,10 @@ Examples:
   torvi login --server nas.local --tls --user alice     store a profile, asks for the password
   torvi ls /home --sort size --reverse                  the largest last first
   torvi put report.pdf /home/                           upload, keeps the modification time
+  torvi put film.mkv /home/ --resume                    upload in slices; run again to go on
   torvi get /home/film.mkv                              download; run again to resume
+  torvi mv /home/report.pdf /home/2024/                 move into another folder
+  torvi rm -r /home/drafts --dry-run                    show all that would go
   torvi ls /home --json | jq '.entries[].name'          for scripts
 
 Exit codes:

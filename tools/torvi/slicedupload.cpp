@@ -12,6 +12,7 @@ namespace torvi {
 namespace {
 
 const std::string kFolder = "uploads";
+const QString kAgain = QStringLiteral("run it again to go on");
 /// What one call sends while there is more than that.
 constexpr int64_t kSlice = 1073741824;
 
@@ -36,8 +37,11 @@ struct Slice {
     bool stop = false;
 };
 
-uint32_t onSlice(int64_t, int64_t transferred, int64_t, int64_t, uint32_t, uint32_t, void*, void*,
+uint32_t onSlice(int64_t, int64_t transferred, int64_t, int64_t, uint32_t, uint32_t reason, void*, void*,
                  void* data) {
+    // A stop in the opening call would cost the upload id, for no byte is counted yet.
+    constexpr uint32_t kOpening = 1;
+    if (reason == kOpening) return 0;
     auto* slice = static_cast<Slice*>(data);
     slice->progress->update(transferred);
     if (!interrupted()) return 0;
@@ -134,6 +138,7 @@ std::optional<int64_t> SlicedUpload::run() {
             throw Failure(Exit::Incomplete,
                           QStringLiteral("%1: the file changed while it was sent; run it again").arg(m_what));
         }
+        if (interrupted()) endBetweenSlices(offset);
         const Outcome outcome = send(offset, progress);
         if (outcome.dwStatus == 0 && outcome.code() == kSliceLanded) continue;
         if (outcome.dwStatus == 0 && outcome.word == 0) break;
@@ -264,9 +269,19 @@ bool SlicedUpload::isDoneAfterAll(const Outcome& outcome) {
     }
 }
 
+void SlicedUpload::endBetweenSlices(int64_t offset) {
+    if (offset == 0) abandon();
+    cancel(offset > 0);
+}
+
+void SlicedUpload::cancel(bool kept) const {
+    Failure failure(Exit::Cancelled, QStringLiteral("%1: cancelled").arg(m_what));
+    if (kept) failure = failure.withAdvice(QStringLiteral("the server keeps what it has, %1").arg(kAgain));
+    throw failure;
+}
+
 /// A slice that didn't land: the library's flags tell what becomes of the id.
 void SlicedUpload::end(const Outcome& outcome) {
-    const QString again = QStringLiteral("run it again to go on");
     const auto incomplete = [&](const QString& why) {
         return Failure(Exit::Incomplete, QStringLiteral("%1: %2").arg(m_what, why))
             .withNumbers(outcome.dwStatus, outcome.code());
@@ -274,14 +289,12 @@ void SlicedUpload::end(const Outcome& outcome) {
     const bool kept = outcome.resume || (outcome.broken() && !outcome.stopped);
     if (interrupted()) {
         if (!kept) abandon();
-        Failure failure(Exit::Cancelled, QStringLiteral("%1: cancelled").arg(m_what));
-        if (kept) failure.withAdvice(QStringLiteral("the server keeps what it has, %1").arg(again));
-        throw failure;
+        cancel(kept);
     }
-    if (outcome.resume) throw incomplete(QStringLiteral("the server failed for the moment; %1").arg(again));
+    if (outcome.resume) throw incomplete(QStringLiteral("the server failed for the moment; %1").arg(kAgain));
     if (!outcome.deleteId) {
         throw callFailure(m_what, outcome.dwStatus, outcome.word)
-            .withAdvice(QStringLiteral("the server keeps what it has: clear the cause, then %1").arg(again));
+            .withAdvice(QStringLiteral("the server keeps what it has: clear the cause, then %1").arg(kAgain));
     }
     // A connection that was lost says nothing about what arrived before: the server does.
     if (outcome.broken()) {
@@ -289,19 +302,20 @@ void SlicedUpload::end(const Outcome& outcome) {
         try {
             size = held();
         } catch (const Failure&) {
-            throw incomplete(QStringLiteral("the server went away; %1").arg(again));
+            throw incomplete(QStringLiteral("the server went away; %1").arg(kAgain));
         }
         if (size) {
             throw incomplete(QStringLiteral("the connection broke, the server has %1 of %2 bytes; %3")
-                                 .arg(QString::number(*size), QString::number(m_source.size()), again));
+                                 .arg(QString::number(*size), QString::number(m_source.size()), kAgain));
         }
     }
     abandon();
     if (outcome.code() == kVoid) {
-        throw incomplete(m_source.unchanged()
-                             ? QStringLiteral("the connection broke in the first part of a large file, which "
-                                              "can't be gone on with; run it again to start over")
-                             : QStringLiteral("the file changed while it was sent; run it again"));
+        throw incomplete(
+            m_source.unchanged()
+                ? QStringLiteral("the server did not get all of a slice, and what it has can't be "
+                                 "trusted; run it again to start over")
+                : QStringLiteral("the file changed while it was sent; run it again"));
     }
     throw callFailure(m_what, outcome.dwStatus, outcome.word);
 }

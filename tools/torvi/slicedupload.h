@@ -74,6 +74,8 @@ private:
     std::optional<int64_t> whereToGoOn();
     Outcome send(int64_t offset, Progress& progress) const;
     bool isDoneAfterAll(const Outcome& outcome);
+    [[noreturn]] void endBetweenSlices(int64_t offset);
+    [[noreturn]] void cancel(bool kept) const;
     [[noreturn]] void end(const Outcome& outcome);
 
     const GlobalOptions& m_global;

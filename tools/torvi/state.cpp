@@ -142,7 +142,9 @@ void StateFile::clear() {
 
 bool StateFile::exists(const std::string& kind, const QByteArray& key) {
     std::error_code ignored;
-    return std::filesystem::exists(stateFolder() / kind / nameOf(key), ignored);
+    // An empty one was left by a program that was killed before it had anything to keep.
+    const auto size = std::filesystem::file_size(stateFolder() / kind / nameOf(key), ignored);
+    return size != static_cast<std::uintmax_t>(-1) && size > 0;
 }
 
 std::string StateFile::nameOf(const QByteArray& key) {
