@@ -4,6 +4,7 @@
 #include <QTemporaryFile>
 
 #include "WebFileManShareAPI.h"
+#include "callrows.h"
 
 namespace {
 
@@ -16,8 +17,6 @@ struct UploadFile {
     }
     QTemporaryFile file;
 };
-
-using Context = _WFM_AUTH_CONTEXT*;
 
 uint32_t goOn(int64_t, int64_t, int64_t, int64_t, uint32_t, uint32_t, void*, void*, void*) {
     return 0;
@@ -254,18 +253,6 @@ uint32_t versioningCommit(Context context, const wchar_t* server, uint32_t port,
     wchar_t pid[260];
     return WFMTorviVersioningCommitUpload(context, server, port, L"", L"/home/a", L"lock", L"version", 1,
                                           nullptr, result, pid);
-}
-
-/// A row of the usual wording: "[WFM] <Function>: <WORD>", "[WFM] <Function>(server:port) failed
-/// dwStatus(n)".
-CallRow usual(const char* name, decltype(CallRow::run) run, std::vector<const char*> failure,
-              const char* refused) {
-    CallRow row;
-    row.name = name;
-    row.run = std::move(run);
-    row.failure = std::move(failure);
-    row.refused = refused;
-    return row;
 }
 
 std::vector<CallRow> makeTable() {
@@ -594,7 +581,12 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
 }  // namespace
 
 const std::vector<CallRow>& callTable() {
-    static const std::vector<CallRow> table = makeTable();
+    static const std::vector<CallRow> table = [] {
+        std::vector<CallRow> rows = makeTable();
+        addSessionRows(rows);
+        addStateRows(rows);
+        return rows;
+    }();
     return table;
 }
 
