@@ -28,6 +28,8 @@ struct CallRow {
     /// Those of the further requests that a success takes.
     std::vector<int> furtherTimeoutsMs{};
     const char* ownCgi = nullptr;  ///< of both services, where it isn't their usual one
+    /// The path for a session of the file manager, where it is neither the usual one nor `ownCgi`.
+    const char* fileManagerPath = nullptr;
     /// What of the query the file manager's lacks, at its end.
     const char* syncServiceOnly = "";
     const char* goodReply = R"({"status":1,"success":"true"})";
@@ -35,6 +37,9 @@ struct CallRow {
     std::vector<const char*> failure;
     /// The line of a reply that isn't understood, if not the first of `failure` with WFM_PARSE_XML_FAIL.
     const char* notUnderstood = nullptr;
+    /// The line of a missing CGI, if not the first of `failure` with its word.
+    const char* notFound = nullptr;
+    bool redirectFails = false;  ///< takes a 302 for a failure, not for a reply
     const char* refused = nullptr;
     /// A reply with a number that is too large for its field.
     const char* tooLarge = R"({"status":99999999999,"sid":"x"})";

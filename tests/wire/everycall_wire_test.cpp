@@ -38,7 +38,7 @@ protected:
         return GetParam().run(context.get(), kServer, port, result);
     }
 
-    void expectFailure(uint16_t port, Outcome outcome) {
+    void expectFailure(uint16_t port, Outcome outcome, const char* reasonLine = nullptr) {
         const CallRow& row = GetParam();
         const bool isConnectFault = outcome.dwStatus == 2;
         if (row.isListing && isConnectFault) outcome.result = IsNetworkAlive() ? 53 : 1231;
@@ -50,7 +50,8 @@ protected:
         for (const char* line : row.failure)
             expected.push_back(fillLine(line, outcome.word.empty() ? "WFM_PARSE_XML_FAIL" : outcome.word,
                                         port, outcome.dwStatus, outcome.result));
-        if (outcome.word.empty() && row.notUnderstood != nullptr) expected[0] = row.notUnderstood;
+        if (outcome.word.empty()) reasonLine = row.notUnderstood;
+        if (reasonLine != nullptr) expected[0] = fillLine(reasonLine, "", port, 0, 0);
         EXPECT_EQ(linesOfTheCall(), expected);
     }
 
@@ -143,8 +144,10 @@ TEST_P(EveryCallWire, Http503Is12) {
 
 TEST_P(EveryCallWire, Http404Is10WhereItIsTestedAnd6Elsewhere) {
     RawServer server({Reply::status(404)});
-    expectFailure(server.port(), GetParam().has404 ? Outcome{10, "WFM_PARSE_XML_CGI_NOT_FOUND"}
-                                                   : Outcome{6, "FAIL(httpStatusCode=404)"});
+    expectFailure(server.port(),
+                  GetParam().has404 ? Outcome{10, "WFM_PARSE_XML_CGI_NOT_FOUND"}
+                                    : Outcome{6, "FAIL(httpStatusCode=404)"},
+                  GetParam().notFound);
 }
 
 TEST_P(EveryCallWire, Http500Is6EvenWithAGoodBody) {
@@ -154,8 +157,9 @@ TEST_P(EveryCallWire, Http500Is6EvenWithAGoodBody) {
 
 TEST_P(EveryCallWire, Http302IsNotFollowed) {
     RawServer server({Reply::redirect("https://127.0.0.1/")});
-    expectFailure(server.port(),
-                  GetParam().isLogin ? Outcome{14, "WFM_FORCE_HTTPS_REDIRECT", -8} : Outcome{14, ""});
+    expectFailure(server.port(), GetParam().isLogin         ? Outcome{14, "WFM_FORCE_HTTPS_REDIRECT", -8}
+                                 : GetParam().redirectFails ? Outcome{6, "FAIL(httpStatusCode=302)"}
+                                                            : Outcome{14, ""});
     EXPECT_EQ(server.requestCount(), 1u);
 }
 

@@ -85,7 +85,10 @@ TEST_P(FrameWireOnSessions, TheFileManagersRequestDiffersInItsCgiAlone) {
     const Request older = requestOf(GetParam(), options);
     const char* const own = GetParam().ownCgi;
     EXPECT_EQ(sync.path(), own != nullptr ? std::string("/cgi-bin/torvi/") + own : kSync);
-    EXPECT_EQ(older.path(), own != nullptr ? std::string("/cgi-bin/filemanager/") + own : kFileManager);
+    const char* const olderPath = GetParam().fileManagerPath;
+    EXPECT_EQ(older.path(), olderPath != nullptr ? olderPath
+                            : own != nullptr     ? std::string("/cgi-bin/filemanager/") + own
+                                                 : kFileManager);
     EXPECT_EQ(older.method(), sync.method());
     EXPECT_EQ(older.queryText() + GetParam().syncServiceOnly, sync.queryText());
 }
