@@ -151,11 +151,7 @@ int HttpRequestWorker::execute(HttpRequestInput* input) {
     buffer.open(QIODevice::ReadOnly);
     OneWayBody oneWay(buffer);
     Exchange exchange(*this, send(*input, makeRequest(*input, contentType, kWithPragma), oneWay));
-    const QUrl url = reply->url();
-    QElapsedTimer clock;
-    clock.start();
     finish(exchange, input->timeout_msec, oneWay);
-    settleLostConnection(url, oneWay, input->timeout_msec, clock.elapsed());
     return error_type;
 }
 
@@ -213,6 +209,9 @@ bool HttpRequestWorker::isCutShort(const QNetworkReply& reply) const {
 }
 
 int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& body) {
+    const bool secure = reply->url().scheme() == QLatin1String("https");
+    QElapsedTimer clock;
+    clock.start();
     wait_for_finished(reply, msec);
     // Before any other event loop runs: the reply is up for deletion already.
     exchange.end();
@@ -220,20 +219,19 @@ int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& bo
     const bool brokeUnderBody =
         error_type == QNetworkReply::UnknownNetworkError && body.pos() > 0 && !body.ranDry();
     if (brokeUnderBody) error_type = QNetworkReply::RemoteHostClosedError;
+    settleLostConnection(secure, body, msec >= 0 ? msec - clock.elapsed() : kProbeTimeOut);
     return error_type;
 }
 
 /// A proxy's refusal may be behind a lost connection. Inside a tunnel Qt has one error for all that the proxy
 /// says but 407; a proxy that refuses before a body is out breaks the connection, and its answer is lost.
-void HttpRequestWorker::settleLostConnection(const QUrl& url, const OneWayBody& body, int msec,
-                                             qint64 elapsed) {
+void HttpRequestWorker::settleLostConnection(bool secure, const OneWayBody& body, qint64 msecLeft) {
     if (http_status != 0 || body.ranDry()) return;
-    const bool secure = url.scheme() == QLatin1String("https");
     const bool refusedTunnel = secure && error_type == QNetworkReply::UnknownNetworkError && body.pos() == 0;
     const bool brokenBody = !secure && error_type == QNetworkReply::RemoteHostClosedError && body.pos() > 0;
     if (!refusedTunnel && !brokenBody) return;
-    const qint64 left = msec >= 0 ? msec - elapsed : kProbeTimeOut;
-    if (left > 0 && proxyRefuses(static_cast<int>(std::min<qint64>(left, kProbeTimeOut)))) setProxyRefusal();
+    const auto msec = static_cast<int>(std::min<qint64>(msecLeft, kProbeTimeOut));
+    if (msec > 0 && proxyRefuses(msec)) setProxyRefusal();
 }
 
 void HttpRequestWorker::setProxyRefusal() {

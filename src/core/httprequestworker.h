@@ -12,7 +12,6 @@ class QFile;
 class QNetworkAccessManager;
 class QNetworkReply;
 class QNetworkRequest;
-class QUrl;
 class OneWayBody;
 
 /// Where a request's proxy comes from. Callers pass any number.
@@ -91,7 +90,7 @@ private:
     void setProxyRefusal();
     bool answeredByProxy(const QNetworkReply& reply) const;
     /// Calls a connection that was lost to a proxy's refusal by that name.
-    void settleLostConnection(const QUrl& url, const OneWayBody& body, int msec, qint64 elapsed);
+    void settleLostConnection(bool secure, const OneWayBody& body, qint64 msecLeft);
     bool proxyRefuses(int msec) const;
     static QByteArray makeBoundary();
     /// key=value pairs joined by "&".

@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QUrl>
 #include <algorithm>
 
 #include "core/httprequestworker.h"
@@ -100,9 +99,7 @@ int HttpRequestWorker::download(HttpRequestInput* input, qint64 total, qint64 of
                                    : reply->isFinished() ? received
                                                          : -1);
     }
-    const QUrl url = reply->url();
     finish(exchange, input->timeout_msec, oneWay);
-    settleLostConnection(url, oneWay, input->timeout_msec, 0);
     m_file = nullptr;
     return 0;
 }

@@ -4,7 +4,6 @@
 #include <QFileInfo>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QUrl>
 #include <algorithm>
 #include <optional>
 
@@ -123,9 +122,7 @@ int HttpRequestWorker::upload(HttpRequestInput* input, QString submitName, bool 
         llBodyFileBytes = body.filesize();
         connect(reply, &QNetworkReply::uploadProgress, this, &HttpRequestWorker::uploadProgress);
     }
-    const QUrl url = reply->url();
     finish(exchange, input->timeout_msec, oneWay);
-    settleLostConnection(url, oneWay, input->timeout_msec, 0);
     const int error = error_type;
 
     if (dwProgress != 0 || bNoFileData) return error;
