@@ -18,6 +18,17 @@ inline CallRow usual(const char* name, decltype(CallRow::run) run, std::vector<c
     return row;
 }
 
+/// For the calls that have no result word: one as the others would have it.
+inline uint32_t withoutResultWord(uint32_t status, uint32_t* result) {
+    if (status != 8) *result = status == 0 ? 0 : static_cast<uint32_t>(-1);
+    return status;
+}
+
+/// How a login ends whose server insists on HTTPS.
+inline Outcome wantsTls() {
+    return {14, "WFM_FORCE_HTTPS_REDIRECT", -8};
+}
+
 /// One file per family adds its own.
 void addSessionRows(std::vector<CallRow>& rows);
 void addStateRows(std::vector<CallRow>& rows);

@@ -40,8 +40,7 @@ uint32_t login(Context, const wchar_t* server, uint32_t port, uint32_t* result) 
 }
 
 uint32_t logout(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
-    *result = static_cast<uint32_t>(-1);
-    return TorviLogout(server, port, false, context);
+    return withoutResultWord(TorviLogout(server, port, false, context), result);
 }
 
 uint32_t nodeList(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -137,11 +136,8 @@ uint32_t getProgress(Context context, const wchar_t* server, uint32_t port, uint
     return WFMGetProgress(context, server, port, L"", L"a", 7, nullptr, result);
 }
 
-/// Has no result word.
 uint32_t deleteProgress(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
-    const uint32_t status = WFMDeleteProgress(context, server, port, L"", 7, nullptr);
-    if (status != 8) *result = status == 0 ? 0 : static_cast<uint32_t>(-1);
-    return status;
+    return withoutResultWord(WFMDeleteProgress(context, server, port, L"", 7, nullptr), result);
 }
 
 uint32_t queryProgress(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -240,13 +236,11 @@ uint32_t versioningDelta(Context context, const wchar_t* server, uint32_t port, 
                                       result, pid);
 }
 
-/// It has no result word; this one does as the others do.
 uint32_t versioningStatDelta(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     WFM_VERSIONING_DELTA_STAT stat;
-    const uint32_t status =
-        WFMTorviVersioningStatDelta(context, server, port, L"", L"/home/a", L"version", nullptr, &stat);
-    if (status != 8) *result = static_cast<uint32_t>(-1);
-    return status;
+    return withoutResultWord(
+        WFMTorviVersioningStatDelta(context, server, port, L"", L"/home/a", L"version", nullptr, &stat),
+        result);
 }
 
 uint32_t versioningCommit(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -272,7 +266,9 @@ std::vector<CallRow> makeTable() {
         usual("TorviLogin", login, {"[WFM] TorviLogin: {word}", "[WFM] TorviLogin failed dwStatus({status})"},
               "[WFM] TorviLogin: WFM_PARSE_XML_INVALID_PARAMETER");
     row.needsSession = false;
-    row.has404 = row.isLogin = true;
+    row.has404 = true;
+    row.badReply = row.strangePage = {6, "FAIL(httpStatusCode=200)"};
+    row.redirect = wantsTls();
     row.timeoutMs = 15000;
     row.goodReply = R"({"status":1,"sid":"abc"})";
     rows.push_back(row);
@@ -281,6 +277,7 @@ std::vector<CallRow> makeTable() {
                 {"[WFM] TorviLogout {word}", "[WFM] TorviLogout failed dwStatus({status})"},
                 "[WFM] TorviLogout failed dwStatus(8)");
     row.needsSid = false;
+    row.oneService = true;
     row.timeoutMs = 30000;
     row.notUnderstood = "[WFM] TorviLogout WFM_PARSE_XML_FAIL Status(-1), Result(0)";
     rows.push_back(row);

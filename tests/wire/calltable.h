@@ -8,6 +8,13 @@
 
 #include "WebFileManAPI.h"
 
+/// What a call comes to.
+struct Outcome {
+    uint32_t dwStatus;
+    std::string word{};  ///< empty: the reply isn't understood
+    int32_t result = -1;
+};
+
 /// Every call that talks to a server, as a row: how it is called, and how it words its failures.
 /// A row here gives a call all tests of the shared road: each fault of the transport, each kind of bad reply,
 /// the refused arguments and the time-out.
@@ -20,7 +27,7 @@ struct CallRow {
     bool needsSession = true;
     bool needsSid = true;       ///< refuses a session without an id
     bool has404 = false;        ///< tells a missing CGI from other failures
-    bool isLogin = false;       ///< the HTTP status decides where a reply isn't understood
+    bool oneService = false;    ///< asks the same place, whichever service the session speaks to
     bool isWrapper = false;     ///< asks through another export
     bool arrayIsReply = false;  ///< a JSON array is its good answer
     bool nonObjectIsUnderstood = false;
@@ -41,10 +48,20 @@ struct CallRow {
     const char* notFound = nullptr;
     bool redirectFails = false;  ///< takes a 302 for a failure, not for a reply
     const char* refused = nullptr;
+    uint32_t refusedStatus = 8;
+    uint32_t level = 32;                               ///< of its lines
+    const char* goodLine = nullptr;                    ///< the line of a success, if there is one
+    Outcome badReply{14};                              ///< of a reply that isn't understood
+    Outcome strangePage{14};                           ///< of a page of HTML
+    Outcome redirect{14};                              ///< of a 302
+    Outcome brokenOff{2, "FAIL(httpStatusCode=200)"};  ///< of a good reply that was announced longer
+    const char* connectFailed = "FAIL(httpStatusCode={http})";
+    const char* receiveFailed = "FAIL(httpStatusCode={http})";
     /// A reply with a number that is too large for its field.
     const char* tooLarge = R"({"status":99999999999,"sid":"x"})";
     bool takesAnyAddress = false;  ///< refuses neither an empty server nor a port of 0
     const char* proxyWord = "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ";
+    const char* serviceWord = "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL";
     /// Where the connection can't be made, the result word of a listing says so.
     bool isListing = false;
 };
