@@ -21,8 +21,9 @@ inline void expectPost(const RawServer& server, const Request& request, const st
 /// `fileManagerQuery` is the file manager's, where it differs.
 inline void expectPostOnEveryRoute(const std::string& query, const HeaderList& fields, const CallTo& call,
                                    const std::string& fileManagerQuery = {},
+                                   const std::vector<Route>& all = routes(),
                                    const char* file = __builtin_FILE(), int where = __builtin_LINE()) {
-    for (const Route& route : routes()) {
+    for (const Route& route : all) {
         const testing::ScopedTrace trace(file, where, std::string("route: ") + route.name);
         const RawServer server({Reply::json("{}")});
         const SessionPtr session = makeSession(route.options);

@@ -10,13 +10,12 @@
 namespace wire {
 
 /// A list that a call hands out: garbage until the call fills it, deleted by its caller.
-struct RecordList {
-    _WFM_PATH_INFORMATION** list = reinterpret_cast<_WFM_PATH_INFORMATION**>(0xABCD);
+template <class Record>
+struct ListOf {
+    Record** list = reinterpret_cast<Record**>(0xABCD);
     uint32_t count = 0xABCD;
 
-    bool isUntouched() const {
-        return count == 0xABCD && list == reinterpret_cast<_WFM_PATH_INFORMATION**>(0xABCD);
-    }
+    bool isUntouched() const { return count == 0xABCD && list == reinterpret_cast<Record**>(0xABCD); }
     bool isEmpty() const { return count == 0 && list == nullptr; }
 
     /// The records as text; the list is deleted.
@@ -34,17 +33,22 @@ struct RecordList {
     }
 };
 
+using RecordList = ListOf<_WFM_PATH_INFORMATION>;
+
 /// A record full of garbage.
-struct GarbageRecord {
-    GarbageRecord() { std::memset(static_cast<void*>(&record), 0x5A, sizeof record); }
+template <class Record>
+struct Garbage {
+    Garbage() { std::memset(static_cast<void*>(&record), 0x5A, sizeof record); }
     /// As the call left it. Garbage that the call left alone shows.
     std::string text() const { return isUntouched() ? "untouched" : describe(record); }
     bool isUntouched() const {
-        GarbageRecord other;
+        Garbage other;
         return std::memcmp(&record, &other.record, sizeof record) == 0;
     }
 
-    _WFM_PATH_INFORMATION record;
+    Record record;
 };
+
+using GarbageRecord = Garbage<_WFM_PATH_INFORMATION>;
 
 }  // namespace wire

@@ -12,7 +12,8 @@ namespace wire {
 /// `Arguments` are good until they are spoilt.
 template <class Arguments>
 void expectRefusals(LogCapture& log, _WFM_AUTH_CONTEXT* session, const std::string& function,
-                    std::initializer_list<void (*)(Arguments&)> spoilers) {
+                    std::initializer_list<void (*)(Arguments&)> spoilers,
+                    const std::string& prefix = "[WFM] ") {
     constexpr uint32_t port = 80;
     int number = 0;
     for (const auto& spoil : spoilers) {
@@ -22,7 +23,7 @@ void expectRefusals(LogCapture& log, _WFM_AUTH_CONTEXT* session, const std::stri
         spoil(arguments);
         EXPECT_EQ(arguments.run(session, port), 8u);
         EXPECT_TRUE(arguments.isUntouched());
-        log.expectLines({refusedLine(function, port)});
+        log.expectLines({refusedLine(function, port, prefix)});
     }
 }
 

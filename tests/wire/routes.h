@@ -46,6 +46,30 @@ inline std::vector<Route> routes(const std::string& fcgi = "torvisrv.cgi") {
     return all;
 }
 
+/// Every way to a CGI that isn't the usual one: `cgi` of the sync service, `fcgi` where the server has the
+/// faster end, and the path of a session of the file manager.
+inline std::vector<Route> routesTo(const std::string& cgi, const std::string& fcgi,
+                                   const std::string& fileManagerPath) {
+    const std::string usual = "torvisrv.cgi";
+    std::vector<Route> all = routes(fcgi);
+    for (Route& route : all) {
+        if (route.isFileManager)
+            route.cgi = fileManagerPath;
+        else if (const auto at = route.cgi.find(usual); at != std::string::npos)
+            route.cgi.replace(at, usual.size(), cgi);
+    }
+    return all;
+}
+
+/// Every way of a call that names no node: it goes to the session's own.
+inline std::vector<Route> routesWithoutNode() {
+    const std::string node = "/Node";
+    std::vector<Route> all = routes();
+    for (Route& route : all)
+        if (route.cgi.compare(0, node.size(), node) == 0) route.cgi.erase(0, node.size());
+    return all;
+}
+
 /// A call on a session, to a node. Its numbers are the call's own business.
 using CallTo = std::function<void(_WFM_AUTH_CONTEXT* session, uint32_t port, const wchar_t* slaveID)>;
 
