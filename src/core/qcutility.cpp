@@ -97,8 +97,11 @@ bool Utility::encryptString(const QString& in, const QString& /*key*/, QByteArra
 }
 
 bool Utility::decryptString(const QString& in, unsigned int length, const QString& /*key*/, QString& out) {
-    out.clear();
-    if (in.isEmpty() || length % 4 != 0) return true;
+    QString text;  // apart from `out`, which may be `in`
+    if (in.isEmpty() || length % 4 != 0) {
+        out.clear();
+        return true;
+    }
     length = std::min(length, static_cast<unsigned>(in.size()));
     int effective = static_cast<int>(length);
     while (effective > 0 && in.at(effective - 1) == '=') --effective;
@@ -106,9 +109,10 @@ bool Utility::decryptString(const QString& in, unsigned int length, const QStrin
     for (int i = 0; i < effective; i += 4) {
         unsigned group = 0;
         for (int k = 0; k < 4; ++k) group = group << 6 | (i + k < effective ? ValueOf(in.at(i + k)) : 0);
-        for (int k = 0; k < 3 && out.size() < size; ++k)
-            out += QChar(static_cast<ushort>(group >> (16 - 8 * k) & 255));
+        for (int k = 0; k < 3 && text.size() < size; ++k)
+            text += QChar(static_cast<ushort>(group >> (16 - 8 * k) & 255));
     }
+    out = text;
     return true;
 }
 

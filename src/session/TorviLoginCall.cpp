@@ -1,5 +1,6 @@
 #include "core/callframe.h"
 #include "session/TorviLogin.h"
+#include "session/logintimeout.h"
 #include "session/password.h"
 
 using namespace Lattice;

@@ -2,6 +2,7 @@
 
 #include "session/SecurityQuestionResultXml.h"
 #include "session/logincall.h"
+#include "session/logintimeout.h"
 #include "session/password.h"
 
 using namespace Lattice;

@@ -1,5 +1,6 @@
 #include "session/SendEmergencyMailResultXml.h"
 #include "session/logincall.h"
+#include "session/logintimeout.h"
 #include "session/password.h"
 
 using namespace Lattice;

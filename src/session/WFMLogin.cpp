@@ -1,5 +1,6 @@
 #include "session/WebFileManLogin.h"
 #include "session/logincall.h"
+#include "session/logintimeout.h"
 #include "session/password.h"
 
 using namespace Lattice;
@@ -66,8 +67,7 @@ uint32_t WFMLogin(const wchar_t* server, uint32_t port, const wchar_t* user, con
         call.setResult(reply.GetAuthResult());
         if (reply.GetAuthResult() != 0) call.setResult(RefusalOf(call, reply));
     }
-    *isAdmin = !reply.GetSid().empty() && reply.GetIsAdmin();
     connection.forwardedFor = nullptr;  // it isn't kept
-    return FinishLogin(call, reply.GetSid(), connection, reply.GetServerName(), serverName,
-                       serverNameCapacity, context);
+    return FinishLogin(call, {reply.GetSid(), reply.GetServerName(), reply.GetIsAdmin()}, connection,
+                       {serverName, serverNameCapacity, isAdmin, context});
 }

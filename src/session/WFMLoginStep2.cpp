@@ -1,5 +1,6 @@
 #include "session/AuthLoginResultXml.h"
 #include "session/logincall.h"
+#include "session/logintimeout.h"
 #include "session/password.h"
 
 using namespace Lattice;
@@ -35,8 +36,7 @@ uint32_t WFMLoginStep2(const wchar_t* server, uint32_t port, const wchar_t* user
         if (reply.GetAuthStatus() != 0)
             call.setResult(reply.IsMaxTryFailed() ? kSecondStepNoTriesLeft : kSecondStepUnknown);
     }
-    *isAdmin = !reply.GetSid().empty() && reply.GetIsAdmin() != 0;
     // The session keeps neither agent nor proxy.
-    return FinishLogin(call, reply.GetSid(), Connection{server, port, secure}, reply.GetServerName(),
-                       serverName, serverNameCapacity, context);
+    return FinishLogin(call, {reply.GetSid(), reply.GetServerName(), reply.GetIsAdmin() != 0},
+                       Connection{server, port, secure}, {serverName, serverNameCapacity, isAdmin, context});
 }

@@ -9,7 +9,7 @@ namespace Lattice {
 inline constexpr HttpOutcomes kFileManagerLoginOutcomes{{kProxyRefused, kServiceUnavailable, kRedirectToTls},
                                                         3};
 
-/// Their lines: only the server's part of the log names server and port.
+/// Their lines name neither server nor port.
 constexpr CallRules LoginRules(const char* call) {
     return CallRules(call)
         .withOutcomes(kFileManagerLoginOutcomes)
@@ -28,9 +28,24 @@ enum SecondStep : uint32_t {
     kSecondStepNoTriesLeft = 19,
 };
 
-/// Hands out what a login of the web file manager brought: the session, or the refusal that an empty sid is.
-uint32_t FinishLogin(Call& call, const std::wstring& sid, const Connection& connection,
-                     const std::wstring& name, wchar_t* serverName, uint32_t serverNameCapacity,
-                     _WFM_AUTH_CONTEXT** context);
+/// What a login of the web file manager brought.
+struct LoggedIn {
+    const std::wstring& sid;
+    const std::wstring& serverName;
+    bool isAdmin;
+};
+
+/// Where its caller wants it.
+struct LoginTarget {
+    wchar_t* serverName;
+    uint32_t serverNameCapacity;
+    bool* isAdmin;
+    _WFM_AUTH_CONTEXT** context;
+};
+
+/// Hands out the session and what goes with it, or the refusal that an empty sid is. The session keeps
+/// `connection`.
+uint32_t FinishLogin(Call& call, const LoggedIn& login, const Connection& connection,
+                     const LoginTarget& target);
 
 }  // namespace Lattice

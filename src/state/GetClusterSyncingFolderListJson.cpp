@@ -16,15 +16,15 @@ int CGetClusterSyncingFolderListJson::Parser(char* text) {
         if (!root["slave"].isArray()) return -1;
 
         for (const Json::Value& node : root["slave"]) {
-            if (!IsPresent(node, "folder")) continue;
+            if (!node.isObject() || !IsPresent(node, "folder")) continue;
             if (!node["folder"].isArray()) return -1;
             for (const Json::Value& folder : node["folder"]) {
-                if (!IsPresent(folder, "name")) continue;
+                if (!folder.isObject() || !IsPresent(folder, "name")) continue;
                 _NAS_SYNCING_FOLDER_INFORMATION record = EmptySyncFolder();
                 CopyText(record.szSlaveID, JsonText(node, "slave_id"));
-                CopyTextCut(record.szHostName, JsonText(node, "hostname"));
-                CopyTextCut(record.szName, JsonText(folder, "name"));
-                CopyTextCut(record.szPath, JsonText(folder, "path"));
+                CopyText(record.szHostName, JsonText(node, "hostname"));
+                CopyText(record.szName, JsonText(folder, "name"));
+                CopyText(record.szPath, JsonText(folder, "path"));
                 record.nPrivilege = JsonGetInt(folder, "permission", -1);
                 folders.push_back(record);
             }

@@ -28,10 +28,11 @@ int CTorviGetMaxLogJson::Parser(char* text) {
             const auto number = NumberOf(root, ("max_log" + std::to_string(i)).c_str());
             if (number) folders.push_back({static_cast<int32_t>(i), *number});
         }
-        const auto overall = NumberOf(root, "max_log");
-        if (folderCount == 0 && overall) {
-            folders.push_back({-1, *overall});
-            maxLog = *overall;
+        if (folderCount == 0) {
+            if (const auto overall = NumberOf(root, "max_log")) {
+                folders.push_back({-1, *overall});
+                maxLog = *overall;
+            }
         }
         notify = NumberOf(root, "notify").value_or(-1);
         globalNotify = NumberOf(root, "global_notify").value_or(-1);

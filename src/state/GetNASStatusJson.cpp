@@ -21,7 +21,7 @@ int CGetNASStatusJson::Parser(char* text) {
         m_information.bHomeFolderAvailable = flag("home_folder_available", 1);
         m_information.bRecovering = flag("is_recovering", 0);
         const std::wstring version = JsonText(root, "versioning_version");
-        if (version != L"---") CopyTextCut(m_information.szVersioningVersion, version);
+        if (version != L"---") CopyText(m_information.szVersioningVersion, version);
         return 1;
     });
 }

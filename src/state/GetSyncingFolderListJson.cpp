@@ -16,14 +16,15 @@ int CGetSyncingFolderListJson::Parser(char* text) {
         if (!root["folder"].isArray()) return -1;
 
         for (const Json::Value& folder : root["folder"]) {
+            if (!folder.isObject()) continue;
             const auto bytes = [&](const char* number, const char* unitKey) -> int64_t {
                 const std::wstring unit = FieldText(folder, unitKey);
                 if (!IsPresent(folder, number) || !IsValidSizeUnit(unit)) return -1;
                 return GetFileSizeByte(unit, FieldText(folder, number));
             };
             _NAS_SYNCING_FOLDER_INFORMATION record = EmptySyncFolder();
-            CopyTextCut(record.szName, JsonText(folder, "name"));
-            CopyTextCut(record.szPath, JsonText(folder, "path"));
+            CopyText(record.szName, JsonText(folder, "name"));
+            CopyText(record.szPath, JsonText(folder, "path"));
             record.nPrivilege = JsonGetInt(folder, "privilege", -1);
             record.llUsed = bytes("used_size", "used_unit");
             record.llCapacity = bytes("capacity", "capacity_unit");

@@ -1,20 +1,34 @@
 #include "state/GetUserQuotaJson.h"
 
-#include <optional>
-
 #include "core/replyfields.h"
 
 using namespace Lattice;
 
 namespace {
 
-/// A size such as "1.5 GB" in bytes; none where there is no text.
-std::optional<int64_t> SizeOf(const Json::Value& root, const char* key) {
-    const std::wstring text = JsonText(root, key);
-    if (text.empty()) return std::nullopt;
-    long long size = 0;
-    GetSizewithString(text, size);
-    return size;
+/// A size such as "1.5 GB".
+struct Size {
+    enum Kind { Absent, Unreadable, Read } kind = Absent;
+    int64_t bytes = 0;
+};
+
+Size SizeOf(const Json::Value& root, const char* key) {
+    const std::wstring text = JsonLongText(root, key);
+    if (text.empty()) return {};
+    if (text.size() >= kJsonTextCapacity) return {Size::Unreadable};
+    long long bytes = 0;
+    GetSizewithString(text, bytes);
+    return {Size::Read, bytes};
+}
+
+int64_t BytesOr(const Size& size, int64_t absent) {
+    return size.kind == Size::Read ? size.bytes : absent;
+}
+
+/// Texts may name sizes that lie further apart than 64 bits reach.
+int64_t Difference(int64_t quota, int64_t used) {
+    int64_t left;
+    return __builtin_sub_overflow(quota, used, &left) ? INT64_MAX : left;
 }
 
 /// One volume's quota, and whether the reply tells enough of it.
@@ -29,12 +43,13 @@ Quota ReadQuota(const Json::Value& json) {
     const auto available = SizeOf(json, "avaiable_quota_size");  // spelled so by the server
     USER_QUOTA_INFO record{};
     record.nVolumeID = JsonGetInt(json, "vol_id", 0);
-    record.llQuotaSize = quota.value_or(-1);
-    record.llUsedSize = used.value_or(-1);
-    record.llAvailableSize = available.value_or(-1);
-    const bool valid = quota && used;
-    if (!available && valid && *used < *quota) record.llAvailableSize = *quota - *used;
-    return {record, valid};
+    record.llQuotaSize = BytesOr(quota, -1);
+    record.llUsedSize = BytesOr(used, -1);
+    record.llAvailableSize = BytesOr(available, -1);
+    const bool told = quota.kind == Size::Read && used.kind == Size::Read;
+    if (available.kind == Size::Absent && told && used.bytes < quota.bytes)
+        record.llAvailableSize = Difference(quota.bytes, used.bytes);
+    return {record, told && available.kind != Size::Unreadable};
 }
 
 }  // namespace
@@ -43,8 +58,11 @@ int CGetUserQuotaJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
         status = 0;  // this reply has none
-        volumeFree = SizeOf(root, "volume_free_size").value_or(0);
-        volumeTotal = SizeOf(root, "volume_total_size").value_or(0);
+        const Size free = SizeOf(root, "volume_free_size");
+        const Size total = SizeOf(root, "volume_total_size");
+        if (free.kind == Size::Unreadable || total.kind == Size::Unreadable) status = -1;
+        volumeFree = BytesOr(free, 0);
+        volumeTotal = BytesOr(total, 0);
         quotaEnabled = JsonGetFlag(root, "quota_enable", false);
         if (!quotaEnabled) return 1;
         if (!IsPresent(root, "quota")) {
@@ -53,8 +71,9 @@ int CGetUserQuotaJson::Parser(char* text) {
         }
         if (!root["quota"].isArray()) return -1;
         for (const Json::Value& json : root["quota"]) {
+            if (!json.isObject() || !IsPresent(json, "vol_id")) continue;
             const Quota quota = ReadQuota(json);
-            if (IsPresent(json, "vol_id") && quota.valid) quotas.push_back(quota.record);
+            if (quota.valid) quotas.push_back(quota.record);
         }
         return 1;
     });

@@ -9,6 +9,7 @@ uint32_t WFMGetTorviLastModifiedTime(_WFM_AUTH_CONTEXT* context, const wchar_t* 
     Call call(rules, context, server, port);
     if (!call.accepts(time, resultWord)) return call.refuse();
     call.begin(resultWord);
+    *time = 0;
 
     call.get(L"func=nubo_get_last_modify_time&sid=%ls", call.sid());
     CGetLastModifiedTimeJson reply;
@@ -16,7 +17,8 @@ uint32_t WFMGetTorviLastModifiedTime(_WFM_AUTH_CONTEXT* context, const wchar_t* 
 
     long long modified = 0;
     if (reply.GetStatus() != 0 || !reply.GetLastModifiedTime(&modified))
-        return call.answer(-1, "[WFMShare] WFMGetTorviLastModifiedTime: get error status = %d",
+        return call.answer(reply.GetStatus() != 0 ? reply.GetStatus() : -1,
+                           "[WFMShare] WFMGetTorviLastModifiedTime: get error status = %d",
                            reply.GetStatus());
     *time = modified;
     return call.answer(0);

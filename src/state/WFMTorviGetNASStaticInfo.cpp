@@ -20,8 +20,8 @@ uint32_t WFMTorviGetNASStaticInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* ser
     if (reply.GetStatus() != 0)
         return call.answer(reply.GetStatus(), "[WFM] WFMTorviGetNASStaticInfo: Get error status=%d",
                            reply.GetStatus());
-    CopyTextCut(information->szModel, reply.model);
-    CopyTextCut(information->szFirmwareVersion, reply.firmwareVersion);
+    CopyText(information->szModel, reply.model);
+    CopyText(information->szFirmwareVersion, reply.firmwareVersion);
     information->llQueueLimit = reply.queueLimit;
     information->llMessageQueueLimit = reply.messageQueueLimit;
     return call.answer(0);

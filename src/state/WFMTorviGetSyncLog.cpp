@@ -13,6 +13,7 @@ uint32_t WFMTorviGetSyncLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, u
     call.begin(resultWord);
     const uint32_t capacity = *count;
     *count = 0;
+    *isEnd = false;
 
     // The node counts together with a folder only.
     if (IsGiven(syncingFolder)) {
@@ -23,7 +24,7 @@ uint32_t WFMTorviGetSyncLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, u
         call.get(L"func=nubo_get_sync_log&sid=%ls&lower=%ls&number=%d", call.sid(), std::to_wstring(lower),
                  number);
     }
-    CGetTorviSyncLogJson reply;
+    CGetTorviSyncLogJson reply(capacity);
     if (!call.ask(reply)) return call.end();
 
     if (reply.GetStatus() != 0)

@@ -6,7 +6,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # The members and the type data of these classes may be exported: the reply parsers, the transport, its body.
-classes='C[A-Za-z0-9_]*(Json|Xml)|CTorviLogin|HttpRequestWorker|HttpRequestInput|QUpFile'
+classes='C[A-Za-z0-9_]*(Json|Xml)|CTorviLogin|CWebFileManLogin|AuthLoginResultXml|HttpRequestWorker|HttpRequestInput|QUpFile'
 allowed="^(vtable for |typeinfo for |typeinfo name for |VTT for |(virtual|non-virtual) thunk to )?($classes)(::.*)?\$"
 
 # symbols FILE: the names that a program can link against, as they stand in the table.
