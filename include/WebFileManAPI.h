@@ -31,10 +31,11 @@
 /// | 14       | the reply wasn't understood (nor is a 3xx or an empty one), or a login was refused      |
 /// | 5, 87    | nothing sent, in the calls that say so: the path can't be changed so                    |
 /// | 87, 122  | in place of 8 and 7: WFMGetUseNuboCGI, WFMGetSlaveID, WFMGetSid                         |
+/// | 87       | in place of 8: TorviActivateSid, TorviActivateSid2                                      |
 ///
-/// Every call may return 8, and every call that sends a request 2, 6, 11, 12 and 14; the tables below tell
-/// what is particular to a call. With 8 nothing is written, but for the cases of 8 that a call's table lists
-/// with a result word.
+/// Every call may return 8 (or that 87), and every call that sends a request 2, 6, 11, 12 and 14; the tables
+/// below tell what is particular to a call. With 8 nothing is written, but for the cases of 8 that a call's
+/// table lists with a result word.
 ///
 /// The result word becomes 0xFFFFFFFF (-1) before anything else and stays so while `dwStatus` isn't 0, but
 /// for the cases that a call's table lists. -1 together with `dwStatus` 0 means that the server refused for a
@@ -68,6 +69,8 @@
 /// | 53           | the server can't be reached   | 87           | a number or a path is invalid           |
 ///
 /// Each call uses client codes or system-style numbers, never both for the same thing; its table says which.
+/// A few have numbers of their own: 8 of WFMGetDomainIPList, 14 and 16 to 19 of the logins that may want a
+/// second step.
 ///
 /// @section arguments Arguments that are the same everywhere
 ///
@@ -116,7 +119,8 @@
 ///   thread, end a call that waits, as a lost connection does. Outside `exec()` the quit stays in force:
 ///   later calls in that thread end so too.
 /// - A context isn't locked. Calls only read it, so several threads may use one, except while one of them
-///   runs WFMUpdateTeamFolderInfo or WFMFreeAuthContext on it. Give each worker thread a clone.
+///   runs WFMUpdateTeamFolderInfo, WFMSetProxyContext, WFMSetAutoProxyContext or WFMFreeAuthContext on it.
+///   Give each worker thread a clone.
 /// - A `bool*` cancel or stop flag may be null, and may be set from another thread while the call runs. Where
 ///   a call reads it is said there; none of them wakes a call that waits.
 ///
@@ -143,8 +147,8 @@
 
 class QFile;
 
-/// A session: what a login leaves behind. Opaque; made by TorviLogin and WFMCloneAuthContext, freed by
-/// WFMFreeAuthContext alone.
+/// A session: what a login leaves behind. Opaque; made by TorviLogin, WFMLogin, WFMLoginStep2,
+/// TorviActivateSid2 and WFMCloneAuthContext, freed by WFMFreeAuthContext alone.
 ///
 /// It holds the session id, the node's slave id, secure flag, agent name, proxy and team folders. **The proxy
 /// password stands in it in clear**, and the memory isn't wiped when it is freed.
@@ -263,8 +267,8 @@ struct _TORVI_INFORMATION {
 
 /// What doesn't change while a server runs, filled by WFMTorviGetNASStaticInfo.
 struct _NAS_STATIC_INFORMATION {
-    wchar_t szModel[260];            ///< cut at 259, terminated
-    wchar_t szFirmwareVersion[260];  ///< cut at 259, terminated
+    wchar_t szModel[260];            ///< terminated; empty if it doesn't fit
+    wchar_t szFirmwareVersion[260];  ///< terminated; empty if it doesn't fit
     int64_t llQueueLimit;            ///< entries that its change queue takes
     int64_t llMessageQueueLimit;     ///< entries that its message queue takes
 };
@@ -281,7 +285,7 @@ struct _NAS_STATUS_INFORMATION {
     bool bNuboVersioningEnable;  ///< versions for the sync service
     bool bHomeFolderAvailable;   ///< true where the server doesn't tell
     bool bRecovering;
-    wchar_t szVersioningVersion[260];  ///< empty where there is none; cut at 259, terminated
+    wchar_t szVersioningVersion[260];  ///< terminated; empty where there is none, or if it doesn't fit
 };
 
 /// By which names and addresses a server is reached, filled by WFMGetDomainIPList. A text that is too long,
@@ -299,18 +303,19 @@ struct _DOMAIN_IP_LIST_INFORMATION {
     int32_t nExtSslPort;             ///< HTTPS port towards the internet
 };
 
-/// One folder that can be synced, from WFMTorviGetNASSyncinFolderList. Texts are terminated.
+/// One folder that can be synced, from WFMTorviGetNASSyncinFolderList. Texts are terminated; one that doesn't
+/// fit is empty.
 struct _NAS_SYNCING_FOLDER_INFORMATION {
-    wchar_t szSlaveID[260];   ///< its node, on a cluster; empty if it doesn't fit
-    wchar_t szHostName[260];  ///< the node's name, on a cluster; cut at 259
+    wchar_t szSlaveID[260];   ///< its node, on a cluster; otherwise empty
+    wchar_t szHostName[260];  ///< the node's name, on a cluster; otherwise empty
     wchar_t szReserved[260];  ///< always empty
-    wchar_t szName[260];      ///< cut at 259
-    wchar_t szPath[260];      ///< cut at 259
-    int32_t nPrivilege;       ///< 2: read and write; -1 unknown
-    int32_t nVolumeID;        ///< 0 on a cluster
-    int64_t llUsed;           ///< bytes; -1 unknown, as always on a cluster
-    int64_t llCapacity;       ///< bytes; -1 unknown
-    int64_t llFree;           ///< bytes; -1 unknown
+    wchar_t szName[260];
+    wchar_t szPath[260];
+    int32_t nPrivilege;  ///< 2: full; others are the server's; -1 unknown
+    int32_t nVolumeID;   ///< 0 on a cluster
+    int64_t llUsed;      ///< bytes; -1 unknown, as always on a cluster
+    int64_t llCapacity;  ///< bytes; -1 unknown
+    int64_t llFree;      ///< bytes; -1 unknown
 };
 
 /// One folder of WFMTorviNuboGetMaxLog.
@@ -322,7 +327,7 @@ struct _TORVI_MAX_LOG_FOLDER {
 /// Question and answer of WFMTorviNuboGetMaxLog. -1 is a number that the server didn't give.
 struct _TORVI_MAX_LOG_INFORMATION {
     uint32_t dwFolderCount;              ///< in: folders, at least 1
-    int64_t llMaxLog;                    ///< out: newest change of all; stays -1 where folders are asked for
+    int64_t llMaxLog;                    ///< out: always -1, since folders are asked for
     int64_t llNotify;                    ///< out
     int64_t llGlobalNotify;              ///< out
     _TORVI_MAX_LOG_FOLDER** lppFolders;  ///< in and out: the caller's; no null among them
@@ -341,17 +346,17 @@ struct _WFM_SYNC_LOG_INFORMATION {
     wchar_t szFilePath[4096];
     wchar_t szOldFilePath[4096];  ///< of a rename or move; otherwise empty
     wchar_t szDevice[260];        ///< the client that made the change; empty if the server doesn't tell
-    int64_t llLogID;              ///< its number, to go on from
+    int64_t llLogID;              ///< its number, to go on from; -1 unknown
     int32_t nIsFolder;            ///< 1 or 2; 0 unknown
     int32_t nAction;              ///< the client's action number; -1 unknown
 };
 
-/// One volume's quota, from WebFileManGetQuotaInformation. Bytes; -1 unknown.
+/// One volume's quota, from WebFileManGetQuotaInformation.
 struct USER_QUOTA_INFO {
-    int32_t nVolumeID;
-    int64_t llQuotaSize;
-    int64_t llAvailableSize;  ///< 0 once the quota is used up
-    int64_t llUsedSize;
+    int32_t nVolumeID;        ///< 0 if the server doesn't tell
+    int64_t llQuotaSize;      ///< bytes; -1 unknown
+    int64_t llAvailableSize;  ///< bytes; 0 once the quota is used up, and where it isn't known
+    int64_t llUsedSize;       ///< bytes; -1 unknown
 };
 
 /// Progress of a transfer, asked for a verdict: 0 goes on, 1 stops.
@@ -525,7 +530,7 @@ TORVIAPI_EXPORT uint32_t WFMGetSlaveID(const _WFM_AUTH_CONTEXT* context, uint32_
 
 /// Copies the session id. Whoever has it has the session: keep it out of logs.
 /// @param context   not null
-/// @param capacity  as for WFMGetSlaveID; 260 is always enough
+/// @param capacity  as for WFMGetSlaveID; 260 is enough but for a session made from a longer token
 /// @param buffer    receives the id with its terminator; not null
 /// @return as WFMGetSlaveID
 ///
@@ -536,7 +541,7 @@ TORVIAPI_EXPORT uint32_t WFMGetSid(const _WFM_AUTH_CONTEXT* context, uint32_t* c
 
 /// Whether this machine has a network at all: an interface that is up, isn't the loopback and has an address.
 /// Sends nothing, and doesn't tell whether any server can be reached; WFMGetVersion does. Writes the
-/// interfaces that it looks at to debug output. Twice: safe, on any thread.
+/// interfaces that it looks at to debug output. Twice: safe, on any thread. Next: WFMGetNASUserUID.
 /// @return true if there is one
 TORVIAPI_EXPORT bool IsNetworkAlive();
 
@@ -627,17 +632,21 @@ TORVIAPI_EXPORT uint32_t TorviLogin(const wchar_t* server, int32_t port, const w
 /// @param secure       HTTPS
 /// @param user         not null or empty
 /// @param uid          the server's identity (_NAS_USER_UID_INFORMATION::szUID), in whatever case; null or
-/// empty
-///                     takes any server that answers
+///                     empty takes **anything that answers with a text**, a redirect's page too
 /// @param agentName    null or empty takes "VEXAWebFileMan"
 /// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor  as in the file comment
 /// @param otherAgentName  goes before agentName; null or empty: none
 /// @param timeoutMs    of each request, in milliseconds; 0 takes 3000
-/// @return `dwStatus`; 0: it is. 14: it isn't, or what answers isn't such a server. 10: neither service is
-/// there
+/// @return `dwStatus`
 ///
-/// A server without the sync service is asked a second time, at the old place. Twice: safe. Next: a login
-/// there.
+/// | dwStatus | When                                                         |
+/// |----------|--------------------------------------------------------------|
+/// | 0        | it is                                                        |
+/// | 10       | HTTP 404 at both places: neither service is there            |
+/// | 14       | it isn't, or what answers isn't such a server, or is nothing |
+///
+/// A server without the sync service is asked a second time, at the old place, with the whole time-out again.
+/// There is no result word. Twice: safe. Next: a login there.
 TORVIAPI_EXPORT uint32_t WFMValidIP(const wchar_t* server, uint32_t port, uint64_t reserved, bool secure,
                                     const wchar_t* user, const wchar_t* uid, const wchar_t* agentName,
                                     uint32_t proxyMode, const wchar_t* proxyHost, const wchar_t* proxyUser,
@@ -660,13 +669,13 @@ TORVIAPI_EXPORT uint32_t WFMValidIP(const wchar_t* server, uint32_t port, uint64
 /// |----------|--------------------------------------------|
 /// | 0        | `information` is filled                    |
 /// | 10       | HTTP 404 at both places: not such a server |
-/// | 6        | also 302, with no port to go to            |
+/// | 6        | also 302, over HTTPS or without a tlsPort  |
 /// | 2        | also cancelled                             |
 /// | 14       | something else answers at this port        |
 ///
 /// It asks at the sync service's place, then at the old one, and a server that has the sync service after all
-/// once more at the first: up to four requests. There is no result word. Twice: safe. Next: TorviLogin if
-/// bNuboCGI, otherwise WFMLogin.
+/// once more at the first: up to four requests, and one more after a 302. There is no result word. Twice:
+/// safe. Next: TorviLogin if bNuboCGI, otherwise WFMLogin.
 TORVIAPI_EXPORT uint32_t WFMGetNASUserUID(const wchar_t* server, uint32_t port, uint32_t tlsPort, bool secure,
                                           const wchar_t* user, const wchar_t* agentName, uint32_t proxyMode,
                                           const wchar_t* proxyHost, const wchar_t* proxyUser,
@@ -681,11 +690,12 @@ TORVIAPI_EXPORT uint32_t WFMGetNASUserUID(const wchar_t* server, uint32_t port, 
 /// @param password            not null; may be empty. Travels as base64: use `secure`
 /// @param secure              HTTPS, for this and all later calls of the session
 /// @param computerName,uid    as for TorviLogin; if one of them is null or empty, the server is told of no
-/// device
+///                            device
 /// @param agentName           as for TorviLogin
 /// @param deviceType          the server's number for the kind of client; sent as given
 /// @param serverNameCapacity  wide characters in serverName, not 0; 260 is always enough
-/// @param proxyMode,proxyHost,proxyUser,proxyPassword  as in the file comment; kept for all calls
+/// @param proxyMode,proxyHost,proxyUser,proxyPassword  as in the file comment; kept for all calls, each text
+///                            if it has 259 characters at most
 /// @param forwardedFor        as in the file comment; for this call only
 /// @param clientVersion       version of the client; may be null
 /// @param reserved            0
@@ -707,6 +717,8 @@ TORVIAPI_EXPORT uint32_t WFMGetNASUserUID(const wchar_t* server, uint32_t port, 
 /// | 14       | other       | **refused, as with a wrong password: the client code of the status** |
 /// | 14       | -8          | HTTP 302: call again with `secure` and the HTTPS port                |
 /// | 14       | 0           | accepted, but without a session id that can be used                  |
+/// | 14       | -1          | also a reply that isn't understood                                   |
+/// | 0        | client code | refused, yet a session came: log out and free it                     |
 ///
 /// Twice: opens a second session and overwrites *context; log out and free the first. Next: as after
 /// TorviLogin; in the end WFMLogout.
@@ -740,6 +752,7 @@ TORVIAPI_EXPORT uint32_t WFMLogin(const wchar_t* server, uint32_t port, const wc
 /// | dwStatus | Result word | When                                                  |
 /// |----------|-------------|-------------------------------------------------------|
 /// | 0        | 0           | logged in                                             |
+/// | 0        | 14, 19      | refused, yet a session came: log out and free it      |
 /// | 14       | 14          | refused: the code is wrong                            |
 /// | 14       | 19          | refused, and the emergency tries are used up          |
 /// | 14       | -8          | HTTP 302: call again with `secure` and the HTTPS port |
@@ -759,10 +772,9 @@ TORVIAPI_EXPORT uint32_t WFMLoginStep2(const wchar_t* server, uint32_t port, con
 /// @param language       the server's name of a language, sent raw; not null or empty
 /// @param secure         HTTPS
 /// @param capacity       of `question`, not 0
-/// @param question       receives the question, padded with zeros. **One as long as the capacity or longer
-/// has
-///                       no terminator**: make the buffer one character longer than `capacity` says, and end
-///                       it yourself. Not null
+/// @param question       receives the question, padded with zeros; untouched unless 0 comes back. **One as
+///                       long as the capacity or longer has no terminator**: make the buffer one character
+///                       longer than `capacity` says, and end it yourself. Not null
 /// @return `dwStatus`; 14: there is no question, or HTTP 302
 ///
 /// No proxy, no result word; time-out 15 seconds. Twice: safe. Next: WFMLoginStep2.
@@ -774,7 +786,8 @@ TORVIAPI_EXPORT uint32_t WFM2SVGetQuestion(const wchar_t* server, uint32_t port,
 /// @param server,port    where; not null or empty, not 0
 /// @param user,password  not null or empty
 /// @param secure         HTTPS
-/// @return `dwStatus`; 0: the server has answered. **A mail that it refused isn't reported**
+/// @return `dwStatus`; 0: the server has answered. **A mail that it refused isn't reported**, nor is a 302 to
+///         HTTPS, which sent none
 ///
 /// No proxy, no result word; time-out 15 seconds. Twice: two mails; tries are counted. Next: WFMLoginStep2.
 TORVIAPI_EXPORT uint32_t WFM2SVSendEmail(const wchar_t* server, uint32_t port, const wchar_t* user,
@@ -788,7 +801,7 @@ TORVIAPI_EXPORT uint32_t WFM2SVSendEmail(const wchar_t* server, uint32_t port, c
 /// @param slaveID             null, or the node to ask
 /// @param agentName           as for TorviLogin
 /// @param ownSlaveID          null, or the slave id that the session gets
-/// @param serverNameCapacity  wide characters in serverName, not 0; 260 is always enough
+/// @param serverNameCapacity  wide characters in serverName, not 0; 2048 is always enough
 /// @param proxyMode,proxyHost,proxyUser,proxyPassword,forwardedFor  as for TorviLogin
 /// @param isCluster           ignored
 /// @param resultWord          not null
@@ -837,13 +850,15 @@ TORVIAPI_EXPORT uint32_t TorviActivateSid2(const wchar_t* server, uint32_t port,
 TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool force,
                                      _WFM_AUTH_CONTEXT* context);
 
-/// Ends a session at the web file manager. The context is neither changed nor freed.
+/// Ends a session at the web file manager, for the context and all its clones. The context is neither changed
+/// nor freed.
 /// @param server,port  where; not null or empty, not 0
 /// @param force        as for TorviLogout
-/// @param context      null gives 8 without a line in the log
+/// @param context      not null; null gives 8 without a line in the log
 /// @return `dwStatus`; 0 also when nothing was sent; 14: the server refused, or wasn't understood
 ///
-/// Time-out 30 seconds. Twice: harmless; the server refuses. Next: WFMFreeAuthContext.
+/// There is no result word. Time-out 30 seconds. Twice: harmless, the second mostly gives 14. Next:
+/// WFMFreeAuthContext, whatever came back.
 TORVIAPI_EXPORT uint32_t WFMLogout(const wchar_t* server, uint32_t port, bool force,
                                    _WFM_AUTH_CONTEXT* context);
 
@@ -852,7 +867,15 @@ TORVIAPI_EXPORT uint32_t WFMLogout(const wchar_t* server, uint32_t port, bool fo
 /// @param context      a session with a slave id; not null
 /// @param slaveID      null, or the node to ask
 /// @param resultWord   not null
-/// @return `dwStatus`, with the rows 0 and 87 of TorviActivateSid2
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                   |
+/// |----------|-------------|--------------------------------------------------------|
+/// | 0        | 0           | the node takes the session                             |
+/// | 0        | -38         | refused: the server isn't ready                        |
+/// | 0        | -39         | refused: the server insists on HTTPS                   |
+/// | 0        | -2          | refused otherwise: the session is no good              |
+/// | 87       | untouched   | a bad argument, in place of 8; also without a slave id |
 ///
 /// Time-out 30 seconds. Twice: safe. Next: calls to that node.
 TORVIAPI_EXPORT uint32_t TorviActivateSid(const wchar_t* server, uint32_t port, _WFM_AUTH_CONTEXT* context,
@@ -862,8 +885,9 @@ TORVIAPI_EXPORT uint32_t TorviActivateSid(const wchar_t* server, uint32_t port, 
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID     ignored
 /// @param resultWord  not null
-/// @param capacity    wide characters in `sid`; not changed. Not null
-/// @param sid         receives the id with its terminator, when both numbers are 0; not null
+/// @param capacity    wide characters in `sid`, 2048 is always enough; not changed. Not null
+/// @param sid         receives the id with its terminator, maybe an empty one, when both numbers are 0;
+///                    otherwise untouched. Not null
 /// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                       |
@@ -873,12 +897,12 @@ TORVIAPI_EXPORT uint32_t TorviActivateSid(const wchar_t* server, uint32_t port, 
 /// | 0        | -3          | refused                    |
 /// | 0        | -1          | the server tells no status |
 ///
-/// Twice: safe.
+/// Twice: safe. Next: TorviActivateSid2 with it as the token.
 TORVIAPI_EXPORT uint32_t WFMGetSystemSid(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                          const wchar_t* slaveID, uint32_t* resultWord, uint32_t* capacity,
                                          wchar_t* sid);
 
-/// Gives a session another proxy, for its next calls. Not while a call runs on it.
+/// Gives a session another proxy, for its next calls; its clones keep their own. Not while a call runs on it.
 /// @param context  null, or one without a session id, is left alone
 /// @param mode     0 none, 1 the system's, 2 manual; see proxyMode in the file comment
 /// @param flags    kept and handed on, not read
@@ -888,19 +912,19 @@ TORVIAPI_EXPORT uint32_t WFMGetSystemSid(_WFM_AUTH_CONTEXT* context, const wchar
 /// @param password not null. **Stands in the context in clear**
 /// @return 0 in every case
 ///
-/// Twice: the last one counts.
+/// Twice: the last one counts. Next: any call; 11 from it says that the proxy refuses.
 TORVIAPI_EXPORT uint32_t WFMSetProxyContext(_WFM_AUTH_CONTEXT* context, uint32_t mode, uint32_t flags,
                                             const wchar_t* host, const wchar_t* bypass, const wchar_t* user,
                                             const wchar_t* password);
 
 /// Hands the proxy of one session that uses the system's (mode 1) on to another that does. Not while a call
 /// runs on either.
-/// @param destination  receives host and bypass list, those that aren't empty
-/// @param source       unchanged
-/// @param information  receives flags and texts; may be null
+/// @param destination  receives host and bypass list, those that aren't empty; null does nothing
+/// @param source       unchanged; null does nothing
+/// @param information  receives flags and texts, untouched if nothing is done; may be null
 /// @return 1 if it was done, and if a context is null; 0 if the mode of either isn't 1
 ///
-/// Twice: safe.
+/// Twice: safe. Next: any call with `destination`.
 TORVIAPI_EXPORT uint32_t WFMSetAutoProxyContext(_WFM_AUTH_CONTEXT* destination,
                                                 const _WFM_AUTH_CONTEXT* source,
                                                 _WFM_AUTO_PROXY_INFORMATION* information);
@@ -908,6 +932,8 @@ TORVIAPI_EXPORT uint32_t WFMSetAutoProxyContext(_WFM_AUTH_CONTEXT* destination,
 /// Whether the system's proxy of a session has changed. Nothing in the library sets it.
 /// @param context  may be null
 /// @return 0
+///
+/// Twice: safe. Next: none.
 TORVIAPI_EXPORT uint32_t WFMAutoProxyContextUpdate(const _WFM_AUTH_CONTEXT* context);
 
 /// @name Listing and stat
@@ -1522,12 +1548,11 @@ TORVIAPI_EXPORT uint32_t WFMGetDomainIPList(_WFM_AUTH_CONTEXT* context, const wc
 /// @param cancel      not read; may be null
 /// @param resultWord  receives the server's own status: 0 is success, -3 denied; -1 if it is -1. May be null
 /// @param count       receives the number of records; not null
-/// @param list        receives the records, to be freed as the file comment shows; null if there are none.
-/// Not
-///                    null
+/// @param list        receives the records, to be freed as the file comment shows; null if there are none, as
+///                    after any refusal. Not null
 /// @return `dwStatus`
 ///
-/// A size beyond 64 bits wraps. Twice: safe.
+/// A size beyond 64 bits wraps. Twice: safe, and a second list to free. Next: WFMTorviGetMaxLog.
 TORVIAPI_EXPORT uint32_t WFMTorviGetNASSyncinFolderList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                         uint32_t port, bool detail, bool refresh,
                                                         bool* cancel, uint32_t* resultWord, uint32_t* count,
@@ -1552,18 +1577,18 @@ TORVIAPI_EXPORT uint32_t WFMGetTorviSyncStart(_WFM_AUTH_CONTEXT* context, const 
 /// @param resultWord  0, or -1 if the server refuses; not null
 /// @return `dwStatus`
 ///
-/// Twice: signals twice.
+/// Twice: signals twice. Next: WFMTorviGetMaxLog, to hear of what comes after.
 TORVIAPI_EXPORT uint32_t WFMGetTorviSyncStop(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              uint32_t number, void* reserved, uint32_t* resultWord);
 
 /// Asks when the server's tree last changed.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param reserved    null
-/// @param time        receives seconds since the epoch, when both numbers are 0; not null
-/// @param resultWord  0, or -1 if the server refuses or knows no time; not null
+/// @param time        receives seconds since the epoch, when both numbers are 0, otherwise 0; not null
+/// @param resultWord  0, the server's own status if it refuses, or -1 if it knows no time; not null
 /// @return `dwStatus`
 ///
-/// Twice: safe.
+/// Twice: safe. Next: WFMTorviGetMaxLog, if it is later than what one knew.
 TORVIAPI_EXPORT uint32_t WFMGetTorviLastModifiedTime(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                      uint32_t port, void* reserved, int64_t* time,
                                                      uint32_t* resultWord);
@@ -1574,9 +1599,8 @@ TORVIAPI_EXPORT uint32_t WFMGetTorviLastModifiedTime(_WFM_AUTH_CONTEXT* context,
 /// @param reserved  null
 /// @param length    in: wide characters in `buffer`, 0 to ask for the length. Out: the length needed with its
 ///                  terminator, if it was too small; otherwise unchanged. Not null
-/// @param buffer    receives the text, if it fits. **It must hold one character more than `length` says.**
-/// Not
-///                  null; untouched if there is no text or it doesn't fit
+/// @param buffer    receives the text, if it fits; untouched if there is none or it doesn't. **It must hold
+///                  one character more than `length` says.** Not null
 /// @return `dwStatus`; 0 in all of these cases
 ///
 /// Twice: safe; the second call with the length that the first told.
@@ -1616,12 +1640,13 @@ TORVIAPI_EXPORT uint32_t WFMTorviGetMaxLog(_WFM_AUTH_CONTEXT* context, const wch
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID        null, or the node to ask; counts together with a folder only
 /// @param number         how many changes to ask for, not 0
-/// @param lower          the number to begin at
+/// @param lower          the number to begin at, sent as given; the server decides whether it is one of them
 /// @param syncingFolder  null or empty: all
 /// @param reserved       null
 /// @param count          in: records in `list`, not 0. Out: records filled. Not null
 /// @param list           the caller's records, each allocated by the caller; not null
-/// @param isEnd          receives whether there is no more, when the server answers; not null
+/// @param isEnd          receives whether there is no more; false unless the result word is 0 or -23; not
+///                       null
 /// @param resultWord     not null
 /// @return `dwStatus`
 ///
@@ -1631,7 +1656,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviGetMaxLog(_WFM_AUTH_CONTEXT* context, const wch
 /// | 0        | -23         | more came than the list holds, or a null is in it; `count` were filled |
 /// | 0        | other       | refused: the server's own status                                       |
 ///
-/// Twice: safe. Next: the same from the last llLogID on, until isEnd.
+/// Twice: safe, but set `count` to what the list holds before each call: 0 is refused. Next: the same from
+/// the last llLogID on, until isEnd.
 TORVIAPI_EXPORT uint32_t WFMTorviGetSyncLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, uint32_t number, int64_t lower,
                                             const wchar_t* syncingFolder, void* reserved, uint32_t* count,
@@ -1647,7 +1673,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviGetSyncLog(_WFM_AUTH_CONTEXT* context, const wc
 /// @param buffer    receives the path, if there is one and it fits; otherwise untouched. Not null
 /// @return `dwStatus`; 0 also if the server refuses
 ///
-/// Twice: safe.
+/// Twice: safe. Next: WFMGetNodeList with that path.
 TORVIAPI_EXPORT uint32_t WFMGetUserHomePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* user, uint32_t capacity, const wchar_t* slaveID,
                                             void* reserved, wchar_t* buffer);

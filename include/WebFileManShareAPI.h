@@ -121,12 +121,12 @@ TORVIAPI_EXPORT uint32_t WebFileManQueryUID(_WFM_AUTH_CONTEXT* context, const wc
 /// @param volumeTotal   receives the volume's bytes; not null
 /// @param count         receives the number of records; not null
 /// @param list          receives the records, to be freed as the file comment of WebFileManAPI.h shows; null
-/// if
-///                      there are none, as without quotas. Not null
+///                      if there are none, as without quotas. Not null
 /// @param resultWord    0, or -1 if the reply can't be used; not null
 /// @return `dwStatus`; all outputs are 0 first
 ///
-/// Sizes come as texts such as "1.5 GB" and are rounded by the server. Twice: safe.
+/// Sizes come as texts such as "1.5 GB" and are rounded by the server; one beyond 64 bits is clamped. Twice:
+/// safe, and a second list to free. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                        uint32_t port, const wchar_t* slaveID, bool getAll,
                                                        void* reserved, bool* quotaEnabled,
