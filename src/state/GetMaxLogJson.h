@@ -10,6 +10,15 @@ struct _TORVI_MAX_LOG_JSON_INFO {
     int64_t llMaxLog;
 };
 
+namespace Lattice {
+
+/// A number below 0 is one that the server didn't give.
+inline void TakeLogNumber(int64_t& out, int64_t number) {
+    if (number >= 0) out = number;
+}
+
+}  // namespace Lattice
+
 /// The reply of "nubo_get_max_log": the numbers of the newest changes.
 class TORVIAPI_EXPORT CTorviGetMaxLogJson {
 public:

@@ -9,10 +9,6 @@ constexpr Endpoint kPrepare{L"/%lscgi-bin/torvi/torvisrvPrepare.cgi",
                             L"/cgi-bin/filemanager/torviPrepare.cgi"};
 constexpr Endpoint kPrepareFcgi{L"/%lscgi-bin/torvi/torvisrv.fcgi", L"/cgi-bin/filemanager/torviPrepare.cgi"};
 
-void Take(int64_t& out, int64_t number) {
-    if (number >= 0) out = number;
-}
-
 }  // namespace
 
 uint32_t WFMTorviGetMaxLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -36,8 +32,8 @@ uint32_t WFMTorviGetMaxLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, ui
                            server, static_cast<int>(port), reply.GetStatus());
     if (reply.folders.size() == 1 && reply.folders.front().llMaxLog != -1)
         record->llMaxLog = reply.folders.front().llMaxLog;
-    Take(record->llNotify, reply.notify);
-    Take(record->llGlobalNotify, reply.globalNotify);
-    Take(record->llSyncSignal, reply.syncSignal);
+    TakeLogNumber(record->llNotify, reply.notify);
+    TakeLogNumber(record->llGlobalNotify, reply.globalNotify);
+    TakeLogNumber(record->llSyncSignal, reply.syncSignal);
     return call.answer(0);
 }

@@ -15,11 +15,6 @@ bool AllFoldersGiven(const _TORVI_MAX_LOG_INFORMATION& record) {
                        });
 }
 
-/// A number below 0 is one that the server didn't give.
-void Take(int64_t& out, int64_t number) {
-    if (number >= 0) out = number;
-}
-
 }  // namespace
 
 uint32_t WFMTorviNuboGetMaxLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -45,11 +40,11 @@ uint32_t WFMTorviNuboGetMaxLog(_WFM_AUTH_CONTEXT* context, const wchar_t* server
     if (reply.GetStatus() != 0)
         return call.answer(reply.GetStatus(), "[WFMShare] WFMTorviNuboGetMaxLog: Get error status=%d",
                            reply.GetStatus());
-    Take(record->llMaxLog, reply.maxLog);
-    Take(record->llNotify, reply.notify);
-    Take(record->llGlobalNotify, reply.globalNotify);
+    TakeLogNumber(record->llMaxLog, reply.maxLog);
+    TakeLogNumber(record->llNotify, reply.notify);
+    TakeLogNumber(record->llGlobalNotify, reply.globalNotify);
     for (const _TORVI_MAX_LOG_JSON_INFO& folder : reply.folders)
         if (folder.nFolderIndex >= 0)
-            Take(record->lppFolders[folder.nFolderIndex]->llMaxLog, folder.llMaxLog);
+            TakeLogNumber(record->lppFolders[folder.nFolderIndex]->llMaxLog, folder.llMaxLog);
     return call.answer(0);
 }
