@@ -64,10 +64,76 @@ inline Lines failedPoll(int dwStatus) {
                   dwStatus);
 }
 
-/// `Call` is one of the two moves with its arguments; it names itself and its move request.
-template <class Call>
+/// A move with good arguments, which names itself and its move request.
+struct MoveArguments {
+    const wchar_t* slaveID = nullptr;
+    const wchar_t* source = L"/home/a/old";
+    const wchar_t* destination = L"/home/b/new";
+    bool cancelled = false;
+    bool* cancel = &cancelled;
+    uint32_t result = 0xABCD;
+    uint32_t* resultWord = &result;
+
+    MoveArguments() = default;
+    MoveArguments(const MoveArguments&) = delete;
+    MoveArguments& operator=(const MoveArguments&) = delete;
+    virtual ~MoveArguments() = default;
+
+    virtual uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) = 0;
+    virtual const char* name() const = 0;
+    virtual const char* blankBeforeRemove() const = 0;
+    virtual const char* retryWord() const = 0;
+    virtual std::string request(bool fileManager, const std::string& from, const std::string& to) const = 0;
+    bool isUntouched() const { return result == 0xABCD; }
+};
+
+struct MoveCall : MoveArguments {
+    void asJob() {}  // it always is one
+    uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) override {
+        return WFMMovePath(session, kServer, port, slaveID, source, destination, cancel, resultWord);
+    }
+    const char* name() const override { return "WFMMovePath"; }
+    const char* blankBeforeRemove() const override { return " "; }
+    const char* retryWord() const override {
+        return "WFMGetProgress WFM_PARSE_XML_HTTPTRAN_QUERY_HTTP_HEADER_FAIL retry";
+    }
+    std::string request(bool fileManager, const std::string& from, const std::string& to) const override {
+        return std::string("func=move&sid=sid123") + (fileManager ? "" : "&no_fork=0") +
+               " source_file=old&source_total=1&source_path=" + from + "&dest_path=" + to + "&mode=0";
+    }
+};
+
+struct CheckedMoveCall : MoveArguments {
+    int64_t time = 1700000000;
+    int64_t size = 5000000000;
+    bool isFolder = false;
+
+    void asJob() { isFolder = true; }
+    uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) override {
+        return WFMMovePathwithCheckProfile(session, kServer, port, slaveID, source, destination, time, size,
+                                           isFolder, cancel, resultWord);
+    }
+    const char* name() const override { return "WFMMovePathwithCheckProfile"; }
+    const char* blankBeforeRemove() const override { return ""; }
+    const char* retryWord() const override {
+        return "WFMGetProgress WFM_PARSE_XML_HTTPTRAN_QUERY_HTTP_HEADER_FAIL retry)";
+    }
+    std::string request(bool fileManager, const std::string& from, const std::string& to) const override {
+        return std::string("func=move&sid=sid123") +
+               (fileManager ? "" : (isFolder ? "&no_fork=0" : "&no_fork=1")) +
+               " source_file=old&source_total=1&source_path=" + from + "&dest_path=" + to +
+               "&mode=0&check_nubo_file_profile=1&check_nubo_file_path=" + from +
+               "%2Fold&check_nubo_file_exist=1&check_nubo_file_type=" +
+               (isFolder ? "1" : "0&check_nubo_file_size=5000000000&check_nubo_file_time=1700000000");
+    }
+};
+
 class MoveTest : public testing::Test {
 protected:
+    virtual MoveArguments& move() = 0;
+    /// A move under the same name.
+    void keepName() { move().destination = L"/home/b/old"; }
+
     struct End {
         uint32_t dwStatus;
         int32_t result;
@@ -84,13 +150,13 @@ protected:
         size_t answers = 0;
         RawServer server([&](const Request&) {
             const size_t number = answers++;
-            if (answers == cancelAfter) call.cancelled = true;
+            if (answers == cancelAfter) move().cancelled = true;
             return number < exchanges.size() ? exchanges[number].reply : Reply::status(404);
         });
         log.clear();
         const SleepCapture sleeps;
-        EXPECT_EQ(call.run(session.get(), server.port()), end.dwStatus);
-        EXPECT_EQ(static_cast<int32_t>(call.result), end.result);
+        EXPECT_EQ(move().run(session.get(), server.port()), end.dwStatus);
+        EXPECT_EQ(static_cast<int32_t>(move().result), end.result);
 
         std::vector<std::string> expected, got;
         for (const Exchange& exchange : exchanges) expected.push_back(textOf(exchange.step));
@@ -111,14 +177,14 @@ protected:
     static std::string textOf(const Request& request) {
         return request.method() + " " + request.target() + (request.body.empty() ? "" : " " + request.body);
     }
-    std::string textOf(Step step) const {
+    std::string textOf(Step step) {
         // The move and its poll go to the object's node, what follows to the caller's.
         const std::string& node = step == Step::Move || step == Step::Poll ? moveNode : callersNode;
         const std::string cgi = fileManager ? "/cgi-bin/filemanager/utilRequest.cgi?"
                                             : "/" + node + "cgi-bin/torvi/torvisrv.cgi?";
         switch (step) {
             case Step::Move:
-                return "POST " + cgi + call.request(fileManager, sourceFolder, folder);
+                return "POST " + cgi + move().request(fileManager, sourceFolder, folder);
             case Step::Poll:
                 return "GET " + cgi + "func=get_move_status&sid=sid123&pid=" + pid;
             case Step::Clear:
@@ -133,28 +199,27 @@ protected:
     }
 
     // The lines of a move to another name in "/home/b".
-    std::string name() const { return Call::name(); }
-    std::string word(const std::string& text) const { return "[WFM] " + name() + ": " + text; }
-    Lines toRename() const {
+    std::string name() { return move().name(); }
+    std::string word(const std::string& text) { return "[WFM] " + name() + ": " + text; }
+    Lines toRename() {
         return {
             debugLine(word("WFMRenamePath strOldPath(" + movedTo + "old) strNewpath(" + movedTo + "new)"))};
     }
     /// Lines of a rename that failed and of the removal that it led to.
-    Lines removed(int dwStatus, int result) const {
+    Lines removed(int dwStatus, int result) {
         return {LogLine(word("WFMRenamePath failed(" + std::to_string(dwStatus) + ")(" +
                              std::to_string(result) + ")")),
-                debugLine("[WFM]" + std::string(Call::blankBeforeRemove()) + name() +
+                debugLine("[WFM]" + std::string(move().blankBeforeRemove()) + name() +
                           ": WFMDeletePath strMovePathName(" + movedTo + "old)")};
     }
-    Lines retry() const { return {"[WFM] " + name() + " " + Call::retryWord()}; }
-    Lines pollFailed(int dwStatus) const {
+    Lines retry() { return {"[WFM] " + name() + " " + move().retryWord()}; }
+    Lines pollFailed(int dwStatus) {
         return {word("WFMGetProgress failed(" + std::to_string(dwStatus) + ")"), summary(dwStatus)};
     }
-    std::string summary(int dwStatus) const {
+    std::string summary(int dwStatus) {
         return "[WFM] " + name() + "(127.0.0.1:{port}) failed dwStatus(" + std::to_string(dwStatus) + ")";
     }
 
-    Call call;
     SessionPtr session;  ///< null: an ordinary one
     bool fileManager = false;
     size_t cancelAfter = 0;  ///< the flag is set when that many requests have come
@@ -166,6 +231,13 @@ protected:
     std::string movedTo = "/home/b/";  ///< the destination folder in the lines
     const NetworkIs network{true};
     LogCapture log{32 | 4};
+};
+
+template <class Call>
+class MoveTestOf : public MoveTest {
+protected:
+    MoveArguments& move() override { return call; }
+    Call call;
 };
 
 /// Two team folders on nodes of their own, and one on the second's in other letters.

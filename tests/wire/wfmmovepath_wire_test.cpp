@@ -14,35 +14,6 @@ using namespace wire;
 
 namespace {
 
-struct MoveCall {
-    const wchar_t* slaveID = nullptr;
-    const wchar_t* source = L"/home/a/old";
-    const wchar_t* destination = L"/home/b/new";
-    bool cancelled = false;
-    bool* cancel = &cancelled;
-    uint32_t result = 0xABCD;
-    uint32_t* resultWord = &result;
-
-    MoveCall() = default;
-    MoveCall(const MoveCall&) = delete;
-    MoveCall& operator=(const MoveCall&) = delete;
-
-    uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) {
-        return WFMMovePath(session, kServer, port, slaveID, source, destination, cancel, resultWord);
-    }
-    bool isUntouched() const { return result == 0xABCD; }
-
-    static const char* name() { return "WFMMovePath"; }
-    static const char* blankBeforeRemove() { return " "; }
-    static const char* retryWord() {
-        return "WFMGetProgress WFM_PARSE_XML_HTTPTRAN_QUERY_HTTP_HEADER_FAIL retry";
-    }
-    static std::string request(bool fileManager, const std::string& from, const std::string& to) {
-        return std::string("func=move&sid=sid123") + (fileManager ? "" : "&no_fork=0") +
-               " source_file=old&source_total=1&source_path=" + from + "&dest_path=" + to + "&mode=0";
-    }
-};
-
 HeaderList form(const std::string& from, const std::string& name, const std::string& to) {
     return {{"source_file", name},
             {"source_total", "1"},
@@ -51,11 +22,7 @@ HeaderList form(const std::string& from, const std::string& name, const std::str
             {"mode", "0"}};
 }
 
-class WFMMovePathWire : public MoveTest<MoveCall> {
-protected:
-    /// A move under the same name.
-    void keepName() { call.destination = L"/home/b/old"; }
-};
+using WFMMovePathWire = MoveTestOf<MoveCall>;
 
 }  // namespace
 
@@ -154,18 +121,7 @@ TEST_F(WFMMovePathWire, TheSameParentIs87WithoutALine) {
     }
 }
 
-// ---- Ends at the move ----
-
-TEST_F(WFMMovePathWire, AMoveThatIsNotAnsweredEnds) {
-    expectEnd({{Step::Move, unavailable()}},
-              {12, -1, failed("WFMMovePath", "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", 12), {}});
-    expectEnd({{Step::Move, Reply::status(407)}},
-              {11, -1, failed("WFMMovePath", "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ", 11), {}});
-    expectEnd({{Step::Move, Reply::status(500)}},
-              {6, -1, failed("WFMMovePath", "FAIL(httpStatusCode=500)", 6), {}});
-    expectEnd({{Step::Move, started().contentLength(5000)}},
-              {2, -1, failed("WFMMovePath", "FAIL(httpStatusCode=200)", 2), {}});
-}
+// ---- The answer, and where the next requests go; movesteps_wire_test.cpp has the rest ----
 
 TEST_F(WFMMovePathWire, AReplyWithNeitherSuccessNorPidIsNotUnderstood) {
     const struct {
@@ -226,168 +182,11 @@ TEST_F(WFMMovePathWire, WhatTheServerSaysToTheMoveDecides) {
     }
 }
 
-// ---- Ends at the job ----
-
-TEST_F(WFMMovePathWire, AJobThatIsDoneEndsAMoveUnderTheSameName) {
-    keepName();
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}}, {0, 0, {}, {500}});
-}
-
 TEST_F(WFMMovePathWire, AJobNeedsNoSuccessBesideItsPid) {
     keepName();
     pid = "2147483647";
     expectEnd({{Step::Move, Reply::json(R"({"status":1,"pid":"2147483647"})")}, {Step::Poll, done()}},
               {0, 0, {}, {500}});
-}
-
-TEST_F(WFMMovePathWire, ARunningJobIsPolledUntilItIsDone) {
-    keepName();
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, percentDone(0)},
-               {Step::Poll, percentDone(99)},
-               {Step::Poll, done()}},
-              {0, 0, {}, {500, 200, 200}});
-}
-
-TEST_F(WFMMovePathWire, AJobThatFailsIsTheResultAndNothingFollows) {
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json(R"({"status":5})")}},
-              {0, 3, {"[WFM] WFMGetProgress: GetStatus failed(old)(-4)"}, {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json(R"({"status":4})")}},
-              {0, -1, {"[WFM] WFMGetProgress: GetStatus failed(old)(-3)"}, {500}});
-}
-
-TEST_F(WFMMovePathWire, AJobThatFailsOnTheFileManagerIsNotCleared) {
-    fileManager = true;
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json(R"({"status":5})")}},
-              {0, 3, {"[WFM] WFMGetProgress: GetStatus failed(old)(-4)"}, {500}});
-}
-
-TEST_F(WFMMovePathWire, AJobThatNobodyKnowsIsNotFound) {
-    const Exchange unknown{Step::Poll, percentDone(-1)};
-    const auto line = [](int retries) {
-        return LogLine("[WFM] WFMGetProgress: ERROR_PATH_NOT_FOUND(old)(" + std::to_string(retries) + ")");
-    };
-    expectEnd({{Step::Move, started()}, unknown, unknown, unknown, unknown},
-              {0, 3, {line(3), line(2), line(1), line(0)}, {500, 200, 200, 200}});
-}
-
-TEST_F(WFMMovePathWire, AServiceThatIsUnavailableIsAskedThreeTimes) {
-    const Exchange poll{Step::Poll, unavailable()};
-    expectEnd({{Step::Move, started()}, poll, poll, poll},
-              {12,
-               -1,
-               failedPoll(12) + retry() + failedPoll(12) + retry() + failedPoll(12) + pollFailed(12),
-               {500}});
-}
-
-TEST_F(WFMMovePathWire, AServiceThatComesBackInTimeEndsWell) {
-    keepName();
-    const Exchange poll{Step::Poll, unavailable()};
-    expectEnd({{Step::Move, started()}, poll, {Step::Poll, done()}}, {0, 0, failedPoll(12) + retry(), {500}});
-    expectEnd({{Step::Move, started()}, poll, poll, {Step::Poll, done()}},
-              {0, 0, failedPoll(12) + retry() + failedPoll(12) + retry(), {500}});
-}
-
-TEST_F(WFMMovePathWire, AnyOtherFailureOfThePollEndsAtOnce) {
-    for (const auto& [status, dwStatus] : {std::pair<int, int>{407, 11}, {500, 6}})
-        expectEnd({{Step::Move, started()}, {Step::Poll, Reply::status(status)}},
-                  {static_cast<uint32_t>(dwStatus), -1, failedPoll(dwStatus) + pollFailed(dwStatus), {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, done().contentLength(5000)}},
-              {2, -1, failed("WFMGetProgress", "FAIL(httpStatusCode=200)", 2) + pollFailed(2), {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json("no")}},
-              {14,
-               -1,
-               Lines{"[WFM] WFMGetSid: WFM_PARSE_XML_FAIL",
-                     "[WFM] WFMGetProgress(127.0.0.1:{port}) failed dwStatus(14)"} +
-                   pollFailed(14),
-               {500}});
-}
-
-TEST_F(WFMMovePathWire, AJobOfTheFileManagerThatCannotBeFollowedIsNotCleared) {
-    fileManager = true;
-    const Exchange poll{Step::Poll, unavailable()};
-    expectEnd({{Step::Move, started()}, poll, poll, poll},
-              {12,
-               -1,
-               failedPoll(12) + retry() + failedPoll(12) + retry() + failedPoll(12) + pollFailed(12),
-               {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::status(500)}},
-              {6, -1, failedPoll(6) + pollFailed(6), {500}});
-    cancelAfter = 1;
-    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
-}
-
-TEST_F(WFMMovePathWire, AnUnknownReadingStaysTheResultOfAPollThatFailsUnlessARetryKnowsTheJob) {
-    keepName();
-    const Lines unknown = {"[WFM] WFMGetProgress: ERROR_PATH_NOT_FOUND(old)(3)"};
-    expectEnd({{Step::Move, started()}, {Step::Poll, percentDone(-1)}, {Step::Poll, Reply::status(500)}},
-              {6, 3, unknown + failedPoll(6) + pollFailed(6), {500, 200}});
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, percentDone(-1)},
-               {Step::Poll, unavailable()},
-               {Step::Poll, done()}},
-              {0, 0, unknown + failedPoll(12) + retry(), {500, 200}});
-    cancelAfter = 2;
-    expectEnd({{Step::Move, started()}, {Step::Poll, percentDone(-1)}},
-              {14, 3, unknown + pollFailed(14), {500, 200}});
-}
-
-TEST_F(WFMMovePathWire, ACancelBeforeTheFirstPollIs14) {
-    call.cancelled = true;
-    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
-    call.cancelled = false;
-    cancelAfter = 1;
-    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
-}
-
-TEST_F(WFMMovePathWire, ACancelBetweenTwoPollsIs14) {
-    cancelAfter = 2;
-    expectEnd({{Step::Move, started()}, {Step::Poll, percentDone(50)}}, {14, -1, pollFailed(14), {500, 200}});
-}
-
-TEST_F(WFMMovePathWire, ACancelEndsTheRetries) {
-    cancelAfter = 2;
-    expectEnd({{Step::Move, started()}, {Step::Poll, unavailable()}},
-              {12, -1, failedPoll(12) + pollFailed(12), {500}});
-}
-
-TEST_F(WFMMovePathWire, WithoutANetworkThereIsNoRetry) {
-    const NetworkIs gone(false);
-    expectEnd({{Step::Move, started()}, {Step::Poll, unavailable()}},
-              {12, -1, failedPoll(12) + pollFailed(12), {500}});
-}
-
-TEST_F(WFMMovePathWire, ANullCancelFlagIsNeverSet) {
-    call.cancel = nullptr;
-    keepName();
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, unavailable()},
-               {Step::Poll, percentDone(50)},
-               {Step::Poll, done()}},
-              {0, 0, failedPoll(12) + retry(), {500, 200}});
-}
-
-TEST_F(WFMMovePathWire, TheFileManagersJobIsCleared) {
-    fileManager = true;
-    keepName();
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Clear, answered("1")}},
-              {0, 0, {}, {500}});
-}
-
-TEST_F(WFMMovePathWire, AJobThatCannotBeClearedIsNoFailure) {
-    fileManager = true;
-    keepName();
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Clear, answered("5")}},
-              {0, 0, {"[WFM] WFMDeleteProgress: failed status(-4)"}, {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Clear, Reply::status(500)}},
-              {0, 0, failed("WFMDeleteProgress", "FAIL(httpStatusCode=500)", 6), {500}});
-}
-
-// ---- Ends at the rename ----
-
-TEST_F(WFMMovePathWire, AnotherNameIsGivenByARenameInTheDestination) {
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Rename, answered("1")}},
-              {0, 0, toRename(), {500}});
 }
 
 TEST_F(WFMMovePathWire, NamesThatDifferInLettersDiffer) {
@@ -404,95 +203,6 @@ TEST_F(WFMMovePathWire, NamesThatDifferInLettersDiffer) {
     EXPECT_EQ(call.result, 0u);
     ASSERT_EQ(server.requestCount(), 3u);
     EXPECT_EQ(server.request(2).body, "path=%2Fhome%2Fb&source_name=old&dest_name=Old");
-}
-
-TEST_F(WFMMovePathWire, TheFileManagerClearsTheJobBeforeTheRename) {
-    fileManager = true;
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Clear, Reply::status(500)},
-               {Step::Rename, answered("1")}},
-              {0, 0, failed("WFMDeleteProgress", "FAIL(httpStatusCode=500)", 6) + toRename(), {500}});
-}
-
-TEST_F(WFMMovePathWire, ARenameThatIsRefusedRemovesWhatWasMoved) {
-    const Lines denied = {"[WFM] WFMRenamePath: ERROR_ACCESS_DENIED(/home/b/old)(/home/b/new)"};
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, answered("2")},
-               {Step::Remove, answered("1")}},
-              {0, -1, toRename() + removed(0, 5003), {500}});
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, answered("4")},
-               {Step::Remove, answered("1")}},
-              {0, -1, toRename() + denied + removed(0, 5), {500}});
-}
-
-TEST_F(WFMMovePathWire, ARenameThatFailsRemovesWhatWasMovedAndIsTheStatus) {
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, Reply::status(500)},
-               {Step::Remove, answered("1")}},
-              {6,
-               -1,
-               toRename() + failed("WFMRenamePath", "FAIL(httpStatusCode=500)", 6) + removed(6, -1) +
-                   Lines{summary(6)},
-               {500}});
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, Reply::json("{}")},
-               {Step::Remove, answered("5")}},
-              {14,
-               -1,
-               toRename() +
-                   Lines{"[WFM] WFMRenamePath: WFM_PARSE_XML_FAIL(/home/b/old)(/home/b/new) "
-                         "nParseResult(1)Result(0)",
-                         "[WFM] WFMRenamePath(127.0.0.1:{port}) failed dwStatus(14)"} +
-                   removed(14, -1) + Lines{summary(14)},
-               {500}});
-}
-
-TEST_F(WFMMovePathWire, ARenameThatIsDeniedBeforeItsRequestEndsToo) {
-    call.destination = L"//new";
-    folder = "%2F";
-    movedTo = "/";
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}},
-              {5,
-               -1,
-               toRename() +
-                   Lines{"[WFM] WFMRenamePath: ERROR_ACCESS_DENIED",
-                         "[WFM] WFMRenamePath(127.0.0.1:{port}) failed dwStatus(5)"} +
-                   removed(5, -1) + Lines{summary(5)},
-               {500}});
-}
-
-TEST_F(WFMMovePathWire, ARemovalThatFailsChangesNothing) {
-    const Lines removal = failed("WFMDeletePath", "FAIL(httpStatusCode=500)", 6);
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, answered("2")},
-               {Step::Remove, Reply::status(500)}},
-              {0, -1, toRename() + removed(0, 5003) + removal, {500}});
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, unavailable()},
-               {Step::Remove, Reply::status(500)}},
-              {12,
-               -1,
-               toRename() + failed("WFMRenamePath", "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", 12) +
-                   removed(12, -1) + removal + Lines{summary(12)},
-               {500}});
-}
-
-TEST_F(WFMMovePathWire, TheFileManagersRenameThatFailsRemovesToo) {
-    fileManager = true;
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Clear, answered("1")},
-               {Step::Rename, answered("2")},
-               {Step::Remove, answered("5")}},
-              {0, -1, toRename() + removed(0, 5003), {500}});
 }
 
 TEST_F(WFMMovePathWire, ThePollGoesToTheMovesNodeAndWhatFollowsToTheCallers) {

@@ -15,43 +15,6 @@ using namespace wire;
 
 namespace {
 
-struct CheckedMoveCall {
-    const wchar_t* slaveID = nullptr;
-    const wchar_t* source = L"/home/a/old";
-    const wchar_t* destination = L"/home/b/new";
-    int64_t time = 1700000000;
-    int64_t size = 5000000000;
-    bool isFolder = false;
-    bool cancelled = false;
-    bool* cancel = &cancelled;
-    uint32_t result = 0xABCD;
-    uint32_t* resultWord = &result;
-
-    CheckedMoveCall() = default;
-    CheckedMoveCall(const CheckedMoveCall&) = delete;
-    CheckedMoveCall& operator=(const CheckedMoveCall&) = delete;
-
-    uint32_t run(_WFM_AUTH_CONTEXT* session, uint32_t port) {
-        return WFMMovePathwithCheckProfile(session, kServer, port, slaveID, source, destination, time, size,
-                                           isFolder, cancel, resultWord);
-    }
-    bool isUntouched() const { return result == 0xABCD; }
-
-    static const char* name() { return "WFMMovePathwithCheckProfile"; }
-    static const char* blankBeforeRemove() { return ""; }
-    static const char* retryWord() {
-        return "WFMGetProgress WFM_PARSE_XML_HTTPTRAN_QUERY_HTTP_HEADER_FAIL retry)";
-    }
-    std::string request(bool fileManager, const std::string& from, const std::string& to) const {
-        return std::string("func=move&sid=sid123") +
-               (fileManager ? "" : (isFolder ? "&no_fork=0" : "&no_fork=1")) +
-               " source_file=old&source_total=1&source_path=" + from + "&dest_path=" + to +
-               "&mode=0&check_nubo_file_profile=1&check_nubo_file_path=" + from +
-               "%2Fold&check_nubo_file_exist=1&check_nubo_file_type=" +
-               (isFolder ? "1" : "0&check_nubo_file_size=5000000000&check_nubo_file_time=1700000000");
-    }
-};
-
 HeaderList form(const std::string& from, const std::string& name, const std::string& to,
                 const HeaderList& profile) {
     return joined({{"source_file", name},
@@ -65,12 +28,10 @@ HeaderList fileForm(const std::string& from, const std::string& name, const std:
     return form(from, name, to, fileProfile(from + "%2F" + name, "5000000000", "1700000000"));
 }
 
-class WFMMovePathwithCheckProfileWire : public MoveTest<CheckedMoveCall> {
+class WFMMovePathwithCheckProfileWire : public MoveTestOf<CheckedMoveCall> {
 protected:
-    /// A move under the same name.
-    void keepName() { call.destination = L"/home/b/old"; }
     /// A line that names both, in the form of the lines before any request.
-    Lines early(const std::string& text) const {
+    Lines early(const std::string& text) {
         return {"[WFM] " + name() + "(127.0.0.1:{port}): " + text, summary(14)};
     }
 };
@@ -255,21 +216,7 @@ TEST_F(WFMMovePathwithCheckProfileWire, TheSameParentIs87) {
     }
 }
 
-// ---- Ends at the move ----
-
-TEST_F(WFMMovePathwithCheckProfileWire, AMoveThatIsNotAnsweredEnds) {
-    for (const bool isFolder : {false, true}) {
-        call.isFolder = isFolder;
-        expectEnd({{Step::Move, unavailable()}},
-                  {12, -1, failed(name(), "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", 12), {}});
-        expectEnd({{Step::Move, Reply::status(407)}},
-                  {11, -1, failed(name(), "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ", 11), {}});
-        expectEnd({{Step::Move, Reply::status(500)}},
-                  {6, -1, failed(name(), "FAIL(httpStatusCode=500)", 6), {}});
-        expectEnd({{Step::Move, started().contentLength(5000)}},
-                  {2, -1, failed(name(), "FAIL(httpStatusCode=200)", 2), {}});
-    }
-}
+// ---- The answer, and where the next requests go; movesteps_wire_test.cpp has the rest ----
 
 TEST_F(WFMMovePathwithCheckProfileWire, AReplyWithNeitherSuccessNorPidIsNotUnderstood) {
     const struct {
@@ -357,24 +304,6 @@ TEST_F(WFMMovePathwithCheckProfileWire, ACancelDoesNotStopAFileThatWasMovedAtOnc
     expectEnd({{Step::Move, answered("1")}, {Step::Rename, answered("1")}}, {0, 0, toRename(), {}});
 }
 
-// ---- Ends at the job ----
-
-TEST_F(WFMMovePathwithCheckProfileWire, AFoldersJobThatIsDoneEndsAMoveUnderTheSameName) {
-    call.isFolder = true;
-    keepName();
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}}, {0, 0, {}, {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ARunningJobIsPolledUntilItIsDone) {
-    call.isFolder = true;
-    keepName();
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, percentDone(0)},
-               {Step::Poll, percentDone(99)},
-               {Step::Poll, done()}},
-              {0, 0, {}, {500, 200, 200}});
-}
-
 TEST_F(WFMMovePathwithCheckProfileWire, AFolderIsPolledEvenWithoutAPid) {
     call.isFolder = true;
     keepName();
@@ -383,20 +312,6 @@ TEST_F(WFMMovePathwithCheckProfileWire, AFolderIsPolledEvenWithoutAPid) {
     pid = "-7";
     expectEnd({{Step::Move, Reply::json(R"({"success":"true","status":1,"pid":-7})")}, {Step::Poll, done()}},
               {0, 0, {}, {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AJobOfTheFileManagerThatCannotBeFollowedIsNotCleared) {
-    fileManager = true;
-    const Exchange poll{Step::Poll, unavailable()};
-    expectEnd({{Step::Move, started()}, poll, poll, poll},
-              {12,
-               -1,
-               failedPoll(12) + retry() + failedPoll(12) + retry() + failedPoll(12) + pollFailed(12),
-               {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::status(500)}},
-              {6, -1, failedPoll(6) + pollFailed(6), {500}});
-    cancelAfter = 1;
-    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
 }
 
 TEST_F(WFMMovePathwithCheckProfileWire, TheFileManagerPollsAndClearsTheJobOfAFileToo) {
@@ -409,112 +324,6 @@ TEST_F(WFMMovePathwithCheckProfileWire, TheFileManagerPollsAndClearsTheJobOfAFil
     }
 }
 
-TEST_F(WFMMovePathwithCheckProfileWire, AJobThatCannotBeClearedIsNoFailure) {
-    fileManager = true;
-    keepName();
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Clear, answered("5")}},
-              {0, 0, {"[WFM] WFMDeleteProgress: failed status(-4)"}, {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Clear, Reply::status(500)}},
-              {0, 0, failed("WFMDeleteProgress", "FAIL(httpStatusCode=500)", 6), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AJobThatFailsIsTheResultAndNothingFollows) {
-    call.isFolder = true;
-    for (const bool onFileManager : {false, true}) {
-        session.reset();
-        fileManager = onFileManager;
-        expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json(R"({"status":5})")}},
-                  {0, 3, {"[WFM] WFMGetProgress: GetStatus failed(old)(-4)"}, {500}});
-        expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json(R"({"status":4})")}},
-                  {0, -1, {"[WFM] WFMGetProgress: GetStatus failed(old)(-3)"}, {500}});
-    }
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AJobThatNobodyKnowsIsNotFound) {
-    call.isFolder = true;
-    const Exchange unknown{Step::Poll, percentDone(-1)};
-    const auto line = [](int retries) {
-        return LogLine("[WFM] WFMGetProgress: ERROR_PATH_NOT_FOUND(old)(" + std::to_string(retries) + ")");
-    };
-    expectEnd({{Step::Move, started()}, unknown, unknown, unknown, unknown},
-              {0, 3, {line(3), line(2), line(1), line(0)}, {500, 200, 200, 200}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AServiceThatIsUnavailableIsAskedThreeTimes) {
-    call.isFolder = true;
-    const Exchange poll{Step::Poll, unavailable()};
-    expectEnd({{Step::Move, started()}, poll, poll, poll},
-              {12,
-               -1,
-               failedPoll(12) + retry() + failedPoll(12) + retry() + failedPoll(12) + pollFailed(12),
-               {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AServiceThatComesBackInTimeEndsWell) {
-    call.isFolder = true;
-    keepName();
-    const Exchange poll{Step::Poll, unavailable()};
-    expectEnd({{Step::Move, started()}, poll, {Step::Poll, done()}}, {0, 0, failedPoll(12) + retry(), {500}});
-    expectEnd({{Step::Move, started()}, poll, poll, {Step::Poll, done()}},
-              {0, 0, failedPoll(12) + retry() + failedPoll(12) + retry(), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AnyOtherFailureOfThePollEndsAtOnce) {
-    call.isFolder = true;
-    for (const auto& [status, dwStatus] : {std::pair<int, int>{407, 11}, {500, 6}})
-        expectEnd({{Step::Move, started()}, {Step::Poll, Reply::status(status)}},
-                  {static_cast<uint32_t>(dwStatus), -1, failedPoll(dwStatus) + pollFailed(dwStatus), {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, done().contentLength(5000)}},
-              {2, -1, failed("WFMGetProgress", "FAIL(httpStatusCode=200)", 2) + pollFailed(2), {500}});
-    expectEnd({{Step::Move, started()}, {Step::Poll, Reply::json("no")}},
-              {14,
-               -1,
-               Lines{"[WFM] WFMGetSid: WFM_PARSE_XML_FAIL",
-                     "[WFM] WFMGetProgress(127.0.0.1:{port}) failed dwStatus(14)"} +
-                   pollFailed(14),
-               {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ACancelBeforeTheFirstPollIs14) {
-    call.isFolder = true;
-    call.cancelled = true;
-    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
-    call.cancelled = false;
-    cancelAfter = 1;
-    expectEnd({{Step::Move, started()}}, {14, -1, pollFailed(14), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ACancelBetweenTwoPollsIs14) {
-    call.isFolder = true;
-    cancelAfter = 2;
-    expectEnd({{Step::Move, started()}, {Step::Poll, percentDone(50)}}, {14, -1, pollFailed(14), {500, 200}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ACancelEndsTheRetries) {
-    call.isFolder = true;
-    cancelAfter = 2;
-    expectEnd({{Step::Move, started()}, {Step::Poll, unavailable()}},
-              {12, -1, failedPoll(12) + pollFailed(12), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, WithoutANetworkThereIsNoRetry) {
-    call.isFolder = true;
-    const NetworkIs gone(false);
-    expectEnd({{Step::Move, started()}, {Step::Poll, unavailable()}},
-              {12, -1, failedPoll(12) + pollFailed(12), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ANullCancelFlagIsNeverSet) {
-    call.isFolder = true;
-    call.cancel = nullptr;
-    keepName();
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, unavailable()},
-               {Step::Poll, percentDone(50)},
-               {Step::Poll, done()}},
-              {0, 0, failedPoll(12) + retry(), {500, 200}});
-}
-
 TEST_F(WFMMovePathwithCheckProfileWire, GoesThroughItsRealWait) {
     session = makeSession();
     call.isFolder = true;
@@ -525,25 +334,8 @@ TEST_F(WFMMovePathwithCheckProfileWire, GoesThroughItsRealWait) {
     EXPECT_EQ(server.requestCount(), 2u);
 }
 
-// ---- Ends at the rename ----
-
 TEST_F(WFMMovePathwithCheckProfileWire, AFileGetsAnotherNameByARenameInTheDestination) {
     expectEnd({{Step::Move, answered("1")}, {Step::Rename, answered("1")}}, {0, 0, toRename(), {}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, AFolderGetsAnotherNameWhenItsJobIsDone) {
-    call.isFolder = true;
-    expectEnd({{Step::Move, started()}, {Step::Poll, done()}, {Step::Rename, answered("1")}},
-              {0, 0, toRename(), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, TheFileManagerClearsTheJobBeforeTheRename) {
-    fileManager = true;
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Clear, Reply::status(500)},
-               {Step::Rename, answered("1")}},
-              {0, 0, failed("WFMDeleteProgress", "FAIL(httpStatusCode=500)", 6) + toRename(), {500}});
 }
 
 TEST_F(WFMMovePathwithCheckProfileWire, ARenameThatIsRefusedRemovesWhatWasMoved) {
@@ -552,75 +344,6 @@ TEST_F(WFMMovePathwithCheckProfileWire, ARenameThatIsRefusedRemovesWhatWasMoved)
               {0, -1, toRename() + removed(0, 5003), {}});
     expectEnd({{Step::Move, answered("1")}, {Step::Rename, answered("4")}, {Step::Remove, answered("1")}},
               {0, -1, toRename() + denied + removed(0, 5), {}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ARenameOfAFolderThatIsRefusedRemovesIt) {
-    call.isFolder = true;
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Rename, answered("33")},
-               {Step::Remove, answered("1")}},
-              {0, -1, toRename() + removed(0, 5003), {500}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ARenameThatFailsRemovesWhatWasMovedAndIsTheStatus) {
-    expectEnd(
-        {{Step::Move, answered("1")}, {Step::Rename, Reply::status(500)}, {Step::Remove, answered("1")}},
-        {6,
-         -1,
-         toRename() + failed("WFMRenamePath", "FAIL(httpStatusCode=500)", 6) + removed(6, -1) +
-             Lines{summary(6)},
-         {}});
-    expectEnd({{Step::Move, answered("1")}, {Step::Rename, Reply::json("{}")}, {Step::Remove, answered("1")}},
-              {14,
-               -1,
-               toRename() +
-                   Lines{"[WFM] WFMRenamePath: WFM_PARSE_XML_FAIL(/home/b/old)(/home/b/new) "
-                         "nParseResult(1)Result(0)",
-                         "[WFM] WFMRenamePath(127.0.0.1:{port}) failed dwStatus(14)"} +
-                   removed(14, -1) + Lines{summary(14)},
-               {}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, ARemovalThatFailsChangesNothing) {
-    const Lines removal = failed("WFMDeletePath", "FAIL(httpStatusCode=500)", 6);
-    expectEnd(
-        {{Step::Move, answered("1")}, {Step::Rename, answered("2")}, {Step::Remove, Reply::status(500)}},
-        {0, -1, toRename() + removed(0, 5003) + removal, {}});
-    expectEnd(
-        {{Step::Move, answered("1")}, {Step::Rename, unavailable()}, {Step::Remove, Reply::status(500)}},
-        {12,
-         -1,
-         toRename() + failed("WFMRenamePath", "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL", 12) +
-             removed(12, -1) + removal + Lines{summary(12)},
-         {}});
-    expectEnd({{Step::Move, answered("1")}, {Step::Rename, answered("2")}, {Step::Remove, answered("5")}},
-              {0, -1, toRename() + removed(0, 5003), {}});
-}
-
-TEST_F(WFMMovePathwithCheckProfileWire, TheFileManagersRenameThatFailsRemovesToo) {
-    fileManager = true;
-    expectEnd({{Step::Move, started()},
-               {Step::Poll, done()},
-               {Step::Clear, answered("1")},
-               {Step::Rename, answered("2")},
-               {Step::Remove, answered("1")}},
-              {0, -1, toRename() + removed(0, 5003), {500}});
-}
-
-// A share can be renamed by no call: the rename denies itself, and so does the removal.
-TEST_F(WFMMovePathwithCheckProfileWire, ARenameThatIsDeniedBeforeItsRequestEndsToo) {
-    call.destination = L"//new";
-    folder = "%2F";
-    movedTo = "/";
-    expectEnd({{Step::Move, answered("1")}},
-              {5,
-               -1,
-               toRename() +
-                   Lines{"[WFM] WFMRenamePath: ERROR_ACCESS_DENIED",
-                         "[WFM] WFMRenamePath(127.0.0.1:{port}) failed dwStatus(5)"} +
-                   removed(5, -1) + Lines{summary(5)},
-               {}});
 }
 
 TEST_F(WFMMovePathwithCheckProfileWire, ThePollGoesToTheMovesNodeAndWhatFollowsToTheCallers) {
