@@ -86,12 +86,12 @@ EveryTestInARowExists() {
 # A wire test that goes through the call: one of the row's suites lies in a wire test file that names the function.
 EveryExportHasAWireTest() {
     exports | while read -r function; do
-        column 5 | awk -v function_="$function" '$1 == function_ { sub(/\..*/, "", $2); print $2 }' >"$work/suites"
+        column 5 | awk -v function_="$function" '$1 == function_ { sub(/[./].*/, "", $2); print $2 }' >"$work/suites"
         found=
         while read -r suite; do
             for file in "$SOURCE"/tests/wire/*_wire_test.cpp; do
                 [ -f "$file" ] || continue
-                grep -q -E "^(TEST|TEST_F|TEST_P)\($suite," "$file" || continue
+                grep -q -E "^(TEST|TEST_F|TEST_P|TYPED_TEST)\($suite," "$file" || continue
                 grep -q -w "$function" "$file" && found=yes
             done
         done <"$work/suites"
