@@ -32,7 +32,7 @@ tests() {
         [ -n "$program" ] || continue
         "$program" --gtest_list_tests | sed 's/ *#.*//' | awk '
             /^[^ ]/ { suite = $1; bare = suite; sub(/^[^\/]*\//, "", bare); sub(/[.\/].*/, "", bare) }
-            /^ / { name = $1; plain = name; sub(/\/.*/, "", plain); print suite name; print bare "." plain; print bare "." }'
+            /^ / { name = $1; plain = name; sub(/\/.*/, "", plain); print suite name; print suite; print bare "." plain; print bare "." }'
     done | sort -u
 }
 
