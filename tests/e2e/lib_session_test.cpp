@@ -137,7 +137,7 @@ TEST_P(LibLogin, APasswordOfAnyScriptArrivesWhole) {
 }
 
 TEST_P(LibLogin, AServerWithoutTheServiceIsToldApart) {
-    Nas nas(withArguments({GetParam().service == Service::Fcgi ? "--no-fcgi" : "--no-sync"}));
+    Nas nas(withArguments({GetParam().service == Service::Fcgi ? "--no-fcgi" : "--no-sync-service"}));
     EXPECT_EQ(loginTo(nas).run(), (Numbers{10, -1}));
 }
 

@@ -131,7 +131,7 @@ TEST_F(NasSession, VersionNeedsNoSession) {
 
 class NasOldServer : public NasTest {
 protected:
-    NasOldServer() : NasTest({"--no-sync"}) {}
+    NasOldServer() : NasTest({"--no-sync-service"}) {}
 };
 
 TEST_F(NasOldServer, HasNoSyncServiceButTheFileManager) {

@@ -1,11 +1,16 @@
 #include "calls.h"
 
+#include "relay.h"
+
 namespace nas {
 
 const std::vector<Call>& allCalls() {
     static const std::vector<Call> calls = [] {
         std::vector<Call> all;
         addSessionCalls(all);
+        addAuthCalls(all);
+        addActivateCalls(all);
+        addIdentityCalls(all);
         addListCalls(all);
         addStatCalls(all);
         addFileCalls(all);
@@ -22,6 +27,16 @@ const std::vector<Call>& allCalls() {
 
 void understood(nlohmann::json& reply) {
     reply["success"] = "true";
+}
+
+void requireNoPrefix(const Request& request) {
+    if (request.http.target.rfind("/cgi-bin/", 0) != 0) {
+        throw Refusal("this call takes no slave prefix", 404);
+    }
+}
+
+bool overTls(const httplib::Request& http) {
+    return http.remote_addr == kTlsSource;
 }
 
 }  // namespace nas

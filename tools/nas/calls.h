@@ -29,6 +29,9 @@ const std::vector<Call>& allCalls();
 
 // One file per family adds its own.
 void addSessionCalls(std::vector<Call>& calls);
+void addAuthCalls(std::vector<Call>& calls);
+void addActivateCalls(std::vector<Call>& calls);
+void addIdentityCalls(std::vector<Call>& calls);
 void addListCalls(std::vector<Call>& calls);
 void addStatCalls(std::vector<Call>& calls);
 void addFileCalls(std::vector<Call>& calls);
@@ -50,5 +53,9 @@ constexpr int number(Status status) {
 
 // Clients of most calls read the status only if "success" is true: it says that the request was understood.
 void understood(nlohmann::json& reply);
+
+// Refuses a slave prefix, for the calls that no other node serves.
+void requireNoPrefix(const Request& request);
+bool overTls(const httplib::Request& http);
 
 }  // namespace nas

@@ -54,6 +54,10 @@ std::string funcOf(const std::string& target) {
     if (endsWith("_login.cgi") || endsWith("wfm2Login.cgi")) return "login";
     if (endsWith("_logout.cgi") || endsWith("wfm2Logout.cgi")) return "logout";
     if (endsWith("/upload.php")) return "upload.php";
+    if (endsWith("/torvisrvPrepare.cgi") || endsWith("/torviPrepare.cgi")) return "identity";
+    if (endsWith("/authLogin.cgi") && question != std::string::npos) {
+        return target.substr(question + 1, target.find('=', question) - question - 1);
+    }
     return question == std::string::npos ? "version" : "";
 }
 

@@ -57,6 +57,14 @@ nlohmann::json run(Service& service, const std::string& what, const std::string&
         service.sessions().expireAll();
         return nlohmann::json::object();
     }
+    if (what == "POST /control/tries/forget") {
+        service.secondSteps().forget();
+        return nlohmann::json::object();
+    }
+    if (what == "POST /control/boot/end") {
+        service.endBoot();
+        return nlohmann::json::object();
+    }
     if (what == "GET /control/state") {
         return stateOf(service);
     }

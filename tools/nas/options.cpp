@@ -5,6 +5,46 @@
 
 namespace nas {
 
+namespace {
+
+void requireMailFolder(const Options& options) {
+    for (const auto& [name, user] : options.users.all()) {
+        if (!user.second.mailTo.empty() && options.mailFolder.empty()) {
+            throw std::invalid_argument("--second-factor " + name + ":mail needs --mail-dir");
+        }
+    }
+}
+
+void addIdentityOptions(CLI::App& app, Identity& identity, std::vector<std::string>& withoutSync) {
+    const CLI::Range port(0, 65535);
+    app.add_option("--uid", identity.uid, "The server's identity, as told before login")
+        ->capture_default_str();
+    app.add_option("--suid", identity.suid, "Its short form")->capture_default_str();
+    app.add_option("--mac", identity.mac, "Hardware address of its first network card")
+        ->capture_default_str();
+    app.add_option("--model", identity.model, "Model name")->capture_default_str();
+    app.add_option("--firmware", identity.firmware, "Firmware version")->capture_default_str();
+    app.add_option("--sync-version", identity.syncVersion,
+                   "Version of the sync service; --- with --no-sync-service unless given")
+        ->capture_default_str();
+    app.add_option("--queue-limit", identity.queueLimit, "Most entries of the change queue")
+        ->capture_default_str();
+    app.add_option("--message-queue-limit", identity.messageQueueLimit, "Most entries of the message queue")
+        ->capture_default_str();
+    app.add_option("--peltnet-name", identity.peltnetName, "Name for remote access");
+    app.add_option("--ddns-name", identity.ddnsName, "Dynamic DNS name");
+    app.add_option("--external-address", identity.externalAddress, "Address seen from outside");
+    app.add_option("--external-port", identity.externalPort, "HTTP port seen from outside")->check(port);
+    app.add_option("--external-tls-port", identity.externalTlsPort, "HTTPS port seen from outside")
+        ->check(port);
+    app.add_flag("--recovering", identity.recovering, "A server whose databases aren't there yet");
+    app.add_flag("--migrating", identity.migrating, "A server that moves its databases");
+    app.add_flag("!--sync-disabled", identity.syncEnabled, "A server that tells its sync function is off");
+    app.add_option("--no-sync-for", withoutSync, "A user who may not sync, repeatable");
+}
+
+}  // namespace
+
 int readOptions(int argc, char** argv, Options& options) {
     CLI::App app{
         "A NAS on a folder: serves the sync and file-manager protocols strictly, for tests and trials.",
@@ -13,6 +53,9 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> quotas;
     std::vector<std::string> teams;
     std::vector<std::string> faults;
+    std::vector<std::string> secondFactors;
+    std::vector<std::string> questionTexts;
+    std::vector<std::string> withoutSync;
     long long ttl = options.sessionTtl.count();
     long long jobDelay = 0;
     long long lockTtl = options.lockTtl.count();
@@ -41,6 +84,16 @@ int readOptions(int argc, char** argv, Options& options) {
     app.add_option("--quota", quotas, "name:bytes that the user's home may hold, repeatable");
     app.add_option("--team", teams,
                    "owner:/path:receiver[:ro] shares a folder as vtf://<owner>-<leaf>/, repeatable");
+    app.add_option("--second-factor", secondFactors,
+                   "name:code=CODE, name:question=NO:TEXT:ANSWER or name:mail=ADDRESS, asked for after the "
+                   "password; repeatable, the login asks for a user's first");
+    app.add_option("--question-text", questionTexts,
+                   "no:language:text of a question for clients of that language, repeatable");
+    app.add_option("--try-limit", options.tryLimit,
+                   "Wrong second steps that lock an account until a control request; -1 for no limit")
+        ->capture_default_str()
+        ->check(CLI::Range(-1, 1000000));
+    app.add_option("--mail-dir", options.mailFolder, "Folder that mails are written to");
     auto* slaveId = app.add_option("--slave-id", options.slaveId, "This node's id in a cluster");
     auto* clusterStatus = app.add_option("--cluster-status", options.clusterStatus,
                                          "Cluster status told at login; 1 with --slave-id, else 0");
@@ -65,7 +118,12 @@ int readOptions(int argc, char** argv, Options& options) {
         ->capture_default_str();
     app.add_option("--server-build", options.build, "Build number that the bare CGI tells")
         ->capture_default_str();
-    app.add_flag("--no-sync", noSync, "An older server: nothing under cgi-bin/torvi");
+    app.add_flag("--no-sync-service", noSync, "An older server: nothing under cgi-bin/torvi");
+    app.add_flag("--booting", options.booting,
+                 "Nothing under cgi-bin/torvi until a control request ends the boot");
+    app.add_flag("--redirect-tls", options.redirectTls,
+                 "Send logins and identity requests from the HTTP port to the HTTPS port");
+    addIdentityOptions(app, options.identity, withoutSync);
     app.add_flag("--no-fcgi", noFcgi, "A server without torvisrv.fcgi");
     app.add_option("--fail", faults,
                    "Arm a fault: name[,match=TEXT][,count=N][,skip=N][,bytes=K][,ms=M]..., repeatable");
@@ -74,12 +132,19 @@ int readOptions(int argc, char** argv, Options& options) {
     try {
         app.parse(argc, argv);
         for (const std::string& rule : users) options.users.add(rule);
+        for (const std::string& rule : secondFactors) options.users.addSecondFactor(rule);
+        for (const std::string& rule : questionTexts) options.questionTexts.add(rule);
+        options.identity.withoutSync.insert(withoutSync.begin(), withoutSync.end());
         for (const std::string& rule : quotas) options.users.setQuota(rule);
         for (const std::string& rule : teams) options.teams.add(rule);
         for (const std::string& rule : faults) options.faults.push_back(parseFaultRule(rule));
         if (options.certificate.empty() != options.key.empty()) {
             throw std::invalid_argument("--cert and --key go together");
         }
+        if (options.redirectTls && options.tlsPort < 0) {
+            throw std::invalid_argument("--redirect-tls needs --tls-port");
+        }
+        requireMailFolder(options);
     } catch (const CLI::ParseError& error) {
         return app.exit(error);
     } catch (const std::exception& error) {
@@ -92,6 +157,9 @@ int readOptions(int argc, char** argv, Options& options) {
     options.lockTtl = std::chrono::seconds(lockTtl);
     options.versioning = !noVersioning;
     options.sync = !noSync;
+    if (noSync && app.count("--sync-version") == 0) {
+        options.identity.syncVersion = "---";
+    }
     options.fcgi = !noFcgi;
     if (clusterStatus->empty() && !slaveId->empty()) {
         options.clusterStatus = 1;

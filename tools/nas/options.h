@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "faults.h"
+#include "identity.h"
+#include "second_factor.h"
 #include "teams.h"
 #include "users.h"
 
@@ -28,12 +30,21 @@ struct Options {
     bool versioning = true;
     std::chrono::seconds partialMaxAge{7 * 86400};
     int clusterStatus = 0;
+    bool booting = false;
+    bool redirectTls = false;
+    int tryLimit = 5;
+    std::string mailFolder;
+    QuestionTexts questionTexts;
+    Identity identity;
     bool control = false;
     bool sync = true;
     bool fcgi = true;
     Users users;
     Teams teams;
     std::vector<Fault> faults;
+
+    // Whether this node serves, alone or in its cluster.
+    bool inCluster() const { return clusterStatus == 0 || clusterStatus == 1; }
 };
 
 // Fills the options. A value other than -1 is the exit status with which the program ends at once.

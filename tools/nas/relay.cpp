@@ -16,6 +16,8 @@
 
 namespace nas {
 
+const char* const kTlsSource = "127.0.0.2";
+
 namespace {
 
 constexpr size_t kMostConnections = 1024;
@@ -35,6 +37,14 @@ sockaddr_in addressOf(const std::string& text, int port) {
         throw std::runtime_error("not an IPv4 address: " + text);
     }
     return address;
+}
+
+bool comeFromTls(int socket) {
+    sockaddr_in source = addressOf(kTlsSource, 0);
+    int on = 1;
+    // The port is left to connect(): one that is taken for every peer at once would be scarce.
+    ::setsockopt(socket, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &on, sizeof on);
+    return ::bind(socket, reinterpret_cast<sockaddr*>(&source), sizeof source) == 0;
 }
 
 }  // namespace
@@ -81,11 +91,12 @@ void Relay::accept(const Listener& listener) {
     }
     Fd service(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     sockaddr_in where = addressOf("127.0.0.1", servicePort_);
-    if (!service || (::connect(service.get(), reinterpret_cast<sockaddr*>(&where), sizeof where) != 0 &&
-                     errno != EINPROGRESS)) {
+    int on = 1;
+    if (!service || (listener.tls && !comeFromTls(service.get())) ||
+        (::connect(service.get(), reinterpret_cast<sockaddr*>(&where), sizeof where) != 0 &&
+         errno != EINPROGRESS)) {
         return;
     }
-    int on = 1;
     ::setsockopt(client.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     ::setsockopt(service.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     auto connection =

@@ -14,6 +14,9 @@ namespace nas {
 
 class Connection;
 
+// Where connections that came by TLS reach the service from; all others come from 127.0.0.1.
+extern const char* const kTlsSource;
+
 // Stands between the clients and the service: owns the public ports, ends TLS there, and passes bytes in both
 // directions through small buffers, on one thread. Faults happen here, where the bytes are.
 class Relay {

@@ -16,10 +16,13 @@ enum class Endpoint : unsigned {
     SyncLogin = 4,
     SyncLogout = 8,
     SyncBatch = 16,
-    ManagerCgi = 32,
-    ManagerLogin = 64,
-    ManagerLogout = 128,
-    ManagerBatch = 256,
+    SyncPrepare = 32,
+    ManagerCgi = 64,
+    ManagerLogin = 128,
+    ManagerLogout = 256,
+    ManagerBatch = 512,
+    ManagerPrepare = 1024,
+    AuthLogin = 2048,
 };
 
 // One request on its way through the service.
@@ -29,7 +32,9 @@ struct Request {
     Endpoint endpoint;
     std::string contentType;
     Fields query;
-    std::string userName;  // for the log; known after the session was found
+    // Known after the session was found: its user, and the computer that it was opened from, if it told.
+    std::string userName;
+    std::string device = {};
 };
 
 // What goes back: a JSON text, or something that the handler put into the response itself.

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "auth_query.h"
 #include "calls.h"
 #include "control.h"
 #include "log.h"
@@ -22,14 +23,17 @@ struct {
     {"cgi-bin/torvi/torvisrv_login.cgi", Endpoint::SyncLogin},
     {"cgi-bin/torvi/torvisrv_logout.cgi", Endpoint::SyncLogout},
     {"cgi-bin/torvi/upload.php", Endpoint::SyncBatch},
+    {"cgi-bin/torvi/torvisrvPrepare.cgi", Endpoint::SyncPrepare},
     {"cgi-bin/filemanager/utilRequest.cgi", Endpoint::ManagerCgi},
     {"cgi-bin/filemanager/wfm2Login.cgi", Endpoint::ManagerLogin},
     {"cgi-bin/filemanager/wfm2Logout.cgi", Endpoint::ManagerLogout},
     {"cgi-bin/filemanager/upload.php", Endpoint::ManagerBatch},
+    {"cgi-bin/filemanager/torviPrepare.cgi", Endpoint::ManagerPrepare},
+    {"cgi-bin/authLogin.cgi", Endpoint::AuthLogin},
 };
 
 bool isSync(Endpoint endpoint) {
-    return on(endpoint) <= on(Endpoint::SyncBatch);
+    return on(endpoint) <= on(Endpoint::SyncPrepare);
 }
 
 // The name under which a request is counted and logged.
@@ -44,6 +48,11 @@ std::string callName(Endpoint endpoint, const Fields& query) {
         case Endpoint::SyncBatch:
         case Endpoint::ManagerBatch:
             return "upload.php";
+        case Endpoint::SyncPrepare:
+        case Endpoint::ManagerPrepare:
+            return hasField(query, "func") ? field(query, "func") : "identity";
+        case Endpoint::AuthLogin:
+            return query.empty() ? "" : query[0].first;
         default:
             return query.empty() ? "version" : hasField(query, "func") ? field(query, "func") : "";
     }
@@ -158,6 +167,9 @@ Service::Service(const Options& options, Faults& faults)
       faults_(faults),
       tree_(options.root, options.users, options.teams),
       sessions_(options.sessionTtl, options.sessionFolder),
+      secondSteps_(options.tryLimit),
+      mailbox_(options.mailFolder),
+      booting_(options.booting),
       partials_(options.root, options.partialMaxAge),
       locks_(options.lockTtl),
       jobs_(options.jobDelay) {
@@ -175,6 +187,7 @@ const User& Service::authenticate(Request& request, const std::string& sid) {
         throw StatusError(Status::NotAuthenticated, "no such session");
     }
     request.userName = user->name;
+    request.device = sessions_.device(sid);
     return *user;
 }
 
@@ -207,10 +220,10 @@ Endpoint Service::findEndpoint(const std::string& path) const {
         if (rest != known.path) {
             continue;
         }
-        bool offered = (options_.sync || !isSync(known.endpoint)) &&
+        bool offered = ((options_.sync && !booting_) || !isSync(known.endpoint)) &&
                        (options_.fcgi || known.endpoint != Endpoint::SyncFcgi);
         bool mayBePrefixed = known.endpoint == Endpoint::SyncCgi || known.endpoint == Endpoint::SyncFcgi ||
-                             known.endpoint == Endpoint::SyncBatch;
+                             known.endpoint == Endpoint::SyncBatch || known.endpoint == Endpoint::SyncPrepare;
         if (!offered) {
             throw Refusal("this server doesn't have " + rest, 404);
         }
@@ -222,12 +235,30 @@ Endpoint Service::findEndpoint(const std::string& path) const {
     throw Refusal("nothing is served here", 404);
 }
 
+bool Service::sendToTls(const Request& request, const Call& call, httplib::Response& response) const {
+    const bool first =
+        call.name == "login" || call.name == "identity" || request.endpoint == Endpoint::AuthLogin;
+    if (!first || overTls(request.http)) {
+        return false;
+    }
+    const std::string host = request.http.get_header_value("Host");
+    response.status = 302;
+    response.set_header("Location", "https://" + host.substr(0, host.find(':')) + ":" +
+                                        std::to_string(tlsPort_) + request.http.target);
+    response.set_content("<html><body>This server wants TLS.</body></html>\n", "text/html");
+    return true;
+}
+
 void Service::serveCall(Request& request, httplib::Response& response, LedgerEntry& entry) {
     entry.func = callName(request.endpoint, request.query);
     const Call& call = findCall(request);
     entry.known = true;
     checkHeaders(request, call);
     requireShape(request.query, call.shapes, "query");
+    if (options_.redirectTls && sendToTls(request, call, response)) {
+        entry.http = response.status;
+        return;
+    }
     Answer answer;
     try {
         answer = call.serve(*this, request, response);
@@ -281,7 +312,9 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
             http, body ? &once : nullptr, findEndpoint(path), http.get_header_value("X-Body-Type"), {}, {}};
         size_t question = http.target.find('?');
         if (question != std::string::npos) {
-            request.query = decodeFields(http.target.substr(question + 1), "query");
+            const std::string query = http.target.substr(question + 1);
+            request.query = request.endpoint == Endpoint::AuthLogin ? decodeAuthQuery(query)
+                                                                    : decodeFields(query, "query");
             if (request.query.empty()) {
                 throw Refusal("empty query");
             }
@@ -297,7 +330,7 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
     if (!drained && wantsBody(http)) {
         drain(body);
     }
-    if (entry.http != 200) {
+    if (entry.http >= 400) {
         response.status = entry.http;
         response.set_content(nlohmann::json{{"error", entry.reason}}.dump(
                                  -1, ' ', false, nlohmann::json::error_handler_t::replace),
@@ -310,7 +343,7 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
     if (entry.status != LedgerEntry::kNoStatus) {
         line += " status=" + std::to_string(entry.status);
     }
-    if (entry.http != 200) {
+    if (entry.http >= 400) {
         line += " refused: " + entry.reason;
     } else if (!entry.reason.empty()) {
         line += " (" + entry.reason + ")";

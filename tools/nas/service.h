@@ -2,17 +2,23 @@
 
 #include <httplib.h>
 
+#include <atomic>
+
 #include "faults.h"
 #include "jobs.h"
 #include "ledger.h"
 #include "locks.h"
+#include "mailbox.h"
 #include "options.h"
 #include "partials.h"
 #include "request.h"
+#include "second_factor.h"
 #include "sessions.h"
 #include "tree.h"
 
 namespace nas {
+
+struct Call;
 
 // The protocol: finds the call that a request is, checks that it is exactly that call, runs it and answers.
 class Service {
@@ -26,6 +32,8 @@ public:
     const Options& options() const { return options_; }
     const Tree& tree() const { return tree_; }
     Sessions& sessions() { return sessions_; }
+    SecondSteps& secondSteps() { return secondSteps_; }
+    Mailbox& mailbox() { return mailbox_; }
     Locks& locks() { return locks_; }
     Partials& partials() { return partials_; }
     Jobs& jobs() { return jobs_; }
@@ -33,6 +41,10 @@ public:
     Ledger& ledger() { return ledger_; }
     int httpPort() const { return httpPort_; }
     int tlsPort() const { return tlsPort_; }
+
+    // While it boots, the sync service isn't there yet.
+    bool booting() const { return booting_; }
+    void endBoot() { booting_ = false; }
 
     // The user whose session this is; StatusError(NotAuthenticated) if there is none.
     const User& authenticate(Request& request, const std::string& sid);
@@ -42,11 +54,15 @@ public:
 private:
     void serveCall(Request& request, httplib::Response& response, LedgerEntry& entry);
     Endpoint findEndpoint(const std::string& path) const;
+    bool sendToTls(const Request& request, const Call& call, httplib::Response& response) const;
 
     const Options& options_;
     Faults& faults_;
     Tree tree_;
     Sessions sessions_;
+    SecondSteps secondSteps_;
+    Mailbox mailbox_;
+    std::atomic<bool> booting_;
     Partials partials_;
     Locks locks_;
     Ledger ledger_;

@@ -1,13 +1,18 @@
 #include "calls.h"
+#include "login.h"
 
 namespace nas {
+
+const User* checkPassword(Service& service, Request& request, const Fields& form) {
+    std::string password = decodeBase64(field(form, "pwd"), "form key \"pwd\"");
+    request.userName = field(form, "user");
+    return service.options().users.check(request.userName, password);
+}
 
 namespace {
 
 const User& checkLogin(Service& service, Request& request, const Fields& form) {
-    std::string password = decodeBase64(field(form, "pwd"), "form key \"pwd\"");
-    request.userName = field(form, "user");
-    const User* user = service.options().users.check(request.userName, password);
+    const User* user = checkPassword(service, request, form);
     if (!user) {
         throw StatusError(Status::NotAuthenticated, "wrong user or password");
     }
@@ -17,20 +22,24 @@ const User& checkLogin(Service& service, Request& request, const Fields& form) {
 const Shape kDeviceForm = {
     "user", "pwd", "nubo_user=1", "nubo_computer", "uid", "nubo_device_type", "Torvi_client_version"};
 
-void checkDevice(const Fields& form) {
-    for (const char* key : {"user", "nubo_computer", "uid", "Torvi_client_version"}) {
-        if (field(form, key).empty()) {
-            throw Refusal(std::string("form key \"") + key + "\" is empty");
-        }
+void requireText(const Fields& form, const char* key) {
+    if (field(form, key).empty()) {
+        throw Refusal(std::string("form key \"") + key + "\" is empty");
     }
+}
+
+void checkDevice(const Fields& form) {
+    requireText(form, "nubo_computer");
+    requireText(form, "uid");
     if (numberField(form, "nubo_device_type") < 0) {
         throw Refusal("form key \"nubo_device_type\" is negative");
     }
 }
 
-nlohmann::json welcome(Service& service, const User& user) {
+nlohmann::json welcome(Service& service, const User& user, const Fields& form) {
+    const std::string device = hasField(form, "nubo_computer") ? field(form, "nubo_computer") : "";
     return {{"status", number(Status::Ok)},
-            {"sid", service.sessions().open(user.name)},
+            {"sid", service.sessions().open(user.name, device)},
             {"admingroup", user.admin ? "1" : "0"},
             {"servername", service.options().serverName}};
 }
@@ -38,27 +47,43 @@ nlohmann::json welcome(Service& service, const User& user) {
 Answer syncLogin(Service& service, Request& request, httplib::Response&) {
     Fields form = readForm(request);
     requireShape(form, {kDeviceForm}, "form");
+    requireText(form, "user");
     checkDevice(form);
+    requireText(form, "Torvi_client_version");
     const User& user = checkLogin(service, request, form);
+    if (user.second.wanted()) {
+        // Only the file manager's login can say so.
+        throw StatusError(Status::NotAuthenticated, "the account wants a second step");
+    }
     const Options& options = service.options();
     nlohmann::json reply = {{"status", number(Status::Ok)}, {"nubo_cluster_status", options.clusterStatus}};
     // A node that isn't part of its cluster yet tells where it is, but opens no session.
-    if (options.clusterStatus == 0 || options.clusterStatus == 1) {
-        reply.update(welcome(service, user));
+    if (options.inCluster()) {
+        reply.update(welcome(service, user, form));
     }
     if (!options.slaveId.empty()) {
         reply["nubo_slave_id"] = options.slaveId;
     }
-    reply["peltnet_dn"] = "";
-    reply["ddns_dn"] = "";
-    reply["ext_ip"] = "";
+    reply["peltnet_dn"] = options.identity.peltnetName;
+    reply["ddns_dn"] = options.identity.ddnsName;
+    reply["ext_ip"] = options.identity.externalAddress;
     reply["local_ip"] = options.address;
     reply["local_ip_list"] = options.address;
     reply["port"] = service.httpPort();
     reply["sslPort"] = service.tlsPort();
-    reply["extPort"] = 0;
-    reply["extSslPort"] = 0;
+    reply["extPort"] = options.identity.externalPort;
+    reply["extSslPort"] = options.identity.externalTlsPort;
     return {reply};
+}
+
+Answer secondStepWanted(Service& service, const User& user) {
+    return {{{"status", number(Status::NotAuthenticated)},
+             {"need_2sv", 1},
+             {"lost_phone", static_cast<int>(user.second.step)},
+             {"emergency_try_count", service.secondSteps().count(user)},
+             {"emergency_try_limit", service.secondSteps().limit()}},
+            false,
+            "the account wants a second step"};
 }
 
 Answer managerLogin(Service& service, Request& request, httplib::Response&) {
@@ -67,7 +92,9 @@ Answer managerLogin(Service& service, Request& request, httplib::Response&) {
     if (form.size() > 2) {
         checkDevice(form);
     }
-    return {welcome(service, checkLogin(service, request, form))};
+    requireText(form, "user");
+    const User& user = checkLogin(service, request, form);
+    return user.second.wanted() ? secondStepWanted(service, user) : Answer{welcome(service, user, form)};
 }
 
 Answer logout(Service& service, Request& request, httplib::Response&) {

@@ -32,6 +32,15 @@ bool expired(const struct stat& info, std::chrono::seconds ttl) {
     return age >= std::chrono::milliseconds(ttl).count();
 }
 
+std::string readAll(int fd) {
+    std::string text;
+    char piece[512];
+    for (ssize_t n = 0; (n = ::read(fd, piece, sizeof piece)) > 0;) {
+        text.append(piece, static_cast<size_t>(n));
+    }
+    return text;
+}
+
 }  // namespace
 
 Sessions::Sessions(std::chrono::seconds ttl, std::string folder) : ttl_(ttl), folder_(std::move(folder)) {
@@ -45,18 +54,19 @@ std::string Sessions::file(const std::string& sid) const {
     return folder_ + "/" + sid;
 }
 
-std::string Sessions::open(const std::string& user) {
+std::string Sessions::open(const std::string& user, const std::string& device) {
     std::lock_guard<std::mutex> lock(mutex_);
     dropExpired();
     std::string sid = randomHex(kSidLength / 2);
     if (folder_.empty()) {
-        sessions_[sid] = {user, Clock::now()};
+        sessions_[sid] = {user, device, Clock::now()};
         return sid;
     }
     // Written aside and renamed: the other node must not see half a file.
     std::string aside = file(sid) + ".new";
     Fd fd(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!fd || ::write(fd.get(), user.data(), user.size()) != static_cast<ssize_t>(user.size()) ||
+    const std::string text = user + "\n" + device;
+    if (!fd || ::write(fd.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
         ::rename(aside.c_str(), file(sid).c_str()) != 0) {
         ::unlink(aside.c_str());
         throw std::runtime_error("cannot store a session in " + folder_);
@@ -90,10 +100,30 @@ std::string Sessions::use(const std::string& sid) {
         ::unlink(file(sid).c_str());
         return {};
     }
-    char name[512];
-    ssize_t length = ::read(fd.get(), name, sizeof name);
+    const std::string text = readAll(fd.get());
     ::futimens(fd.get(), nullptr);
-    return length > 0 ? std::string(name, static_cast<size_t>(length)) : std::string();
+    return text.substr(0, text.find('\n'));
+}
+
+std::string Sessions::device(const std::string& sid) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (folder_.empty()) {
+        auto it = sessions_.find(sid);
+        return it == sessions_.end() ? std::string() : it->second.device;
+    }
+    Fd fd(::open(file(sid).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    const std::string text = fd ? readAll(fd.get()) : std::string();
+    const size_t line = text.find('\n');
+    return line == std::string::npos ? std::string() : text.substr(line + 1);
+}
+
+std::string Sessions::ofSystem(const std::string& user) {
+    std::lock_guard<std::mutex> lock(systemMutex_);
+    std::string& sid = system_[user];
+    if (use(sid) != user) {
+        sid = open(user);
+    }
+    return sid;
 }
 
 bool Sessions::close(const std::string& sid) {

@@ -13,9 +13,14 @@ class Sessions {
 public:
     Sessions(std::chrono::seconds ttl, std::string folder);
 
-    std::string open(const std::string& user);
+    // The device is the computer's name, as the login told it.
+    std::string open(const std::string& user, const std::string& device = {});
     // The user's name, empty for an unknown or expired id.
     std::string use(const std::string& sid);
+    // The device of a session that was found.
+    std::string device(const std::string& sid);
+    // The system's own session for this user, the same as long as it lives.
+    std::string ofSystem(const std::string& user);
     bool close(const std::string& sid);
     void expireAll();
     size_t count();
@@ -24,6 +29,7 @@ private:
     using Clock = std::chrono::steady_clock;
     struct Session {
         std::string user;
+        std::string device;
         Clock::time_point lastUse;
     };
 
@@ -34,6 +40,8 @@ private:
     const std::string folder_;
     std::mutex mutex_;
     std::map<std::string, Session> sessions_;
+    std::mutex systemMutex_;
+    std::map<std::string, std::string> system_;
 };
 
 }  // namespace nas

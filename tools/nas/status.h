@@ -7,6 +7,7 @@ namespace nas {
 
 // The numbers that a reply's "status" carries.
 enum class Status {
+    WantsTls = -101,
     // The verdicts of a profile check. A client takes a folder that is gone as deleted.
     OtherContent = -43,  // size or time
     OtherType = -42,

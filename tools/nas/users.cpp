@@ -6,6 +6,10 @@
 
 namespace nas {
 
+bool sameSecret(const std::string& one, const std::string& other) {
+    return one.size() == other.size() && CRYPTO_memcmp(one.data(), other.data(), one.size()) == 0;
+}
+
 void Users::add(const std::string& rule) {
     size_t colon = rule.find(':');
     if (colon == std::string::npos || colon == 0) {
@@ -38,6 +42,15 @@ void Users::setQuota(const std::string& rule) {
     it->second.quota = std::stoll(rule.substr(colon + 1));
 }
 
+void Users::addSecondFactor(const std::string& rule) {
+    size_t colon = rule.find(':');
+    auto it = users_.find(rule.substr(0, colon));
+    if (colon == std::string::npos || it == users_.end()) {
+        throw std::invalid_argument("--second-factor wants name:factor of a known user, not " + rule);
+    }
+    it->second.second.add(rule.substr(colon + 1));
+}
+
 const User* Users::find(const std::string& name) const {
     auto it = users_.find(name);
     return it == users_.end() ? nullptr : &it->second;
@@ -45,11 +58,7 @@ const User* Users::find(const std::string& name) const {
 
 const User* Users::check(const std::string& name, const std::string& password) const {
     const User* user = find(name);
-    if (!user || user->password.size() != password.size() ||
-        CRYPTO_memcmp(user->password.data(), password.data(), password.size()) != 0) {
-        return nullptr;
-    }
-    return user;
+    return user && sameSecret(user->password, password) ? user : nullptr;
 }
 
 }  // namespace nas

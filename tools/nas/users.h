@@ -4,6 +4,8 @@
 #include <map>
 #include <string>
 
+#include "second_factor.h"
+
 namespace nas {
 
 struct User {
@@ -11,7 +13,11 @@ struct User {
     std::string password;
     bool admin = false;
     int64_t quota = -1;  // bytes that the home may hold; -1 is no limit
+    SecondFactor second;
 };
+
+// Takes as long whether they differ early or late.
+bool sameSecret(const std::string& one, const std::string& other);
 
 class Users {
 public:
@@ -19,6 +25,8 @@ public:
     void add(const std::string& rule);
     // "name:bytes".
     void setQuota(const std::string& rule);
+    // "name:" and what SecondFactor takes.
+    void addSecondFactor(const std::string& rule);
 
     const User* find(const std::string& name) const;
     // The user, if the password is right.
