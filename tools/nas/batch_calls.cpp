@@ -73,7 +73,7 @@ Answer batch(Service& service, Request& request, httplib::Response&) {
     for (Item& item : items) {
         Status status = Status::Ok;
         try {
-            item.receiver->commit();
+            item.receiver->commit(authorOf(request));
         } catch (const StatusError& error) {
             status = error.status();
             note += "; " + item.name + ": " + error.what();

@@ -13,6 +13,9 @@ const std::vector<Call>& allCalls() {
         addIdentityCalls(all);
         addListCalls(all);
         addStatCalls(all);
+        addStateCalls(all);
+        addLogCalls(all);
+        addQuotaCalls(all);
         addFileCalls(all);
         addJobCalls(all);
         addUploadCalls(all);
@@ -27,6 +30,12 @@ const std::vector<Call>& allCalls() {
 
 void understood(nlohmann::json& reply) {
     reply["success"] = "true";
+}
+
+void notSuccess(nlohmann::json& reply) {
+    if (reply["status"] == 0) {
+        reply["status"] = -1;
+    }
 }
 
 void requireNoPrefix(const Request& request) {

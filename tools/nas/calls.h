@@ -34,6 +34,9 @@ void addActivateCalls(std::vector<Call>& calls);
 void addIdentityCalls(std::vector<Call>& calls);
 void addListCalls(std::vector<Call>& calls);
 void addStatCalls(std::vector<Call>& calls);
+void addStateCalls(std::vector<Call>& calls);
+void addLogCalls(std::vector<Call>& calls);
+void addQuotaCalls(std::vector<Call>& calls);
 void addFileCalls(std::vector<Call>& calls);
 void addJobCalls(std::vector<Call>& calls);
 void addBatchCalls(std::vector<Call>& calls);
@@ -53,6 +56,8 @@ constexpr int number(Status status) {
 
 // Clients of most calls read the status only if "success" is true: it says that the request was understood.
 void understood(nlohmann::json& reply);
+// Where success is 0, a failure without a number of its own needs one.
+void notSuccess(nlohmann::json& reply);
 
 // Refuses a slave prefix, for the calls that no other node serves.
 void requireNoPrefix(const Request& request);

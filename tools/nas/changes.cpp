@@ -108,20 +108,17 @@ void requireFreeName(Service& service, const User& user, const Folder& folder, c
 }
 
 int64_t roomIn(Service& service, const Folder& folder) {
-    const User* owner = folder.home.empty() ? nullptr : service.options().users.find(folder.home);
+    if (folder.home.empty()) {
+        const Volume* volume = service.options().volumes.find(folder.share);
+        return volume ? std::max<int64_t>(0, volume->limit - usedInShare(service, volume->share)) : -1;
+    }
+    const User* owner = service.options().users.find(folder.home);
     // Work on versions costs nothing until it is committed.
     const bool atVersions = !folder.below.empty() && folder.below[0] == kVersions;
     if (!owner || owner->quota < 0 || atVersions) {
         return -1;
     }
-    Fd home = service.tree().openHome(owner->name);
-    int64_t used = sumBelow(home.get());
-    try {
-        used -= sumBelow(openFolderAt(home.get(), kVersions).get());
-    } catch (const StatusError&) {
-        // No versions yet.
-    }
-    return std::max<int64_t>(0, owner->quota - used);
+    return std::max<int64_t>(0, owner->quota - usedInHome(service, owner->name));
 }
 
 void carry(const Place& place, const Folder& target, const Progress& progress) {

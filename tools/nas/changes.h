@@ -27,7 +27,7 @@ void requireWritable(Service& service, const User& user, const Folder& folder);
 void requireMovable(const Place& place);
 // Throws Exists or FolderExists if the name is taken.
 void requireFreeName(Service& service, const User& user, const Folder& folder, const std::string& name);
-// The bytes that the quota of a folder's home leaves; -1 where there is no limit.
+// The bytes that the quota of a folder's home, or its volume, leaves; -1 where there is no limit.
 int64_t roomIn(Service& service, const Folder& folder);
 
 // Takes something to another folder: at once where one volume holds both, else by copying it first.

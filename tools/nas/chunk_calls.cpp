@@ -114,13 +114,6 @@ Answer chunkedUpload(Service& service, Request& request, httplib::Response&) {
     return {{{"status", number(Status::Ok)}, {"size", size}}, false, size + " bytes held"};
 }
 
-// Success is 0 in these replies, so a failure without a number of its own needs one.
-void notSuccess(nlohmann::json& reply) {
-    if (reply["status"] == 0) {
-        reply["status"] = -1;
-    }
-}
-
 }  // namespace
 
 void addChunkCalls(std::vector<Call>& calls) {

@@ -30,6 +30,9 @@ nlohmann::json stateOf(Service& service) {
             {"partials", service.partials().count()},
             {"locks", service.locks().count()},
             {"jobs", service.jobs().count()},
+            {"changes", service.changeLog().count()},
+            {"last_change", service.changeLog().newest()},
+            {"sync_runs", service.syncRuns().toJson()},
             {"slave_id", service.options().slaveId},
             {"http_port", service.httpPort()},
             {"tls_port", service.tlsPort()}};

@@ -24,6 +24,7 @@ Answer createDir(Service& service, Request& request, httplib::Response&) {
     if (::mkdirat(folder.fd.get(), name.c_str(), 0755) != 0) {
         throw errnoError(errno, name);
     }
+    service.changeLog().add({Action::Made, true, placeOf(folder, name), "", authorOf(request)});
     return done("made " + name);
 }
 
@@ -45,6 +46,8 @@ Answer remove(Service& service, Request& request, httplib::Response&) {
     const User& user = service.authenticate(request, field(request.query, "sid"));
     Place place = findChangeable(service, user, field(form, "path"), field(form, "file_name"), form);
     bool kept = discard(service, place);
+    service.changeLog().add(
+        {Action::Deleted, place.entry.isFolder, placeOf(place.folder, place.name), "", authorOf(request)});
     return done(place.name + (kept ? " to the recycle folder" : " for good"));
 }
 
@@ -58,6 +61,8 @@ Answer rename(Service& service, Request& request, httplib::Response&) {
     requireMovable(place);
     requireFreeName(service, user, place.folder, name);
     renameInto(place.folder.fd.get(), place.name, place.folder.fd.get(), name, false);
+    service.changeLog().add({Action::Renamed, place.entry.isFolder, placeOf(place.folder, name),
+                             placeOf(place.folder, place.name), authorOf(request)});
     return done(place.name + " to " + name);
 }
 

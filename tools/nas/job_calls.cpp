@@ -35,6 +35,24 @@ Haul planMove(Service& service, Request& request, const Fields& form) {
     return haul;
 }
 
+void carryAndTell(Service& service, const Haul& haul, const Author& author, const Progress& progress) {
+    const Place& place = haul.place;
+    carry(place, haul.target, progress);
+    service.changeLog().add({Action::Moved, place.entry.isFolder, placeOf(haul.target, place.name),
+                             placeOf(place.folder, place.name), author});
+}
+
+void recoverAndTell(Service& service, const Place& place, bool overwrite, const Author& author,
+                    const Progress& progress) {
+    recover(service, place, overwrite, progress);
+    Folder former;
+    former.share = place.folder.share;
+    former.home = place.folder.home;
+    former.below = formerPlace(place.folder);
+    service.changeLog().add(
+        {Action::Recovered, place.entry.isFolder, placeOf(former, place.name), "", author});
+}
+
 // Only the file manager keeps jobs that ended until they are cleared.
 int startJob(Service& service, const Request& request, const std::string& name, Jobs::Work work) {
     const bool keep = request.endpoint == Endpoint::ManagerCgi;
@@ -55,14 +73,16 @@ Answer move(Service& service, Request& request, httplib::Response&) {
     Fields form = readForm(request);
     requireShape(form, shapes, "form");
     auto haul = std::make_shared<Haul>(planMove(service, request, form));
+    const Author author = authorOf(request);
     nlohmann::json reply = {{"status", number(Status::Ok)}, {"success", "true"}};
     if (atOnce) {
-        carry(haul->place, haul->target, [](int64_t, int64_t) {});
+        carryAndTell(service, *haul, author, [](int64_t, int64_t) {});
         return {reply, false, haul->place.name + " at once"};
     }
-    const int pid = startJob(service, request, haul->place.name, [haul](const Progress& progress) {
-        carry(haul->place, haul->target, progress);
-    });
+    const int pid =
+        startJob(service, request, haul->place.name, [&service, haul, author](const Progress& progress) {
+            carryAndTell(service, *haul, author, progress);
+        });
     reply["pid"] = pid;
     return {reply, false, haul->place.name + " as job " + std::to_string(pid)};
 }
@@ -83,9 +103,10 @@ Answer trashRecovery(Service& service, Request& request, httplib::Response&) {
     }
     place->entry = *entry;
     requireRecoverable(service, *place, mode == 1);
-    const int pid = startJob(
-        service, request, place->name,
-        [&service, place, mode](const Progress& progress) { recover(service, *place, mode == 1, progress); });
+    const int pid = startJob(service, request, place->name,
+                             [&service, place, mode, author = authorOf(request)](const Progress& progress) {
+                                 recoverAndTell(service, *place, mode == 1, author, progress);
+                             });
     return {{{"status", number(Status::Ok)}, {"pid", std::to_string(pid)}},
             false,
             place->name + " as job " + std::to_string(pid)};

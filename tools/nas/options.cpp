@@ -52,6 +52,7 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> users;
     std::vector<std::string> quotas;
     std::vector<std::string> teams;
+    std::vector<std::string> volumes;
     std::vector<std::string> faults;
     std::vector<std::string> secondFactors;
     std::vector<std::string> questionTexts;
@@ -82,6 +83,11 @@ int readOptions(int argc, char** argv, Options& options) {
         ->needs(certificate);
     app.add_option("--user", users, "name:password or name:password:admin, repeatable");
     app.add_option("--quota", quotas, "name:bytes that the user's home may hold, repeatable");
+    app.add_option("--volume", volumes, "share:bytes of a share on a volume of its own, repeatable");
+    app.add_option("--veto", options.veto, "Pattern of names that must not be synced, repeatable");
+    app.add_option("--changes-kept", options.changesKept, "Changes that the log keeps")
+        ->capture_default_str()
+        ->check(CLI::Range(1LL, 1000000LL));
     app.add_option("--team", teams,
                    "owner:/path:receiver[:ro] shares a folder as vtf://<owner>-<leaf>/, repeatable");
     app.add_option("--second-factor", secondFactors,
@@ -137,6 +143,12 @@ int readOptions(int argc, char** argv, Options& options) {
         options.identity.withoutSync.insert(withoutSync.begin(), withoutSync.end());
         for (const std::string& rule : quotas) options.users.setQuota(rule);
         for (const std::string& rule : teams) options.teams.add(rule);
+        for (const std::string& rule : volumes) options.volumes.add(rule);
+        for (const std::string& pattern : options.veto) {
+            if (pattern.empty() || pattern.find('/') != std::string::npos) {
+                throw std::invalid_argument("--veto wants a pattern of names, not " + pattern);
+            }
+        }
         for (const std::string& rule : faults) options.faults.push_back(parseFaultRule(rule));
         if (options.certificate.empty() != options.key.empty()) {
             throw std::invalid_argument("--cert and --key go together");

@@ -9,6 +9,7 @@
 #include "second_factor.h"
 #include "teams.h"
 #include "users.h"
+#include "volumes.h"
 
 namespace nas {
 
@@ -41,6 +42,9 @@ struct Options {
     bool fcgi = true;
     Users users;
     Teams teams;
+    Volumes volumes;
+    std::vector<std::string> veto;
+    long long changesKept = 10000;
     std::vector<Fault> faults;
 
     // Whether this node serves, alone or in its cluster.

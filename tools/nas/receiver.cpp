@@ -80,7 +80,7 @@ void Receiver::settle() {
     guard([&] { file_->settle(); });
 }
 
-void Receiver::commit() {
+void Receiver::commit(const Author& author) {
     if (!failure_ && plan_.more && size_ == plan_.expected) {
         discard();
         throw Refusal("query key \"multipart\" on the slice that ends the file");
@@ -96,11 +96,14 @@ void Receiver::commit() {
                                                   std::to_string(size_) + " bytes came");
         }
         // Others may have taken the room meanwhile.
-        if (room_ >= 0 && size_ > room(service_.tree().lookup(*plan_.user, *plan_.target, name_))) {
+        const std::optional<Entry> old = service_.tree().lookup(*plan_.user, *plan_.target, name_);
+        if (room_ >= 0 && size_ > room(old)) {
             throw StatusError(Status::Quota, "the quota of " + plan_.target->home + " is used up");
         }
         service_.locks().requireFree(plan_.user->name, *plan_.target, name_);
         file_->commit(plan_.target->fd.get(), name_, plan_.overwrite, plan_.mtime);
+        service_.changeLog().add(
+            {old ? Action::NewContent : Action::Made, false, placeOf(*plan_.target, name_), "", author});
     });
     if (failure_) {
         throw *failure_;
@@ -152,7 +155,7 @@ void receive(Request& request, const std::string& closing, Receiver& receiver) {
         receiver.discard();
         throw;
     }
-    receiver.commit();
+    receiver.commit(authorOf(request));
 }
 
 std::string targetFolder(const Fields& query, Plan& plan) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "change_log.h"
 #include "changes.h"
 #include "growing_file.h"
 #include "multipart.h"
@@ -36,7 +37,7 @@ public:
     void data(const char* bytes, size_t length);
     // No more data.
     void settle();
-    void commit();
+    void commit(const Author& author);
     // The body isn't the protocol's: nothing of it counts.
     void discard();
 

@@ -1,6 +1,7 @@
 #include "service.h"
 
 #include <cstdlib>
+#include <filesystem>
 
 #include "auth_query.h"
 #include "calls.h"
@@ -171,6 +172,9 @@ Service::Service(const Options& options, Faults& faults)
       mailbox_(options.mailFolder),
       booting_(options.booting),
       partials_(options.root, options.partialMaxAge),
+      changeLog_(options.root, static_cast<size_t>(options.changesKept)),
+      nodes_(options.sessionFolder, {options.slaveId, options.serverName,
+                                     std::filesystem::absolute(options.root).lexically_normal().string()}),
       locks_(options.lockTtl),
       jobs_(options.jobDelay) {
     Version::dropOld(*this, options.partialMaxAge);

@@ -4,16 +4,20 @@
 
 #include <atomic>
 
+#include "change_log.h"
+#include "disk_space.h"
 #include "faults.h"
 #include "jobs.h"
 #include "ledger.h"
 #include "locks.h"
 #include "mailbox.h"
+#include "nodes.h"
 #include "options.h"
 #include "partials.h"
 #include "request.h"
 #include "second_factor.h"
 #include "sessions.h"
+#include "sync_runs.h"
 #include "tree.h"
 
 namespace nas {
@@ -35,6 +39,10 @@ public:
     SecondSteps& secondSteps() { return secondSteps_; }
     Mailbox& mailbox() { return mailbox_; }
     Locks& locks() { return locks_; }
+    ChangeLog& changeLog() { return changeLog_; }
+    SyncRuns& syncRuns() { return syncRuns_; }
+    FolderSizes& folderSizes() { return folderSizes_; }
+    const Nodes& nodes() const { return nodes_; }
     Partials& partials() { return partials_; }
     Jobs& jobs() { return jobs_; }
     Faults& faults() { return faults_; }
@@ -64,6 +72,10 @@ private:
     Mailbox mailbox_;
     std::atomic<bool> booting_;
     Partials partials_;
+    ChangeLog changeLog_;
+    SyncRuns syncRuns_;
+    FolderSizes folderSizes_;
+    Nodes nodes_;
     Locks locks_;
     Ledger ledger_;
     int httpPort_ = 0;

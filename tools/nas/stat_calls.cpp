@@ -36,6 +36,12 @@ Answer stat(Service& service, Request& request, httplib::Response&) {
         service.tree().setTime(user, folder, name, numberField(query, "mtime"));
     }
     std::optional<Entry> entry = service.tree().lookup(user, folder, name);
+    if (hasField(query, "settime") && entry) {
+        const Folder itself = folder.shares ? service.tree().open(user, "/" + name) : Folder();
+        service.changeLog().add({Action::TimeSet, entry->isFolder,
+                                 folder.shares ? placeOf(itself, "") : placeOf(folder, name), "",
+                                 authorOf(request)});
+    }
     nlohmann::json json;
     if (entry) {
         entry->name = shown;

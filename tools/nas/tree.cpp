@@ -121,6 +121,11 @@ Fd Tree::openHome(const std::string& name) const {
     return openFolderAt(homes_.get(), name);
 }
 
+Fd Tree::openRootFolder(const std::string& name) const {
+    checkName(name);
+    return openFolderAt(root_.get(), name);
+}
+
 bool Tree::homeExists(const User& user) const {
     struct stat info {};
     return ::fstatat(homes_.get(), user.name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&

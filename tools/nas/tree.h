@@ -55,6 +55,8 @@ public:
 
     Folder open(const User& user, const std::string& path) const;
     Fd openHome(const std::string& name) const;
+    // A share, whoever asks.
+    Fd openRootFolder(const std::string& name) const;
     bool homeExists(const User& user) const;
 
     std::vector<Entry> list(const User& user, const Folder& folder) const;

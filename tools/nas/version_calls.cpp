@@ -178,9 +178,13 @@ Answer commit(Service& service, Request& request, httplib::Response&) {
     }
     const int64_t left = roomIn(service, *subject.folder);
     const int64_t room = left >= 0 ? left + file.entry.size : left;
-    return startWork(service, request, lock, subject.name, number(Status::Ok),
-                     [version, mtime, room, folder = subject.folder, name = subject.name](
-                         const Progress& progress) { version.commit(folder, name, mtime, room, progress); });
+    return startWork(
+        service, request, lock, subject.name, number(Status::Ok),
+        [&service, version, mtime, room, folder = subject.folder, name = subject.name,
+         author = authorOf(request)](const Progress& progress) {
+            version.commit(folder, name, mtime, room, progress);
+            service.changeLog().add({Action::NewContent, false, placeOf(*folder, name), "", author});
+        });
 }
 
 // Clients read nothing but "exist".
