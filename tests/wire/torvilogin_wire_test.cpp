@@ -11,20 +11,6 @@ using namespace wire;
 
 namespace {
 
-std::wstring slaveOf(const _WFM_AUTH_CONTEXT* context) {
-    wchar_t id[260];
-    uint32_t capacity = 260;
-    EXPECT_EQ(WFMGetSlaveID(context, &capacity, id), 0u);
-    return id;
-}
-
-std::wstring sidOf(const _WFM_AUTH_CONTEXT* context) {
-    wchar_t sid[260];
-    uint32_t capacity = 260;
-    EXPECT_EQ(WFMGetSid(context, &capacity, sid), 0u);
-    return sid;
-}
-
 const char* const kGood = R"({"status":1,"sid":"abc","admingroup":"1","servername":"nas-1"})";
 const char* const kRefusedLine = "TorviLogin: Failed to allocate memory pSid";
 const char* const kSummary14 = "[WFM] TorviLogin failed dwStatus(14)";
