@@ -1,33 +1,32 @@
+#include <WebFileManShareAPI.h>
+
 #include <memory>
 
 #include "failure.h"
+#include "keptsession.h"
 #include "options.h"
 #include "output.h"
 #include "password.h"
 #include "profile.h"
+#include "serverversion.h"
 #include "session.h"
-#include "signals.h"
 #include "status.h"
 
 namespace torvi {
 namespace {
 
-void login(const GlobalOptions& global, bool savePassword) {
-    const Connection connection = resolveConnection(global, Needs::Login);
-    Json json;
-    QString greeting;
-    {
-        const Session session(connection);
-        greeting = QStringLiteral("Logged in to %1 as %2").arg(connection.address(), connection.user);
-        if (!session.serverName().isEmpty()) greeting += QStringLiteral(" (%1)").arg(session.serverName());
-        json["server"] = utf8(connection.server);
-        json["port"] = connection.port;
-        json["tls"] = connection.tls;
-        json["user"] = utf8(connection.user);
-        json["serverName"] = utf8(session.serverName());
-        json["admin"] = session.isAdmin();
-        json["clusterNode"] = session.isSlave();
-    }
+/// What later commands know the server again by, if it tells.
+void learnIdentity(const Session& session, Profile& profile) {
+    const auto record = std::make_unique<_NAS_USER_UID_INFORMATION>();
+    const uint32_t dwStatus =
+        WebFileManQueryUID(session.context(), session.server(), session.port(), nullptr, record.get());
+    if (dwStatus != 0) return;
+    profile.uid = QString::fromWCharArray(record->szUID);
+    // One that is booting has none for the moment only.
+    if (record->bNuboCGI) profile.olderService = false;
+}
+
+Profile profileOf(const Connection& connection, bool savePassword) {
     Profile profile;
     profile.server = connection.server;
     profile.port = connection.port;
@@ -37,51 +36,105 @@ void login(const GlobalOptions& global, bool savePassword) {
     profile.proxyUser = connection.proxyUser;
     profile.node = connection.node;
     profile.fcgi = connection.fcgi;
+    profile.olderService = connection.olderService;
     profile.teams = connection.teams;
     if (savePassword) {
-        profile.password = connection.password;
+        profile.password = connection.password.text();
         if (!connection.proxyPassword.isEmpty()) profile.proxyPassword = connection.proxyPassword;
     }
+    return profile;
+}
+
+const char* serviceText(Service service) {
+    return service == Service::Sync ? "sync" : "older";
+}
+
+void login(const GlobalOptions& global, bool savePassword) {
+    Connection wanted = resolveConnection(global, Needs::Login);
+    // A login finds out anew what the server has.
+    wanted.olderService = false;
+    const Session session(wanted, Keep::FromNowOn);
+    const Connection& connection = session.connection();
+    Profile profile = profileOf(connection, savePassword);
+    learnIdentity(session, profile);
     saveProfile(profile);
-    json["profile"] = utf8(profilePath());
-    json["passwordSaved"] = savePassword;
-    if (global.json) return printJson(json);
+    if (global.json) {
+        return printJson(Json{{"server", utf8(connection.server)},
+                              {"port", connection.port},
+                              {"tls", connection.tls},
+                              {"user", utf8(connection.user)},
+                              {"serverName", utf8(session.serverName())},
+                              {"admin", session.isAdmin()},
+                              {"clusterNode", session.isSlave()},
+                              {"service", serviceText(session.service())},
+                              {"sessionKept", session.isKept()},
+                              {"profile", utf8(profilePath())},
+                              {"passwordSaved", savePassword}});
+    }
     if (global.quiet) return;
+    QString greeting = QStringLiteral("Logged in to %1 as %2").arg(connection.address(), connection.user);
+    if (!session.serverName().isEmpty()) greeting += QStringLiteral(" (%1)").arg(session.serverName());
     printLine(greeting);
+    printLine(session.isKept() ? QStringLiteral("The session is kept for later commands")
+                               : QStringLiteral("At the older service: each command logs in by itself"));
     printLine(QStringLiteral("Profile stored in %1, %2")
                   .arg(profilePath(), savePassword ? QStringLiteral("with the password")
                                                    : QStringLiteral("without the password")));
 }
 
-void logout(const GlobalOptions& global) {
-    const bool removed = removeProfile();
-    if (global.json) return printJson(Json{{"profile", utf8(profilePath())}, {"removed", removed}});
+/// Whose sessions a logout is to end: those of the server that is named or stored, or all.
+std::vector<Connection> loggedIn(const GlobalOptions& global, bool all) {
+    try {
+        const Connection connection = resolveConnection(global, Needs::Server);
+        return all ? KeptSession::all(connection) : std::vector<Connection>{connection};
+    } catch (const Failure&) {
+        // No server, or no profile that can be read. It goes all the same.
+        return all ? KeptSession::all(Connection()) : std::vector<Connection>();
+    }
+}
+
+/// Whether the profile belongs to another server than the one that is named.
+bool speaksOfAnother(const GlobalOptions& global) {
+    try {
+        const std::optional<Profile> profile = loadProfile();
+        return profile && global.server && QString::fromStdString(*global.server) != profile->server;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+void logout(const GlobalOptions& global, bool all) {
+    int ended = 0;
+    int lost = 0;
+    for (const Connection& connection : loggedIn(global, all)) {
+        const std::optional<bool> outcome = endKeptSession(connection);
+        if (outcome) ++(*outcome ? ended : lost);
+    }
+    const bool removed = !speaksOfAnother(global) && removeProfile();
+    if (global.json) {
+        return printJson(Json{{"profile", utf8(profilePath())},
+                              {"removed", removed},
+                              {"sessionsEnded", ended},
+                              {"sessionsLost", lost}});
+    }
     if (global.quiet) return;
-    printLine(removed ? QStringLiteral("Profile removed") : QStringLiteral("There is no profile"));
+    if (ended > 0) printLine(QStringLiteral("Session ended"));
+    if (lost > 0) printLine(QStringLiteral("Session forgotten; the server did not hear of it"));
+    printLine(removed ? QStringLiteral("Profile removed") : QStringLiteral("There is no such profile"));
 }
 
 void version(const GlobalOptions& global) {
     const Connection connection = resolveConnection(global, Needs::Server);
-    const auto record = std::make_unique<_WFM_VERSION_INFORMATION>();
-    uint32_t word = 0;
-    const uint32_t dwStatus = WFMGetVersion(
-        wide(connection.server).c_str(), static_cast<uint32_t>(connection.port), agentName(), connection.tls,
-        connection.proxyMode, wide(connection.proxyHost).c_str(), wide(connection.proxyUser).c_str(),
-        wide(connection.proxyPassword).c_str(), L"", 0, &word, record.get());
     const QString what = QStringLiteral("version of %1").arg(connection.address());
-    if (dwStatus != 0 || word != 0) {
-        if (interrupted()) throwCancelled(what);
-        throw callFailure(what, dwStatus, word);
-    }
-    const QString number = QString::fromWCharArray(record->szVersion);
-    const QString build = QString::fromWCharArray(record->szBuildNumber);
+    const ServerVersion version = askVersion(connection, what);
+    if (version.dwStatus != 0 || version.word != 0) throw callFailure(what, version.dwStatus, version.word);
     if (global.json) {
         return printJson(Json{{"server", utf8(connection.server)},
                               {"port", connection.port},
-                              {"version", utf8(number)},
-                              {"build", utf8(build)}});
+                              {"version", utf8(version.number)},
+                              {"build", utf8(version.build)}});
     }
-    printLine(QStringLiteral("%1 build %2").arg(number, build));
+    printLine(QStringLiteral("%1 build %2").arg(version.number, version.build));
 }
 
 }  // namespace
@@ -91,7 +144,7 @@ void addSessionCommands(const Commands& commands) {
     Action& action = commands.action;
 
     CLI::App* loginCommand =
-        commands.app.add_subcommand("login", "Check a login and store it as the profile");
+        commands.app.add_subcommand("login", "Begin a session for later commands, and store the profile");
     auto savePassword = std::make_shared<bool>(false);
     loginCommand->add_flag("--save-password", *savePassword,
                            "Keep the password in the profile, in clear, readable by you alone");
@@ -99,8 +152,11 @@ void addSessionCommands(const Commands& commands) {
         action = [&global, savePassword] { login(global, *savePassword); };
     });
 
-    CLI::App* logoutCommand = commands.app.add_subcommand("logout", "Remove the stored profile");
-    logoutCommand->callback([&global, &action] { action = [&global] { logout(global); }; });
+    CLI::App* logoutCommand =
+        commands.app.add_subcommand("logout", "End the kept session and remove the stored profile");
+    auto all = std::make_shared<bool>(false);
+    logoutCommand->add_flag("--all", *all, "End the sessions at other servers, too");
+    logoutCommand->callback([&global, &action, all] { action = [&global, all] { logout(global, *all); }; });
 
     CLI::App* versionCommand =
         commands.app.add_subcommand("version", "Tell the server's version; needs no login");

@@ -16,31 +16,6 @@ QString text(const std::optional<std::string>& value) {
     return QString::fromStdString(value.value_or(""));
 }
 
-void resolveProxy(Connection& connection) {
-    QString proxy = connection.proxy;
-    if (proxy.isEmpty() || proxy == QLatin1String("none")) return;
-    if (proxy == QLatin1String("system")) {
-        QNetworkProxyFactory::setUseSystemConfiguration(true);
-        connection.proxyMode = 1;
-        return;
-    }
-    if (proxy.startsWith(QLatin1String("http://"))) proxy.remove(0, 7);
-    if (proxy.endsWith(QLatin1Char('/'))) proxy.chop(1);
-    const int colon = proxy.lastIndexOf(QLatin1Char(':'));
-    bool numeric = false;
-    const int port = proxy.mid(colon + 1).toInt(&numeric);
-    // The library reads this port into 16 bits with a sign.
-    constexpr int kHighestPort = std::numeric_limits<short>::max();
-    if (colon < 1 || !numeric || port < 1 || port > kHighestPort) {
-        throw Failure(Exit::Usage,
-                      QStringLiteral("--proxy: %1 is neither none nor system nor HOST:PORT with a port "
-                                     "from 1 to %2")
-                          .arg(connection.proxy, QString::number(kHighestPort)));
-    }
-    connection.proxyMode = 2;
-    connection.proxyHost = proxy;
-}
-
 void resolveProxyPassword(Connection& connection, const GlobalOptions& options,
                           const std::optional<Profile>& own) {
     if (connection.proxyMode != 2 || connection.proxyUser.isEmpty()) return;
@@ -57,24 +32,51 @@ void resolveProxyPassword(Connection& connection, const GlobalOptions& options,
     }
 }
 
-void resolvePassword(Connection& connection, const GlobalOptions& options,
+QString findPassword(const Connection& connection, const std::optional<std::string>& file,
                      const std::optional<Profile>& own) {
     // A kept password goes to the place that it was kept for, and never in clear where it went over TLS.
     const bool kept = own && own->password && own->user == connection.user && own->port == connection.port &&
                       (connection.tls || !own->tls);
-    if (options.passwordFile) {
-        connection.password = readPasswordFile(text(options.passwordFile));
-    } else if (const char* password = std::getenv("TORVI_PASSWORD")) {
-        connection.password = QString::fromUtf8(password);
-    } else if (kept) {
-        connection.password = *own->password;
-    } else {
-        connection.password =
-            askPassword(QStringLiteral("Password of %1 at %2: ").arg(connection.user, connection.address()));
-    }
+    if (file) return readPasswordFile(text(file));
+    if (const char* password = std::getenv("TORVI_PASSWORD")) return QString::fromUtf8(password);
+    if (kept) return *own->password;
+    return askPassword(QStringLiteral("Password of %1 at %2: ").arg(connection.user, connection.address()));
 }
 
 }  // namespace
+
+void Connection::useProxy(const QString& text) {
+    proxy = text;
+    if (text.isEmpty() || text == QLatin1String("none")) return;
+    if (text == QLatin1String("system")) {
+        QNetworkProxyFactory::setUseSystemConfiguration(true);
+        proxyMode = 1;
+        return;
+    }
+    QString address = text;
+    if (address.startsWith(QLatin1String("http://"))) address.remove(0, 7);
+    if (address.endsWith(QLatin1Char('/'))) address.chop(1);
+    const int colon = address.lastIndexOf(QLatin1Char(':'));
+    bool numeric = false;
+    const int number = address.mid(colon + 1).toInt(&numeric);
+    // The library reads this port into 16 bits with a sign.
+    constexpr int kHighestPort = std::numeric_limits<short>::max();
+    if (colon < 1 || !numeric || number < 1 || number > kHighestPort) {
+        throw Failure(Exit::Usage,
+                      QStringLiteral("--proxy: %1 is neither none nor system nor HOST:PORT with a port "
+                                     "from 1 to %2")
+                          .arg(text, QString::number(kHighestPort)));
+    }
+    proxyMode = 2;
+    proxyHost = address;
+}
+
+bool Connection::goToTls() {
+    if (tls || tlsPort == 0) return false;
+    tls = true;
+    port = tlsPort;
+    return true;
+}
 
 const wchar_t* agentName() {
     return L"torvi";
@@ -96,20 +98,26 @@ Connection resolveConnection(const GlobalOptions& options, Needs needs) {
     const bool sameScheme = own && profile.tls == connection.tls;
     const int defaultPort = connection.tls ? 443 : 8080;
     connection.port = options.port.value_or(sameScheme && profile.port > 0 ? profile.port : defaultPort);
+    connection.tlsPort = options.tlsPort.value_or(0);
     connection.user = options.user ? text(options.user) : profile.user;
-    connection.proxy = options.proxy ? text(options.proxy) : profile.proxy;
     connection.proxyUser = options.proxyUser ? text(options.proxyUser) : profile.proxyUser;
     connection.node = options.node ? text(options.node) : profile.node;
     connection.fcgi = options.fcgi.value_or(profile.fcgi);
+    // What the profile knows of the server holds at the port where it was learned.
+    const bool samePlace = sameScheme && connection.port == profile.port;
+    connection.olderService = samePlace && profile.olderService;
+    connection.uid = samePlace ? profile.uid : QString();
+    connection.secondFactor = {text(options.code), text(options.answer), options.mail};
     connection.teams = options.teams.empty() ? profile.teams : parseTeamFolders(options.teams);
     connection.timeoutMs = static_cast<uint32_t>(std::lround(options.timeoutSeconds * 1000));
 
-    resolveProxy(connection);
+    connection.useProxy(options.proxy ? text(options.proxy) : profile.proxy);
     if (needs == Needs::Login && connection.user.isEmpty()) {
         throw Failure(Exit::Usage, QStringLiteral("no user: give --user, or store one with `torvi login`"));
     }
     resolveProxyPassword(connection, options, own);
-    if (needs == Needs::Login) resolvePassword(connection, options, own);
+    connection.password = Password(
+        [connection, file = options.passwordFile, own] { return findPassword(connection, file, own); });
     return connection;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "recordlist.h"
 #include "signals.h"
 #include "status.h"
 
@@ -12,30 +13,14 @@ constexpr uint32_t kNoMoreFiles = 18;
 // The node of the tree under which all shares stand.
 constexpr const wchar_t* kShareRoot = L"share_root";
 
-/// The array that a listing hands over, with its records.
-class RecordList {
-public:
-    RecordList() = default;
-    ~RecordList() {
-        for (uint32_t i = 0; m_list != nullptr && i < m_count; ++i) delete m_list[i];
-        delete[] m_list;
-    }
-    RecordList(const RecordList&) = delete;
-    RecordList& operator=(const RecordList&) = delete;
+using PathList = RecordList<_WFM_PATH_INFORMATION>;
 
-    uint32_t* count() { return &m_count; }
-    _WFM_PATH_INFORMATION*** list() { return &m_list; }
-    void appendTo(std::vector<Entry>& entries) const {
-        for (uint32_t i = 0; m_list != nullptr && i < m_count; ++i) entries.push_back(toEntry(*m_list[i]));
-    }
-
-private:
-    uint32_t m_count = 0;
-    _WFM_PATH_INFORMATION** m_list = nullptr;
-};
+void append(std::vector<Entry>& entries, const PathList& list) {
+    for (const auto* record : list.records()) entries.push_back(toEntry(*record));
+}
 
 std::vector<Entry> listShares(const Session& session, const QString& what) {
-    RecordList records;
+    PathList records;
     uint32_t word = 0;
     const uint32_t dwStatus = WFMGetFolderList(session.context(), session.server(), session.port(),
                                                session.node(), kName | kIsFolder | kAccess, kShareRoot,
@@ -43,7 +28,7 @@ std::vector<Entry> listShares(const Session& session, const QString& what) {
     if (interrupted()) throwCancelled(what);
     if (dwStatus != 0 || word != 0) throw callFailure(what, dwStatus, word);
     std::vector<Entry> entries;
-    records.appendTo(entries);
+    append(entries, records);
     return entries;
 }
 
@@ -65,12 +50,18 @@ Listing listFolder(const Session& session, const ListQuery& query, const QString
     const std::wstring pattern = wide(QString::fromStdString(query.pattern));
     const std::wstring folder = wide(path);
 
+    if (!session.canListFiles()) {
+        throw Failure(Exit::Refused,
+                      QStringLiteral("%1: a session that took a second step at the older service "
+                                     "cannot list files; what takes a path works")
+                          .arg(what));
+    }
     Listing listing;
     uint32_t start = 0;
     uint32_t teamIndex = 0;
     uint32_t teamCount = 0;
     for (;;) {
-        RecordList records;
+        PathList records;
         uint32_t word = 0;
         uint32_t total = 0;
         const uint32_t before = start;
@@ -88,7 +79,7 @@ Listing listFolder(const Session& session, const ListQuery& query, const QString
             return listing;
         }
         if (total > 0) listing.total = total;
-        records.appendTo(listing.entries);
+        append(listing.entries, records);
         if (start >= listing.total) return listing;
         if (query.enough > 0 && listing.entries.size() >= query.enough) return listing;
         if (start <= before || total == 0) {

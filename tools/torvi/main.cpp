@@ -80,6 +80,10 @@ int main(int argc, char** argv) {
     torvi::addGlobalOptions(app, global);
     const torvi::Commands commands{app, global, action};
     torvi::addSessionCommands(commands);
+    torvi::addProbeCommands(commands);
+    torvi::addProxyCommand(commands);
+    torvi::addStateCommands(commands);
+    torvi::addLogCommand(commands);
     torvi::addListCommands(commands);
     torvi::addPutCommand(commands);
     torvi::addGetCommand(commands);

@@ -11,17 +11,19 @@ constexpr const char* kCommandFooter =
 
 constexpr const char* kFooter = R"(
 Where a value comes from: the command line, then the environment (TORVI_SERVER, TORVI_PORT, TORVI_USER,
-TORVI_PASSWORD, TORVI_PROXY_USER, TORVI_PROXY_PASSWORD), then the profile that `torvi login` stored.
+TORVI_PASSWORD, TORVI_CODE, TORVI_ANSWER, TORVI_PROXY_USER, TORVI_PROXY_PASSWORD), then the profile that `torvi login` stored.
 The password is asked for on the terminal when none of these gives it.
 
 Examples:
-  torvi login --server nas.local --tls --user alice     store a profile, asks for the password
+  torvi probe --server nas.local                        who is there, before any login
+  torvi login --server nas.local --tls --user alice     begin a session that later commands go on with
   torvi ls /home --sort size --reverse                  the largest last first
   torvi put report.pdf /home/                           upload, keeps the modification time
   torvi put film.mkv /home/ --resume                    upload in slices; run again to go on
   torvi get /home/film.mkv                              download; run again to resume
   torvi mv /home/report.pdf /home/2024/                 move into another folder
   torvi rm -r /home/drafts --dry-run                    show all that would go
+  torvi log --follow                                    changes on the server as they come
   torvi ls /home --json | jq '.entries[].name'          for scripts
 
 Exit codes:
@@ -73,6 +75,11 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
     app.add_flag_function("--tls,!--no-tls", decide(options.tls),
                           "Use HTTPS. The certificate is not verified")
         ->group(connection);
+    app.add_option("--tls-port", options.tlsPort,
+                   "Where to go if the server insists on HTTPS; without it that is a failure")
+        ->check(CLI::Range(1, 65535).description(""))
+        ->type_name("PORT")
+        ->group(connection);
     app.add_option("--user", options.user, "User name")
         ->envname("TORVI_USER")
         ->type_name("NAME")
@@ -96,6 +103,21 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
         ->allow_extra_args(false)
         ->type_name("FOLDER")
         ->group(connection);
+
+    const char* second = "Second factor, where the server wants one";
+    auto* code = app.add_option("--code", options.code, "The security code, or a mailed emergency code")
+                     ->envname("TORVI_CODE")
+                     ->type_name("CODE")
+                     ->group(second);
+    auto* answer = app.add_option("--answer", options.answer, "The answer to the security question")
+                       ->envname("TORVI_ANSWER")
+                       ->type_name("TEXT")
+                       ->group(second);
+    code->excludes(answer);
+    app.add_flag("--mail", options.mail, "Have the server mail an emergency code")
+        ->excludes(code)
+        ->excludes(answer)
+        ->group(second);
 
     const char* proxy = "Proxy";
     app.add_option("--proxy", options.proxy, "none, system, or HOST:PORT of an HTTP proxy")

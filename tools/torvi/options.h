@@ -13,6 +13,7 @@ struct GlobalOptions {
     std::optional<std::string> server;
     std::optional<int> port;
     std::optional<bool> tls;
+    std::optional<int> tlsPort;
     std::optional<std::string> user;
     std::optional<std::string> passwordFile;
     std::optional<std::string> proxy;
@@ -21,6 +22,9 @@ struct GlobalOptions {
     std::optional<std::string> node;
     std::optional<bool> fcgi;
     std::vector<std::string> teams;
+    std::optional<std::string> code;
+    std::optional<std::string> answer;
+    bool mail = false;
     double timeoutSeconds = 0;
     bool json = false;
     bool quiet = false;
@@ -44,6 +48,10 @@ void addFooter(CLI::App& app);
 
 // One per family.
 void addSessionCommands(const Commands& commands);
+void addProbeCommands(const Commands& commands);
+void addStateCommands(const Commands& commands);
+void addLogCommand(const Commands& commands);
+void addProxyCommand(const Commands& commands);
 void addListCommands(const Commands& commands);
 void addPutCommand(const Commands& commands);
 void addGetCommand(const Commands& commands);

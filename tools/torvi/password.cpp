@@ -19,12 +19,14 @@ constexpr size_t kLongestPassword = 4096;
 
 class Terminal {
 public:
-    Terminal() : m_fd(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY)) {
-        if (m_fd < 0 || ::tcgetattr(m_fd, &m_saved) != 0) return;
+    explicit Terminal(Echo echo) : m_fd(::open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY)) {
+        m_good = m_fd >= 0 && ::tcgetattr(m_fd, &m_saved) == 0;
+        if (!m_good || echo == Echo::On) return;
         termios silent = m_saved;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         silent.c_lflag |= ECHONL;
         m_silenced = ::tcsetattr(m_fd, TCSAFLUSH, &silent) == 0;
+        m_good = m_silenced;
     }
     ~Terminal() {
         if (m_silenced) ::tcsetattr(m_fd, TCSAFLUSH, &m_saved);
@@ -32,11 +34,13 @@ public:
     }
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
-    int fd() const { return m_silenced ? m_fd : -1; }
+    /// Below 0 if there is none, or one that can't be silenced.
+    int fd() const { return m_good ? m_fd : -1; }
 
 private:
     int m_fd;
     termios m_saved = {};
+    bool m_good = false;
     bool m_silenced = false;
 };
 
@@ -85,18 +89,27 @@ QString readPasswordFile(const QString& path) {
 }
 
 QString askPassword(const QString& prompt) {
-    const Terminal terminal;
-    if (terminal.fd() < 0) {
+    if (!hasTerminal()) {
         throw Failure(Exit::Usage,
                       QStringLiteral("no password: give --password-file or TORVI_PASSWORD, or run on a "
                                      "terminal"));
     }
+    return askOnTerminal(prompt, QStringLiteral("password"), Echo::Off);
+}
+
+bool hasTerminal() {
+    return Terminal(Echo::On).fd() >= 0;
+}
+
+QString askOnTerminal(const QString& prompt, const QString& what, Echo echo) {
+    const Terminal terminal(echo);
     const QByteArray text = prompt.toUtf8();
     std::string line;
-    const bool good = ::write(terminal.fd(), text.constData(), static_cast<size_t>(text.size())) >= 0 &&
+    const bool good = terminal.fd() >= 0 &&
+                      ::write(terminal.fd(), text.constData(), static_cast<size_t>(text.size())) >= 0 &&
                       readLine(terminal.fd(), line);
-    if (interrupted()) throwCancelled(QStringLiteral("password"));
-    if (!good) throw Failure(Exit::Local, QStringLiteral("cannot read the password from the terminal"));
+    if (interrupted()) throwCancelled(what);
+    if (!good) throw Failure(Exit::Local, QStringLiteral("cannot read the %1 from the terminal").arg(what));
     return QString::fromStdString(line);
 }
 

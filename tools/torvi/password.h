@@ -9,4 +9,9 @@ QString readPasswordFile(const QString& path);
 /// Asks on the terminal, with no echo. Fails as wrong usage where there is no terminal.
 QString askPassword(const QString& prompt);
 
+bool hasTerminal();
+enum class Echo { Off, On };
+/// Asks on a terminal that is there. `what` names the thing in failures.
+QString askOnTerminal(const QString& prompt, const QString& what, Echo echo);
+
 }  // namespace torvi

@@ -70,6 +70,8 @@ std::optional<Profile> loadProfile() {
         profile.proxyPassword = optionalText(json, "proxyPassword");
         profile.node = text(json, "node");
         profile.fcgi = json.value("fcgi", false);
+        profile.olderService = json.value("olderService", false);
+        profile.uid = text(json, "uid");
         for (const std::string& team : json.value("teams", std::vector<std::string>()))
             profile.teams.push_back(parseTeamFolder(QString::fromStdString(team)));
         return profile;
@@ -94,6 +96,8 @@ void saveProfile(const Profile& profile) {
     if (profile.proxyPassword) json["proxyPassword"] = utf8(*profile.proxyPassword);
     json["node"] = utf8(profile.node);
     json["fcgi"] = profile.fcgi;
+    json["olderService"] = profile.olderService;
+    json["uid"] = utf8(profile.uid);
     for (const TeamFolder& team : profile.teams) json["teams"].push_back(utf8(team.text()));
 
     makeStateFolder();

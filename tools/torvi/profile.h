@@ -20,6 +20,8 @@ struct Profile {
     std::optional<QString> proxyPassword;
     QString node;
     bool fcgi = false;
+    bool olderService = false;  ///< the server had no sync service when it was asked
+    QString uid;                ///< what the server calls itself, empty if it didn't tell
     std::vector<TeamFolder> teams;
 };
 

@@ -1,73 +1,110 @@
 #include "session.h"
 
-#include <QCryptographicHash>
-#include <QSysInfo>
-#include <iterator>
-
+#include "failure.h"
+#include "keptsession.h"
+#include "login.h"
 #include "output.h"
-#include "signals.h"
-#include "status.h"
 
 namespace torvi {
 namespace {
 
 Session* g_current = nullptr;
 
-/// The same for this user on this machine every time, and it tells nobody which machine that is.
-QString installationId() {
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    hash.addData("torvi/");
-    hash.addData(QSysInfo::machineUniqueId());
-    hash.addData(QSysInfo::machineHostName().toUtf8());
-    hash.addData(qgetenv("USER"));
-    return QString::fromLatin1(hash.result().toHex());
+/// Without a context if there is none that the server takes up.
+Entrance takeUpKept(const Connection& connection, const KeptSession& kept, const std::wstring& useless) {
+    const std::wstring sid = kept.sid();
+    if (sid.empty() || sid == useless) return {};
+    return takeUp(connection, sid, kept.slaveId());
 }
 
-QString computerName() {
-    const QString name = QSysInfo::machineHostName();
-    return name.isEmpty() ? QStringLiteral("computer") : name;
+/// The login that an ended session leads to.
+Entrance logInAgain(Connection& connection) {
+    try {
+        connection.password.text();
+    } catch (const Failure& failure) {
+        if (failure.exit() != Exit::Usage) throw;
+        throw Failure(Exit::NotAuthenticated,
+                      QStringLiteral("the session of %1 has ended, and there is no password for another")
+                          .arg(connection.identity()))
+            .withAdvice(QStringLiteral("run `torvi login` again"));
+    }
+    return logIn(connection);
 }
 
 }  // namespace
 
-Session::Session(const Connection& connection)
-    : m_server(wide(connection.server)),
-      m_port(static_cast<uint32_t>(connection.port)),
-      m_node(wide(connection.node)),
-      m_identity(QStringLiteral("%1@%2").arg(connection.user, connection.address())),
-      m_teams(connection.teams) {
-    wchar_t serverName[260] = {};
-    uint32_t resultWord = 0;
-    const uint32_t dwStatus = TorviLogin(
-        m_server.c_str(), connection.port, wide(connection.user).c_str(), wide(connection.password).c_str(),
-        connection.tls, wide(computerName()).c_str(), wide(installationId()).c_str(), agentName(), 0,
-        static_cast<uint32_t>(std::size(serverName)), connection.proxyMode,
-        wide(connection.proxyHost).c_str(), wide(connection.proxyUser).c_str(),
-        wide(connection.proxyPassword).c_str(), L"", L"" TORVI_VERSION, 0, &connection.timeoutMs,
-        connection.fcgi, serverName, &m_admin, &m_slave, &resultWord, &m_context, 0, nullptr);
-    const QString what = QStringLiteral("login to %1 as %2").arg(connection.address(), connection.user);
-    if (m_context == nullptr) {
-        if (interrupted()) throwCancelled(what);
-        throw loginFailure(what, dwStatus, resultWord);
-    }
-    m_serverName = QString::fromWCharArray(serverName);
+Session::Session(const Connection& connection, Keep keep)
+    : m_connection(connection), m_node(wide(connection.node)) {
     g_current = this;
+    try {
+        keep == Keep::FromNowOn ? beginKept() : begin();
+    } catch (...) {
+        end();
+        throw;
+    }
+    m_server = wide(m_connection.server);
     tellTeamFolders();
 }
 
 Session::~Session() {
-    g_current = nullptr;
     end();
-    WFMFreeAuthContext(m_context);
+}
+
+void Session::begin() {
+    if (KeptSession::exists(m_connection)) {
+        KeptSession kept(m_connection);
+        // Another process may have logged out meanwhile.
+        if (!kept.sid().empty()) return goOn(kept, std::wstring());
+    }
+    m_entrance = logIn(m_connection);
+}
+
+void Session::goOn(KeptSession& kept, const std::wstring& useless) {
+    m_entrance = takeUpKept(m_connection, kept, useless);
+    m_kept = m_entrance.context != nullptr;
+    if (m_kept) return;
+    m_entrance = logInAgain(m_connection);
+    // One that is booting has its sync service back soon.
+    if (m_entrance.service != Service::Sync) return;
+    kept.keep(sidOf(m_entrance), slaveIdOf(m_entrance));
+    m_kept = true;
+}
+
+void Session::beginKept() {
+    m_entrance = logIn(m_connection);
+    KeptSession kept(m_connection);
+    Entrance before;
+    try {
+        before = takeUpKept(m_connection, kept, std::wstring());
+    } catch (const Failure&) {
+        // It runs out on the server.
+    }
+    if (m_entrance.service == Service::Sync) {
+        kept.keep(sidOf(m_entrance), slaveIdOf(m_entrance));
+        m_kept = true;
+    } else {
+        kept.forget();
+    }
+    if (before.context != nullptr) logOut(m_connection, before, true);
+}
+
+void Session::renew() {
+    const std::wstring ended = sidOf(m_entrance);
+    if (m_kept) {
+        m_kept = false;
+        KeptSession kept(m_connection);
+        goOn(kept, ended);
+    } else {
+        m_entrance = logInAgain(m_connection);
+    }
+    tellTeamFolders();
 }
 
 void Session::tellTeamFolders() {
-    if (m_teams.empty()) return;
-    wchar_t own[260] = {};
-    uint32_t capacity = static_cast<uint32_t>(std::size(own));
-    if (WFMGetSlaveID(m_context, &capacity, own) != 0) own[0] = L'\0';
+    if (teams().empty()) return;
+    std::wstring own = slaveIdOf(m_entrance);
     std::vector<std::wstring> texts;
-    for (const TeamFolder& team : m_teams) {
+    for (const TeamFolder& team : teams()) {
         texts.push_back(wide(team.client));
         texts.push_back(wide(team.server));
         // An empty one would end the list. Whatever names no node is on this one.
@@ -79,24 +116,41 @@ void Session::tellTeamFolders() {
         servers.push_back(texts[i + 1].data());
         nodes.push_back(texts[i + 2].data());
     }
-    WFMUpdateTeamFolderInfo(m_context, static_cast<int32_t>(m_teams.size()), clients.data(), servers.data(),
-                            own[0] == L'\0' ? nullptr : nodes.data());
+    WFMUpdateTeamFolderInfo(context(), static_cast<int32_t>(teams().size()), clients.data(), servers.data(),
+                            own.empty() ? nullptr : nodes.data());
 }
 
 std::wstring Session::nodeOf(const QString& path) const {
-    const TeamFolder* team = teamFolderOf(m_teams, path);
+    const TeamFolder* team = teamFolderOf(teams(), path);
     return team != nullptr && !team->node.isEmpty() ? wide(team->node) : m_node;
 }
 
 void Session::end() {
-    if (m_ended) return;
-    m_ended = true;
+    g_current = nullptr;
+    if (m_entrance.context == nullptr) return;
     // A session that can't be ended runs out on the server.
-    TorviLogout(m_server.c_str(), m_port, false, m_context);
+    if (!m_kept) logOut(m_connection, m_entrance, false);
+    m_entrance.context.reset();
 }
 
 void Session::endCurrent() {
-    if (g_current != nullptr) g_current->end();
+    if (g_current == nullptr || g_current->m_kept || g_current->context() == nullptr) return;
+    logOut(g_current->m_connection, g_current->m_entrance, false);
+}
+
+std::optional<bool> endKeptSession(const Connection& connection) {
+    if (!KeptSession::exists(connection)) return std::nullopt;
+    KeptSession kept(connection);
+    bool ended = false;
+    try {
+        const Entrance entrance = takeUpKept(connection, kept, std::wstring());
+        // One that the server doesn't take up has ended there.
+        ended = entrance.context == nullptr || logOut(connection, entrance, true);
+    } catch (const Failure&) {
+        // The server can't be reached.
+    }
+    kept.forget();
+    return ended;
 }
 
 }  // namespace torvi

@@ -12,7 +12,9 @@
 #include <cstring>
 
 #include "failure.h"
+#include "jobs.h"
 #include "partial.h"
+#include "signals.h"
 
 namespace torvi {
 namespace {
@@ -86,6 +88,16 @@ void writeAll(int fd, const std::string& text, const std::function<void()>& fail
 StateFile::StateFile(const std::string& kind, const QByteArray& key, const QString& busy) {
     m_path = makeStateFolder(kind) / nameOf(key);
     if (!open(true)) throw Failure(Exit::Local, busy);
+    load();
+}
+
+StateFile::StateFile(const std::string& kind, const QByteArray& key) {
+    constexpr int kBetweenTriesMs = 20;
+    m_path = makeStateFolder(kind) / nameOf(key);
+    while (!open(true)) {
+        pause(kBetweenTriesMs);
+        if (interrupted()) throwCancelled(QString::fromStdString(m_path.string()));
+    }
     load();
 }
 

@@ -40,6 +40,8 @@ class StateFile {
 public:
     /// `kind` is the folder, `key` what the object belongs to; `busy` is said when another process holds it.
     StateFile(const std::string& kind, const QByteArray& key, const QString& busy);
+    /// Waits until no other process holds it.
+    StateFile(const std::string& kind, const QByteArray& key);
     /// Opens one that is there; nothing is held if another process has it.
     explicit StateFile(const std::filesystem::path& path);
     /// Removes the file if nothing is in it.

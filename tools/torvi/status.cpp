@@ -34,7 +34,8 @@ constexpr Meaning kResults[] = {
     {-6, "WFM_QUOTA_ERROR", "the quota is exhausted", Exit::NoSpace},
     {-7, "WFM_OPEN_FILE_FAILED", "the server cannot open the file, or the name is not allowed",
      Exit::Refused},
-    {-8, "WFM_FORCE_HTTPS_REDIRECT", "the server insists on HTTPS: use --tls", Exit::CannotConnect},
+    {-8, "WFM_FORCE_HTTPS_REDIRECT",
+     "the server insists on HTTPS: use --tls, or --tls-port PORT to go there by itself", Exit::CannotConnect},
     {-15, "ALREADY_EXISTS", "it exists already", Exit::AlreadyExists},
     {-23, "WFM_INSUFFICIENT_BUFFER", "the answer does not fit", Exit::Refused},
     {-29, "NOT_AUTHENTICATED", "not logged in, or the session has ended", Exit::NotAuthenticated},
@@ -67,6 +68,14 @@ constexpr Meaning kResults[] = {
     {1237, "ERROR_RETRY", "the transfer was stopped", Exit::Cancelled},
     {1244, "ERROR_NOT_AUTHENTICATED", "not logged in, or the session has ended", Exit::NotAuthenticated},
     {5003, "ERROR_DEPENDENCY_ALREADY_EXISTS", "it exists already", Exit::AlreadyExists},
+};
+
+// The server's own numbers, from the calls that hand them on.
+constexpr Meaning kServerStatuses[] = {
+    {3, "", "not logged in, or the session has ended", Exit::NotAuthenticated},
+    {4, "", "permission denied", Exit::Denied},
+    {5, "", "no such file or folder", Exit::NotFound},
+    {-3, "", "permission denied", Exit::Denied},
 };
 
 template <size_t N>
@@ -137,6 +146,18 @@ Failure loginFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord
                    QStringLiteral("%1: the server refused user name or password (%2, %3)")
                        .arg(what, numbers(dwStatus), numbers(word)))
         .withNumbers(dwStatus, word);
+}
+
+Failure rawFailure(const QString& what, uint32_t dwStatus, uint32_t serverStatus) {
+    if (dwStatus != 0) return callFailure(what, dwStatus, static_cast<uint32_t>(-1));
+    const auto status = static_cast<int32_t>(serverStatus);
+    const Meaning* meaning = find(kServerStatuses, status);
+    return Failure(
+               meaning != nullptr ? meaning->exit : Exit::Refused,
+               QStringLiteral("%1: %2 (server status %3)")
+                   .arg(what, QString::fromUtf8(meaning != nullptr ? meaning->text : "the server refused"))
+                   .arg(status))
+        .withNumbers(dwStatus, std::nullopt);
 }
 
 Failure statusFailure(const QString& what, uint32_t dwStatus) {

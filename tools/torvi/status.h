@@ -16,6 +16,8 @@ Failure callFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord)
 Failure checkedFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord);
 /// The same for a login, where a refusal comes as a status of its own.
 Failure loginFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord);
+/// The same for a call whose result word is the server's own status.
+Failure rawFailure(const QString& what, uint32_t dwStatus, uint32_t serverStatus);
 /// The same for a call without a result word.
 Failure statusFailure(const QString& what, uint32_t dwStatus);
 
