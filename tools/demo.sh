@@ -57,20 +57,20 @@ refused() {
     say "(exit code $status)"
 }
 
-start_nas() {
+fill_nas() {
     mkdir -p "$nas_root/Photos" "$nas_root/homes/alice"
     for i in $(seq 23); do
         picture=$nas_root/Photos/IMG_$((4700 + i)).jpg
         head -c $((i * 40000)) /dev/zero >"$picture"
         touch -d "2023-06-01 12:$((i + 10)):00 UTC" "$picture"
     done
+}
 
-    # One upload in slices will break off; jobs take a while, so that there is something to see.
-    local options=(--port 0 --tls-port 0 --team alice:/home/Archive:bob --job-delay 1500
-                   --fail "cut-upload,match=chunked_upload,bytes=$((megabytes * 400000))")
-    typed "torvi-nas --root nas --user alice:... --user bob:... ${options[*]} &"
-    "$bin/torvi-nas" --root "$nas_root" --user alice:wonderland --user bob:builder "${options[@]}" \
-        >"$nas_log" 2>&1 </dev/null &
+# A NAS on free ports with these options, those of its users left out where they are shown.
+start_nas() {
+    typed "torvi-nas --root nas --user alice:... --user bob:... --user carol:... $* &"
+    "$bin/torvi-nas" --root "$nas_root" --user alice:wonderland --user bob:builder --user carol:singer \
+        --port 0 --tls-port 0 "$@" >"$nas_log" 2>&1 </dev/null &
     nas=$!
     local ready=
     for _ in $(seq 200); do
@@ -93,10 +93,13 @@ mkdir -p "$local_files"
 cd "$local_files"
 
 step "A NAS: the stand-in server on a scratch folder, over HTTP and TLS"
-start_nas
+fill_nas
+# One upload in slices will break off; jobs take a while, so that there is something to see.
+start_nas --team alice:/home/Archive:bob --quota carol:5000000 --second-factor carol:code=271828 --job-delay 1500 \
+    --fail "cut-upload,match=chunked_upload,bytes=$((megabytes * 400000))"
 
-step "Who is there? The one question that needs no session"
-shown torvi version --server 127.0.0.1 --port "$http_port"
+step "Who is there? The questions that need no login"
+shown torvi probe --server 127.0.0.1 --port "$http_port"
 shown torvi version --server 127.0.0.1 --port "$tls_port" --tls
 
 step "Log in over TLS: first with a wrong password and the library's log on stderr, then with the right one"
@@ -104,6 +107,9 @@ export TORVI_PASSWORD=guess
 refused 4 torvi login --server 127.0.0.1 --port "$tls_port" --tls --user alice -v
 export TORVI_PASSWORD=wonderland
 shown torvi login --server 127.0.0.1 --port "$tls_port" --tls --user alice
+
+say "From here on no command needs the password:"
+unset TORVI_PASSWORD
 
 step "List a folder of 23 files, ten to a page"
 shown torvi ls /
@@ -191,10 +197,19 @@ export TORVI_PASSWORD=builder
 printf 'From Bob\n' >greeting.txt
 shown torvi put greeting.txt /home/.Torvi/Archive/ --quiet "${as_bob[@]}"
 shown torvi ls /home/.Torvi/Archive "${as_bob[@]}"
-export TORVI_PASSWORD=wonderland
+unset TORVI_PASSWORD
 shown torvi stat /home/Archive/greeting.txt
 
+step "What the server recorded of it: the last changes, with what made them"
+shown torvi log --last 8
+
+step "An account with a second factor: refused without the code, then let in with it"
+export TORVI_PASSWORD=singer
+refused 4 torvi quota --user carol
+shown torvi quota --user carol --code 271828
+
 step "The same over plain HTTP, a small file"
+export TORVI_PASSWORD=wonderland
 printf 'Dear Bob,\n' >letter.txt
 shown torvi put letter.txt /home/ --no-tls --port "$http_port" --quiet
 shown torvi get /home/letter.txt letter-back.txt --no-tls --port "$http_port" --quiet
@@ -205,9 +220,19 @@ step "What refusals look like: a file that isn't there, and one that is there al
 refused 5 torvi get /home/nowhere.txt
 refused 10 torvi put letter.txt /home/
 
-step "Log out; then the NAS goes away, and the library's log on stderr says what happened"
+step "Log out: the session ends on the server, too"
 shown torvi logout
 requests=$(grep -c 'cgi-bin' "$nas_log" || true)
+stop_nas
+
+step "The same folder on an old server: the older service is found by itself"
+nas_log=$scratch/old-nas.log
+start_nas --no-sync-service
+shown torvi login --server 127.0.0.1 --port "$http_port" --user alice
+shown torvi ls /home/Archive
+
+step "The NAS goes away, and the library's log on stderr says what happened"
+requests=$((requests + $(grep -c 'cgi-bin' "$nas_log" || true)))
 stop_nas
 refused 3 torvi version --server 127.0.0.1 --port "$http_port" -v
 
