@@ -126,6 +126,18 @@ TEST(CGetTorviSyncLogJson, ActionsAndFolderFlagsAreTheClients) {
     EXPECT_EQ(recordsOf(log(R"({"filepath":"/a","log_id":"0"})")), Lines{"path=/a action=-1"});
 }
 
+TEST(CGetTorviSyncLogJson, ALogIdIsANumberOrItsTextAndUnknownWithoutOne) {
+    const std::pair<const char*, const char*> rows[] = {
+        {R"(,"log_id":"9223372036854775807")", "9223372036854775807"},
+        {R"(,"log_id":5000000000)", "5000000000"},
+        {R"(,"log_id":"-5")", "-5"},
+        {R"(,"log_id":null)", "-1"},
+        {"", "-1"}};
+    for (const auto& [key, id] : rows)
+        EXPECT_EQ(recordsOf(log(R"({"filepath":"/a","action":8)" + std::string(key) + "}")),
+                  Lines{std::string("path=/a id=") + id + " action=1"});
+}
+
 TEST(CGetTorviSyncLogJson, AnEntryWithoutAPathIsSkipped) {
     EXPECT_EQ(recordsOf(log(R"({"old_filepath":"/o","log_id":"1"},{"filepath":"","log_id":"2"},
                                {"filepath":null,"log_id":"3"},{"filepath":"/a","log_id":"4","action":8})")),

@@ -6,12 +6,6 @@
 
 namespace {
 
-/// For a call without a result word: as if it had one that a failure leaves at -1.
-uint32_t asResult(uint32_t status, uint32_t* result) {
-    if (status != 8) *result = status == 0 ? 0 : static_cast<uint32_t>(-1);
-    return status;
-}
-
 template <class Record>
 void freeList(Record** list, uint32_t count) {
     std::for_each(list, list + count, [](Record* record) { delete record; });
@@ -21,8 +15,8 @@ void freeList(Record** list, uint32_t count) {
 uint32_t torviInformation(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     bool isTold = false;
     _TORVI_INFORMATION information;
-    return asResult(WebFileManGetTorviInformation(context, server, port, nullptr, L"", &isTold, &information),
-                    result);
+    return withoutResultWord(
+        WebFileManGetTorviInformation(context, server, port, nullptr, L"", &isTold, &information), result);
 }
 
 uint32_t staticInfo(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -42,14 +36,14 @@ uint32_t domainIPList(Context context, const wchar_t* server, uint32_t port, uin
 
 uint32_t queryUID(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     _NAS_USER_UID_INFORMATION information;
-    return asResult(WebFileManQueryUID(context, server, port, nullptr, &information), result);
+    return withoutResultWord(WebFileManQueryUID(context, server, port, nullptr, &information), result);
 }
 
 uint32_t userUID(Context, const wchar_t* server, uint32_t port, uint32_t* result) {
     _NAS_USER_UID_INFORMATION information;
-    return asResult(WFMGetNASUserUID(server, port, 0, false, L"joe", L"", 0, L"", L"", L"", L"", nullptr,
-                                     nullptr, &information),
-                    result);
+    return withoutResultWord(WFMGetNASUserUID(server, port, 0, false, L"joe", L"", 0, L"", L"", L"", L"",
+                                              nullptr, nullptr, &information),
+                             result);
 }
 
 uint32_t syncFolders(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -77,7 +71,8 @@ uint32_t lastModifiedTime(Context context, const wchar_t* server, uint32_t port,
 uint32_t vetoFiles(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     uint32_t length = 259;
     wchar_t buffer[260];
-    return asResult(WFMTorviGetVetoFiles(context, server, port, L"", nullptr, &length, buffer), result);
+    return withoutResultWord(WFMTorviGetVetoFiles(context, server, port, L"", nullptr, &length, buffer),
+                             result);
 }
 
 uint32_t maxLogOfFolders(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -115,7 +110,8 @@ uint32_t quotaInformation(Context context, const wchar_t* server, uint32_t port,
 
 uint32_t userHomePath(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     wchar_t buffer[260];
-    return asResult(WFMGetUserHomePath(context, server, port, L"user", 260, L"", nullptr, buffer), result);
+    return withoutResultWord(WFMGetUserHomePath(context, server, port, L"user", 260, L"", nullptr, buffer),
+                             result);
 }
 
 /// A row's text, for as long as the program runs.

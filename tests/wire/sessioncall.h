@@ -51,4 +51,23 @@ private:
     std::wstring m_text;
 };
 
+/// A caller's buffer of any size, full of "#", so that whatever a call writes shows.
+class MarkedBuffer {
+public:
+    explicit MarkedBuffer(size_t size = 300) : m_text(size, L'#') {}
+    wchar_t* data() { return m_text.data(); }
+    bool isUntouched() const { return m_text == std::wstring(m_text.size(), L'#'); }
+    /// What the call wrote, up to its terminator; behind it the fill must still be there.
+    std::wstring text() const {
+        if (isUntouched()) return L"untouched";
+        const auto end = m_text.find(L'\0');
+        if (end == std::wstring::npos) return L"unterminated";
+        return m_text.find_first_not_of(L'#', end + 1) == std::wstring::npos ? m_text.substr(0, end)
+                                                                             : L"overrun";
+    }
+
+private:
+    std::wstring m_text;
+};
+
 }  // namespace wire

@@ -18,7 +18,7 @@ struct UploadIDCall : SessionCall<UploadIDCall> {
     const wchar_t* server = kServer;
     uint32_t capacity = 260;
     uint32_t* capacityInOut = &capacity;
-    std::wstring buffer = std::wstring(300, L'#');
+    MarkedBuffer buffer;
     wchar_t* uploadID = buffer.data();
     const wchar_t* uploadRoot = L"/home/.up";
     const wchar_t* folder = L"/home/d";
@@ -31,17 +31,9 @@ struct UploadIDCall : SessionCall<UploadIDCall> {
                               nullptr, resultWord, detailWord);
     }
     int32_t signedDetail() const { return static_cast<int32_t>(detail); }
-    bool bufferIsUntouched() const { return buffer == std::wstring(300, L'#'); }
-    /// What stands in the buffer; the fill behind the terminator must still be there.
-    std::wstring text() const {
-        const auto end = buffer.find(L'\0');
-        if (end == std::wstring::npos) return L"unterminated";
-        const bool cleanBehind = buffer.substr(end + 1) == std::wstring(buffer.size() - end - 1, L'#');
-        return cleanBehind ? buffer.substr(0, end) : L"overrun";
-    }
     bool isUntouched() const {
         return result == 0xABCD && detail == 0xABCD && (capacity == 260 || capacity == 0) &&
-               bufferIsUntouched();
+               buffer.isUntouched();
     }
 };
 
@@ -59,7 +51,7 @@ TEST(WFMGetUploadIDWire, AsksWithOneGetAndHandsOutTheId) {
     EXPECT_EQ(call.result, 0u);
     EXPECT_EQ(call.detail, 0u);
     EXPECT_EQ(call.capacity, 260u);
-    EXPECT_EQ(call.text(), L"u-17");
+    EXPECT_EQ(call.buffer.text(), L"u-17");
     log.expectNoLines();
     expectGet(server.onlyRequest(), std::string("/cgi-bin/torvi/torvisrv.cgi?") + kQuery,
               baseHeaders(server));
@@ -146,7 +138,7 @@ TEST(WFMGetUploadIDWire, TheServersOwnNumberDecides) {
         [](const UploadIDCall& call) {
             EXPECT_EQ(call.signedDetail(), -1);
             EXPECT_EQ(call.capacity, 260u);
-            EXPECT_TRUE(call.bufferIsUntouched());
+            EXPECT_TRUE(call.buffer.isUntouched());
         });
 }
 
@@ -159,7 +151,7 @@ TEST(WFMGetUploadIDWire, AnIdAsLongAsTheCapacityIsCopiedWithATerminatorBehind) {
     EXPECT_EQ(call.result, 0u);
     EXPECT_EQ(call.detail, 0u);
     EXPECT_EQ(call.capacity, 8u);
-    EXPECT_EQ(call.text(), L"12345678");
+    EXPECT_EQ(call.buffer.text(), L"12345678");
     log.expectNoLines();
 }
 
@@ -172,7 +164,7 @@ TEST(WFMGetUploadIDWire, AnIdLongerThanTheCapacityIs122AndTellsTheCapacity) {
     EXPECT_EQ(call.result, 0u);
     EXPECT_EQ(call.detail, 122u);
     EXPECT_EQ(call.capacity, 9u);
-    EXPECT_TRUE(call.bufferIsUntouched());
+    EXPECT_TRUE(call.buffer.isUntouched());
     log.expectLines({"[WFM] WFMGetUploadID: ERROR_INSUFFICIENT_BUFFER"});
 }
 
@@ -187,7 +179,7 @@ TEST(WFMGetUploadIDWire, ASuccessWithoutAnIdLeavesTheDetailWordAtMinus1) {
         EXPECT_EQ(call.result, 0u);
         EXPECT_EQ(call.signedDetail(), -1);
         EXPECT_EQ(call.capacity, 260u);
-        EXPECT_TRUE(call.bufferIsUntouched());
+        EXPECT_TRUE(call.buffer.isUntouched());
         log.expectNoLines();
     }
 }
@@ -199,7 +191,7 @@ TEST(WFMGetUploadIDWire, AFailedCallLeavesBothWordsAtMinus1) {
     EXPECT_EQ(call.signedResult(), -1);
     EXPECT_EQ(call.signedDetail(), -1);
     EXPECT_EQ(call.capacity, 260u);
-    EXPECT_TRUE(call.bufferIsUntouched());
+    EXPECT_TRUE(call.buffer.isUntouched());
 }
 
 TEST(WFMGetUploadIDWire, AnIdOfAnotherTypeIs14) {
@@ -208,7 +200,7 @@ TEST(WFMGetUploadIDWire, AnIdOfAnotherTypeIs14) {
                                   -1,
                                   {"[WFM] WFMGetUploadID: WFM_PARSE_XML_FAIL",
                                    "[WFM] WFMGetUploadID(127.0.0.1:{port}) failed dwStatus(14)"}}},
-                                [](const UploadIDCall& call) { EXPECT_TRUE(call.bufferIsUntouched()); });
+                                [](const UploadIDCall& call) { EXPECT_TRUE(call.buffer.isUntouched()); });
 }
 
 TEST(WFMGetUploadIDWire, ThePortIsNotTested) {
