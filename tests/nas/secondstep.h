@@ -77,7 +77,7 @@ private:
         result.arguments = {"--second-factor", "anna:code=a+1'3/57",
                             "--second-factor", "anna:question=2:Whose <pet> & ]]> car?:Rex (the first)",
                             "--second-factor", "ben:mail=ben@example.org",
-                            "--second-factor", "carl:question=1:First school?:Hill: \xc3\xb6st",
+                            "--second-factor", "carl:question=1:First school?:Hill \xc3\xb6st",
                             "--question-text", "1:GER:Erste Schule?",
                             "--mail-dir",      mailFolder};
         result.arguments.insert(result.arguments.end(), more.begin(), more.end());

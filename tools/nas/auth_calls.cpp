@@ -63,15 +63,17 @@ Answer refusedStep(Service& service, httplib::Response& response, const User& us
 }
 
 Answer secondStep(Service& service, Request& request, httplib::Response& response) {
+    const auto& [kind, typed] = request.query.front();
+    if (typed.empty()) {
+        throw Refusal("query key \"" + kind + "\" is empty");
+    }
     const User* user = userOf(service, request);
     if (!user) {
         return wrongPassword(response);
     }
     SecondSteps& steps = service.secondSteps();
-    const bool right =
-        !user->second.wanted() || (hasField(request.query, "security_code")
-                                       ? steps.takeCode(*user, field(request.query, "security_code"))
-                                       : steps.takeAnswer(*user, field(request.query, "security_answer")));
+    const bool right = !user->second.wanted() || (kind == "security_code" ? steps.takeCode(*user, typed)
+                                                                          : steps.takeAnswer(*user, typed));
     if (!right) {
         return refusedStep(service, response, *user);
     }
