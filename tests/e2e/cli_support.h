@@ -14,16 +14,22 @@
 #include "support/process.h"
 #include "support/tempdir.h"
 
-/// How the command line reaches its server. The web file manager is reached by no login of its own yet.
+/// How the command line reaches its server.
 struct CliRoad {
     bool tls = false;
     bool fcgi = false;
+    bool older = false;  ///< the server has the older service alone
 };
-inline std::vector<CliRoad> cliRoads() {
+inline std::vector<CliRoad> syncRoads() {
     return {{false, false}, {true, false}, {false, true}, {true, true}};
 }
+inline std::vector<CliRoad> cliRoads() {
+    std::vector<CliRoad> roads = syncRoads();
+    roads.insert(roads.end(), {{false, false, true}, {true, false, true}});
+    return roads;
+}
 inline std::string nameOf(const CliRoad& road) {
-    return std::string(road.fcgi ? "Fcgi" : "Sync") + (road.tls ? "Tls" : "Http");
+    return std::string(road.older ? "Older" : road.fcgi ? "Fcgi" : "Sync") + (road.tls ? "Tls" : "Http");
 }
 inline void PrintTo(const CliRoad& road, std::ostream* out) {
     *out << nameOf(road);
@@ -109,6 +115,13 @@ private:
     TempDir m_state, m_work;
 };
 
+/// A server with these options, too.
+inline Nas::Options nasWith(std::vector<std::string> arguments) {
+    Nas::Options options;
+    options.arguments = std::move(arguments);
+    return options;
+}
+
 class CliTest : public testing::Test {
 protected:
     CliTest() : CliTest(Nas::Options()) {}
@@ -159,9 +172,17 @@ protected:
 /// The same on each road.
 class CliOnRoads : public CliTest, public testing::WithParamInterface<CliRoad> {
 protected:
-    explicit CliOnRoads(Nas::Options options = Nas::Options()) : CliTest(std::move(options), GetParam()) {}
+    explicit CliOnRoads(Nas::Options options = Nas::Options())
+        : CliTest(onRoad(std::move(options)), GetParam()) {}
+
+private:
+    static Nas::Options onRoad(Nas::Options options) {
+        if (GetParam().older) options.arguments.push_back("--no-sync-service");
+        return options;
+    }
 };
 
-#define CLI_ON_ALL_ROADS(suite)                                           \
-    INSTANTIATE_TEST_SUITE_P(Roads, suite, testing::ValuesIn(cliRoads()), \
+#define CLI_ON_ROADS(suite, roads)                                   \
+    INSTANTIATE_TEST_SUITE_P(Roads, suite, testing::ValuesIn(roads), \
                              [](const auto& info) { return nameOf(info.param); })
+#define CLI_ON_ALL_ROADS(suite) CLI_ON_ROADS(suite, cliRoads())

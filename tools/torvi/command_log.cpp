@@ -36,7 +36,7 @@ void printChanges(const std::vector<Change>& changes) {
     table.addColumn(QStringLiteral("PATH"));
     for (const Change& change : changes) {
         table.addRow({QString::number(change.number), actionText(change.action), kindText(change.isFolder),
-                      change.device, pathText(change)});
+                      change.device.isEmpty() ? QStringLiteral("-") : change.device, pathText(change)});
     }
     table.print(stdout);
 }

@@ -1,0 +1,167 @@
+#include "cli_support.h"
+
+using testing::HasSubstr;
+using testing::Not;
+using Json = nlohmann::json;
+
+namespace {
+
+class CliKept : public CliOnRoads {
+protected:
+    void SetUp() override { ASSERT_EQ(cli.run({"login"}).exitCode, 0); }
+
+    /// Where the kept sessions lie, each in a file.
+    std::filesystem::path folder() const { return cli.state().path() / "torvi" / "sessions"; }
+    std::vector<std::filesystem::path> files() const {
+        std::vector<std::filesystem::path> found;
+        if (!std::filesystem::exists(folder())) return found;
+        for (const auto& file : std::filesystem::directory_iterator(folder())) found.push_back(file.path());
+        return found;
+    }
+    std::string content() const {
+        return cli.state().read("torvi/sessions/" + files().at(0).filename().string());
+    }
+    ProcessResult stat() const { return cli.runBare({"stat", "/home"}); }
+    ProcessResult statWithoutPassword() const { return cli.runWithoutPassword({"stat", "/home"}); }
+    std::int64_t logins() { return nas.requestCount("login"); }
+};
+
+class CliKeptEdges : public CliKept {};
+
+}  // namespace
+
+CLI_ON_ROADS(CliKept, syncRoads());
+INSTANTIATE_TEST_SUITE_P(OneRoad, CliKeptEdges, testing::Values(CliRoad{}),
+                         [](const auto& info) { return nameOf(info.param); });
+
+TEST_P(CliKept, LaterCommandsGoOnWithIt) {
+    for (int i = 0; i < 3; ++i) {
+        const ProcessResult result = statWithoutPassword();
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+    }
+    EXPECT_EQ(logins(), 1);
+    EXPECT_EQ(nas.requestCount("logout"), 0);
+    EXPECT_EQ(nas.requestCount("activate"), 3);
+    EXPECT_EQ(nas.requestCount("refused"), 0) << nas.log();
+}
+
+TEST_P(CliKept, OneThatHasEndedIsReplacedByOneLogin) {
+    nas.expireSessions();
+    ProcessResult result = stat();
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(logins(), 2);
+    result = statWithoutPassword();
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(logins(), 2);
+}
+
+TEST_P(CliKept, LogoutEndsItAtTheServerAndForgetsIt) {
+    const std::string kept = content();
+    const std::string name = files().at(0).filename();
+    const ProcessResult result = cli.runBare({"logout", "--json"});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(Json::parse(result.out)["sessionsEnded"], 1);
+    EXPECT_EQ(nas.requestCount("logout"), 1);
+    EXPECT_TRUE(files().empty());
+
+    // Whoever kept the id has nothing in hand.
+    cli.state().write("torvi/sessions/" + name, kept);
+    const std::int64_t before = logins();
+    EXPECT_EQ(cli.runWithoutPassword(cli.connected({"stat", "/home"})).exitCode, 4);
+    EXPECT_EQ(logins(), before);
+}
+
+TEST_P(CliKeptEdges, ItIsForItsOwnerAloneAndHoldsNoPassword) {
+    ASSERT_EQ(files().size(), 1u);
+    struct stat status = {};
+    ASSERT_EQ(::stat(files()[0].c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0600u);
+    EXPECT_THAT(content(), Not(HasSubstr("secret")));
+}
+
+TEST_P(CliKeptEdges, OneThatHasEndedNeedsAPasswordToBeReplaced) {
+    nas.expireSessions();
+    const ProcessResult result = statWithoutPassword();
+    EXPECT_EQ(result.exitCode, 4);
+    EXPECT_THAT(result.err, HasSubstr("has ended"));
+    EXPECT_EQ(logins(), 1);
+    EXPECT_EQ(stat().exitCode, 0) << "it is still begun";
+    EXPECT_EQ(statWithoutPassword().exitCode, 0);
+}
+
+TEST_P(CliKeptEdges, ARefusedLoginIsNotTriedAgain) {
+    nas.expireSessions();
+    cli.become("anna", "wrong");
+    EXPECT_EQ(stat().exitCode, 4);
+    // The sync service and, for a second factor, the older one: each once.
+    EXPECT_EQ(logins(), 3);
+    EXPECT_EQ(nas.requestCount("activate"), 1);
+}
+
+TEST_P(CliKeptEdges, CommandsAtTheSameTimeLogInOnceBetweenThem) {
+    nas.expireSessions();
+    Process::Options options = cli.options();
+    options.arguments = {"stat", "/home"};
+    std::vector<std::unique_ptr<Process>> all;
+    for (int i = 0; i < 4; ++i) all.push_back(std::make_unique<Process>(TORVI_PATH, options));
+    for (const auto& process : all) EXPECT_EQ(process->wait(), 0) << process->err();
+    EXPECT_EQ(logins(), 2) << nas.log();
+}
+
+TEST_P(CliKeptEdges, ItServesItsOwnUserAndServerAlone) {
+    EXPECT_EQ(cli.runWithoutPassword({"stat", "/home", "--user", "ben"}).exitCode, 2);
+    EXPECT_EQ(
+        cli.runWithoutPassword({"stat", "/home", "--tls", "--port", std::to_string(nas.tlsPort())}).exitCode,
+        2);
+    EXPECT_EQ(logins(), 1);
+}
+
+TEST_P(CliKeptEdges, WhoDidNotLogInLeavesNoSession) {
+    cli.become("ben", "hidden");
+    ASSERT_EQ(cli.run({"stat", "/home"}).exitCode, 0);
+    EXPECT_EQ(logins(), 2);
+    EXPECT_EQ(nas.requestCount("logout"), 1);
+    EXPECT_EQ(files().size(), 1u);
+}
+
+TEST_P(CliKeptEdges, AnotherLoginEndsTheOneBefore) {
+    ASSERT_EQ(cli.run({"login"}).exitCode, 0);
+    EXPECT_EQ(logins(), 2);
+    EXPECT_EQ(nas.requestCount("logout"), 1);
+    EXPECT_EQ(statWithoutPassword().exitCode, 0);
+}
+
+TEST_P(CliKeptEdges, AServerThatIsGoneDoesNotCostTheSession) {
+    nas.kill();
+    EXPECT_EQ(statWithoutPassword().exitCode, 3);
+    EXPECT_EQ(files().size(), 1u);
+}
+
+TEST_P(CliKeptEdges, LogoutForgetsItWhereTheServerIsGone) {
+    nas.kill();
+    const ProcessResult result = cli.runBare({"logout", "--json"});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(Json::parse(result.out)["sessionsLost"], 1);
+    EXPECT_TRUE(files().empty());
+    EXPECT_FALSE(std::filesystem::exists(cli.profile()));
+}
+
+TEST_P(CliKeptEdges, LogoutEndsAllSessionsWhenAsked) {
+    ASSERT_EQ(
+        runProcess(TORVI_PATH,
+                   {"login", "--server", "localhost", "--port", std::to_string(nas.port()), "--user", "anna"},
+                   cli.options())
+            .exitCode,
+        0);
+    ASSERT_EQ(files().size(), 2u);
+    const ProcessResult result = cli.runBare({"logout", "--all", "--json"});
+    ASSERT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(Json::parse(result.out)["sessionsEnded"], 2);
+    EXPECT_TRUE(files().empty());
+}
+
+TEST_P(CliKeptEdges, HalfAFileIsNoSession) {
+    const std::string name = "torvi/sessions/" + files().at(0).filename().string();
+    cli.state().write(name, "{\"sid\": ");
+    EXPECT_EQ(stat().exitCode, 0);
+}
