@@ -341,7 +341,8 @@ struct _TORVI_MAX_LOG_NUMBERS {
     int64_t llSyncSignal;
 };
 
-/// One change, from WFMTorviGetSyncLog. All texts are terminated; one that doesn't fit is empty.
+/// One change, from WFMTorviGetSyncLog. All texts are terminated; one that doesn't fit is empty, and a change
+/// whose szFilePath doesn't fit isn't handed out.
 struct _WFM_SYNC_LOG_INFORMATION {
     wchar_t szFilePath[4096];
     wchar_t szOldFilePath[4096];  ///< of a rename or move; otherwise empty
@@ -355,7 +356,7 @@ struct _WFM_SYNC_LOG_INFORMATION {
 struct USER_QUOTA_INFO {
     int32_t nVolumeID;        ///< 0 if the server doesn't tell
     int64_t llQuotaSize;      ///< bytes; -1 unknown
-    int64_t llAvailableSize;  ///< bytes; 0 once the quota is used up, and where it isn't known
+    int64_t llAvailableSize;  ///< bytes; 0 unless used is below quota; -1 unknown
     int64_t llUsedSize;       ///< bytes; -1 unknown
 };
 
@@ -1548,8 +1549,8 @@ TORVIAPI_EXPORT uint32_t WFMGetDomainIPList(_WFM_AUTH_CONTEXT* context, const wc
 /// @param cancel      not read; may be null
 /// @param resultWord  receives the server's own status: 0 is success, -3 denied; -1 if it is -1. May be null
 /// @param count       receives the number of records; not null
-/// @param list        receives the records, to be freed as the file comment shows; null if there are none, as
-///                    after any refusal. Not null
+/// @param list        receives the records, to be freed as the file comment shows; null if there are none.
+///                    **A refusal may come with a list**, too. Not null
 /// @return `dwStatus`
 ///
 /// A size beyond 64 bits wraps. Twice: safe, and a second list to free. Next: WFMTorviGetMaxLog.

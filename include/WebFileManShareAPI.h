@@ -123,7 +123,7 @@ TORVIAPI_EXPORT uint32_t WebFileManQueryUID(_WFM_AUTH_CONTEXT* context, const wc
 /// @param list          receives the records, to be freed as the file comment of WebFileManAPI.h shows; null
 ///                      if there are none, as without quotas. Not null
 /// @param resultWord    0, or -1 if the reply can't be used; not null
-/// @return `dwStatus`; all outputs are 0 first
+/// @return `dwStatus`; all other outputs are 0 first
 ///
 /// Sizes come as texts such as "1.5 GB" and are rounded by the server; one beyond 64 bits is clamped. Twice:
 /// safe, and a second list to free. Next: nothing that must be.

@@ -10,7 +10,6 @@ int CGetClusterSyncingFolderListJson::Parser(char* text) {
         if (!root.isObject()) return -1;
         status = JsonGetInt(root, "status", 0);
         if (status == kSyncFoldersDenied) return 1;
-        adminGroup = JsonGetFlag(root, "admingroup", false) ? 1 : 0;
         total = JsonGetInt(root, "count", -1);
         if (total <= 0 || !IsPresent(root, "slave")) return 1;
         if (!root["slave"].isArray()) return -1;

@@ -9,12 +9,11 @@ int CGetTorviSyncLogJson::Parser(char* text) {
         if (!root.isObject()) return -1;
         status = JsonGetInt(root, "status", 0);
         if (status != 0) return 1;
-        end = JsonGetFlag(root, "end", false);
+        end = JsonGetInt(root, "end", 0) != 0;
         if (JsonGetInt(root, "number", 0) < 1 || !IsPresent(root, "data")) return 1;
         if (!root["data"].isArray()) return -1;
 
         for (const Json::Value& entry : root["data"]) {
-            if (records.size() > capacity) break;
             if (!entry.isObject()) continue;
             const std::wstring path = JsonLongText(entry, "filepath");
             _WFM_SYNC_LOG_INFORMATION record{};
@@ -24,7 +23,7 @@ int CGetTorviSyncLogJson::Parser(char* text) {
             record.llLogID = JsonGetSize(entry, "log_id", -1);
             record.nIsFolder = TranslateSyncEventIsFolder(JsonGetInt(entry, "isfolder", 0));
             record.nAction = TranslateSyncEventAction(JsonGetInt(entry, "action", -1));
-            records.push_back(record);
+            if (records.size() <= capacity) records.push_back(record);
         }
         return 1;
     });
