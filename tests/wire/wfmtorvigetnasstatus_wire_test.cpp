@@ -73,6 +73,16 @@ TEST(WFMTorviGetNASStatusWire, ASuccessFillsTheRecord) {
     }
 }
 
+TEST(WFMTorviGetNASStatusWire, ASetCancelFlagChangesNothing) {
+    RawServer server({Reply::json(R"({"status":1})")});
+    NASStatusCall call(server);
+    bool cancel = true;
+    call.cancel = &cancel;
+    EXPECT_EQ(call.run(), 0u);
+    EXPECT_EQ(call.result, 0u);
+    EXPECT_EQ(call.record.text(), "available");
+}
+
 TEST(WFMTorviGetNASStatusWire, AnyOtherStatusIsTheResultAndLeavesTheRecordZeroed) {
     expectReplies<NASStatusCall>(
         {

@@ -230,6 +230,15 @@ TEST(WFMTorviGetNASSyncinFolderListWire, AFolderWithoutFullPrivilegeIsToldAtTheD
     log.expectNoLines();
 }
 
+TEST(WFMTorviGetNASSyncinFolderListWire, ASetCancelFlagChangesNothing) {
+    RawServer server({Reply::json(kSingle)});
+    SyncFolderListCall call(server);
+    bool cancel = true;
+    call.cancel = &cancel;
+    EXPECT_EQ(call.run(), 0u);
+    EXPECT_EQ(call.folders.take().size(), 3u);
+}
+
 TEST(WFMTorviGetNASSyncinFolderListWire, WhatCannotBeReadIs14AndGivesNoList) {
     for (const char* reply : {R"({"status":99999999999})", R"({"total":1,"folder":{}})",
                               R"({"total":1,"folder":[{"name":"a"},{"name":[]}]})",
