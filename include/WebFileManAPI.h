@@ -815,7 +815,7 @@ TORVIAPI_EXPORT uint32_t WFM2SVSendEmail(const wchar_t* server, uint32_t port, c
 /// | dwStatus | Result word | When                                                             |
 /// |----------|-------------|------------------------------------------------------------------|
 /// | 0        | 0           | `context` is the session                                         |
-/// | 0        | -38         | refused: the server isn't ready                                  |
+/// | 0        | -38         | refused: the server's status 7                                   |
 /// | 0        | -39         | refused: the server insists on HTTPS                             |
 /// | 0        | -2          | refused otherwise: the token is no good. Log in                  |
 /// | 14       | 0           | accepted, but without a server's name, or without the admin flag |
@@ -863,7 +863,7 @@ TORVIAPI_EXPORT uint32_t TorviLogout(const wchar_t* server, uint32_t port, bool 
 TORVIAPI_EXPORT uint32_t WFMLogout(const wchar_t* server, uint32_t port, bool force,
                                    _WFM_AUTH_CONTEXT* context);
 
-/// Has a node of a cluster take over the session of another: it checks the session's id there.
+/// Checks the session's id as a token, at a node of the cluster.
 /// @param server,port  where; not null or empty, not 0
 /// @param context      a session with a slave id; not null
 /// @param slaveID      null, or the node to ask
@@ -873,7 +873,7 @@ TORVIAPI_EXPORT uint32_t WFMLogout(const wchar_t* server, uint32_t port, bool fo
 /// | dwStatus | Result word | When                                                   |
 /// |----------|-------------|--------------------------------------------------------|
 /// | 0        | 0           | the node takes the session                             |
-/// | 0        | -38         | refused: the server isn't ready                        |
+/// | 0        | -38         | refused: the server's status 7                         |
 /// | 0        | -39         | refused: the server insists on HTTPS                   |
 /// | 0        | -2          | refused otherwise: the session is no good              |
 /// | 87       | untouched   | a bad argument, in place of 8; also without a slave id |
@@ -898,7 +898,7 @@ TORVIAPI_EXPORT uint32_t TorviActivateSid(const wchar_t* server, uint32_t port, 
 /// | 0        | -3          | refused                    |
 /// | 0        | -1          | the server tells no status |
 ///
-/// Twice: safe. Next: TorviActivateSid2 with it as the token.
+/// Twice: safe. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WFMGetSystemSid(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                          const wchar_t* slaveID, uint32_t* resultWord, uint32_t* capacity,
                                          wchar_t* sid);
@@ -1535,6 +1535,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviGetNASStatus(_WFM_AUTH_CONTEXT* context, const 
 /// | 0        | 0           | `information` is filled                                              |
 /// | 0        | 8           | a text is too long and left out; the others and the ports are filled |
 /// | 0        | -1          | refused; nothing is filled                                           |
+///
+/// A name or an address of 2048 characters or more reads as none.
 ///
 /// Twice: safe. Next: WFMValidIP for each of them.
 TORVIAPI_EXPORT uint32_t WFMGetDomainIPList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,

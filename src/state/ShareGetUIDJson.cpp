@@ -16,7 +16,6 @@ std::wstring TextOrNone(const Json::Value& root, const char* key) {
 int CShareGetUIDJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
-        status = TranslatedStatus(root, 0);
         isBooting = JsonGetInt(root, "is_booting", 0) != 0;
         isRecovering = JsonGetInt(root, "is_recovering", 0) != 0;
         isMigrating = JsonGetInt(root, "is_migrating", 0) != 0;

@@ -8,9 +8,7 @@
 class TORVIAPI_EXPORT CShareGetUIDJson {
 public:
     int Parser(char* text);
-    int GetStatus() const { return status; }
 
-    int32_t status = -1;
     bool isBooting = false;
     bool isRecovering = false;
     bool isMigrating = false;

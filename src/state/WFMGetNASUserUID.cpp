@@ -64,5 +64,6 @@ uint32_t WFMGetNASUserUID(const wchar_t* server, uint32_t port, uint32_t tlsPort
         *information = IdentityRecord(reply);
         return call.end();
     }
-    return call.leave(WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL);
+    call.setStatus(WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL);
+    return call.end();
 }

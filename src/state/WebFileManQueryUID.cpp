@@ -7,7 +7,7 @@ using namespace Lattice;
 
 uint32_t WebFileManQueryUID(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                             void* /*reserved*/, _NAS_USER_UID_INFORMATION* information) {
-    static constexpr auto rules = CallRules("[WFMShare] WebFileManQueryUID");
+    static constexpr auto rules = CallRules("[WFM] WebFileManQueryUID");
     Call call(rules, context, server, port);
     if (!call.accepts(information)) return call.refuse();
     *information = {};

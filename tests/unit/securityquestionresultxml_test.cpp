@@ -29,6 +29,12 @@ TEST(CSecurityQuestionResultXml, AQuestionNeedsNoNumberAndNoRoot) {
     EXPECT_EQ(reply.getQuestion(), QString("Why?"));
 }
 
+TEST(CSecurityQuestionResultXml, AQuestionCountsWhateverIsBehindIt) {
+    CSecurityQuestionResultXml reply;
+    EXPECT_EQ(parse(reply, "<a>" + element("system_question_text", "q")), 1);
+    EXPECT_EQ(reply.getQuestion(), QString("q"));
+}
+
 TEST(CSecurityQuestionResultXml, AHugeQuestionIsReadWhole) {
     CSecurityQuestionResultXml reply;
     EXPECT_EQ(parse(reply, document(element("system_question_text", std::string(3000000, 'q')))), 1);

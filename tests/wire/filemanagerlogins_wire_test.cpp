@@ -168,7 +168,7 @@ TYPED_TEST(FileManagerLoginWire, AServerNameMayBeInAnyScriptAndAsLongAsItsField)
     }
 }
 
-TYPED_TEST(FileManagerLoginWire, OnlyTheNumberOneIsAnAdministrator) {
+TYPED_TEST(FileManagerLoginWire, OneIsAnAdministratorAndZeroIsNot) {
     for (const auto& [sent, isAdmin] : {std::pair{"1", true}, {"0", false}, {"no", false}}) {
         const RawServer server({Reply::text(TypeParam::accepted("s", "", sent))});
         TypeParam login(server);

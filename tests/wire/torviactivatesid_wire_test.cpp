@@ -37,6 +37,18 @@ TEST(TorviActivateSidWire, GoesThroughTheSessionsProxy) {
     EXPECT_TRUE(proxy.waitForLog("torvisrvPrepare.cgi"));
 }
 
+TEST(TorviActivateSidWire, AsksTheSyncServicesPlaceWhateverTheSessionSpeaksTo) {
+    for (const bool fileManager : {true, false}) {
+        const RawServer server({Reply::json(R"({"status":1})")});
+        SessionOptions options = ActivateSession::node();
+        (fileManager ? options.fileManager : options.fcgi) = true;
+        ActivateSession call(options);
+        call.port = server.port();
+        EXPECT_EQ(call.run(), 0u);
+        EXPECT_EQ(server.onlyRequest().target(), activationTarget("sid123"));
+    }
+}
+
 TEST(TorviActivateSidWire, TheTokenIsTheSidAsItIs) {
     const RawServer server({Reply::json(R"({"status":1})")});
     SessionOptions options = ActivateSession::node();

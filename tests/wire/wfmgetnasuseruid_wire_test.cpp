@@ -349,7 +349,7 @@ TEST(WFMGetNASUserUIDWire, CancelledBeforehandItAsksNothing) {
     EXPECT_EQ(call.run(), 2u);
     EXPECT_EQ(server.connectionCount(), 0u);
     EXPECT_EQ(call.record.text(), "");
-    log.expectNoLines();
+    log.expectLines({summary(server.port(), 2)});
 }
 
 TEST(WFMGetNASUserUIDWire, CancelledOnTheWayItAsksNoFurther) {
@@ -364,7 +364,7 @@ TEST(WFMGetNASUserUIDWire, CancelledOnTheWayItAsksNoFurther) {
     EXPECT_EQ(call.run(), 2u);
     EXPECT_EQ(targets(server), Lines{kNew});
     EXPECT_EQ(call.record.text(), "");
-    log.expectNoLines();
+    log.expectLines({summary(server.port(), 2)});
 }
 
 TEST(WFMGetNASUserUIDWire, AFlagThatIsNotSetCancelsNothing) {
@@ -384,4 +384,30 @@ TEST(WFMGetNASUserUIDWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
         log, nullptr, "WFMGetNASUserUID",
         {[](UserUIDCall& call) { call.user = nullptr; }, [](UserUIDCall& call) { call.user = L""; },
          [](UserUIDCall& call) { call.out = nullptr; }});
+}
+
+TEST(WFMGetNASUserUIDWire, CancelledBehindARedirectOrOnTheWayBackItIsNoSuccess) {
+    for (const bool redirect : {true, false}) {
+        SCOPED_TRACE(redirect);
+        bool cancel = false;
+        int answered = 0;
+        RawServer server([&](const Request&) {
+            if (redirect) {
+                cancel = true;
+                return Reply::status(302);
+            }
+            // An old place that tells of the sync service leads back.
+            if (++answered == 1) return Reply::status(404);
+            cancel = true;
+            return identity("4.3");
+        });
+        UserUIDCall call(server);
+        call.tlsPort = server.port();
+        call.cancel = &cancel;
+        LogCapture log;
+        EXPECT_EQ(call.run(), 2u);
+        EXPECT_EQ(server.requestCount(), redirect ? 1u : 2u);
+        EXPECT_EQ(call.record.text(), "");
+        log.expectLines({summary(server.port(), 2)});
+    }
 }

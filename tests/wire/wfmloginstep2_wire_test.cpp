@@ -83,14 +83,6 @@ TEST(WFMLoginStep2Wire, TheSessionKeepsNoAgent) {
     EXPECT_EQ(nextRequestOf(login.made).header("User-Agent"), "VEXA Torvi");
 }
 
-TEST(WFMLoginStep2Wire, NeitherActsForSomeoneNorLetsItsSession) {
-    const RawServer server({Reply::text(SecondStep::accepted("s"))});
-    SecondStep login(server);
-    ASSERT_EQ(login.run(), 0u);
-    EXPECT_EQ(server.onlyRequest().headerCount("X-Forwarded-For"), 0u);
-    EXPECT_EQ(nextRequestOf(login.made).headerCount("X-Forwarded-For"), 0u);
-}
-
 TEST(WFMLoginStep2Wire, ARefusalIs14AndTellsWhetherTriesAreLeft) {
     const std::vector<std::string> lines = {kNoSession, kSummary14};
     const std::string left =
