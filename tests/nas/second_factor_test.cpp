@@ -27,7 +27,7 @@ TEST_F(NasSecondFactor, WrongPasswordTellsNothingOfTheStep) {
     const Json::Value reply = managerLogin("anna", "Secret").json();
     EXPECT_EQ(3, reply["status"].asInt());
     EXPECT_FALSE(reply.isMember("need_2sv"));
-    const NasReply step = auth(codeQuery("a+1'3/57"), "anna", "Secret");
+    const NasReply step = auth(codeQuery(kCode), "anna", "Secret");
     EXPECT_EQ("0", element(step, "authPassed"));
     EXPECT_EQ("1", element(step, "errorValue"));
     EXPECT_EQ("(none)", element(step, "need_2sv"));
@@ -48,7 +48,7 @@ TEST_F(NasSecondFactor, SyncLoginRefusesWithoutAWord) {
 }
 
 TEST_F(NasSecondFactor, RightCodeAsItWasTypedOpensASessionOfBothServices) {
-    const NasReply reply = auth(codeQuery("a+1'3/57"), "anna", "secret");
+    const NasReply reply = auth(codeQuery(kCode), "anna", "secret");
     EXPECT_EQ(200, reply.http);
     EXPECT_EQ("text/xml", reply.headers.at("content-type"));
     EXPECT_THAT(reply.body, testing::StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>"));
@@ -60,7 +60,7 @@ TEST_F(NasSecondFactor, RightCodeAsItWasTypedOpensASessionOfBothServices) {
     EXPECT_EQ(1, listStatus(sid));
     EXPECT_EQ(1, listStatus(sid, "torvi/torvisrv.cgi"));
     // What a URL may hold encoded is the same code.
-    EXPECT_EQ("1", element(auth(codeQuery("a%2B1%273%2F57"), "anna", "secret"), "authPassed"));
+    EXPECT_EQ("1", element(auth(codeQuery(encoded(kCode)), "anna", "secret"), "authPassed"));
 }
 
 TEST_F(NasSecondFactor, AnswerOpensASessionAndIsNoCode) {
@@ -69,7 +69,7 @@ TEST_F(NasSecondFactor, AnswerOpensASessionAndIsNoCode) {
     EXPECT_EQ("0", element(reply, "isAdmin"));
     EXPECT_EQ(1, listStatus(element(reply, "authSid")));
     EXPECT_EQ("0", element(auth(codeQuery("Hill%20%C3%B6st"), "carl", "third"), "authPassed"));
-    EXPECT_EQ("0", element(auth(answerQuery("a+1'3/57"), "anna", "secret"), "authPassed"));
+    EXPECT_EQ("0", element(auth(answerQuery(kCode), "anna", "secret"), "authPassed"));
     EXPECT_EQ("1", element(auth(answerQuery("Rex%20(the%20first)"), "anna", "secret"), "authPassed"))
         << "the step that the login doesn't ask for first";
 }
@@ -85,27 +85,27 @@ TEST_F(NasSecondFactor, WrongStepsCountUntilTheAccountIsLocked) {
         EXPECT_EQ("3", element(wrong, "emergency_try_limit"));
         EXPECT_EQ(i, managerLogin("anna", "secret").json()["emergency_try_count"].asInt());
     }
-    const NasReply right = auth(codeQuery("a+1'3/57"), "anna", "secret");
+    const NasReply right = auth(codeQuery(kCode), "anna", "secret");
     EXPECT_EQ("0", element(right, "authPassed"));
     EXPECT_EQ("3", element(right, "errorValue"));
     EXPECT_EQ("3", element(right, "emergency_try_count"));
     EXPECT_EQ("1", element(auth(answerQuery("Hill%20%C3%B6st"), "carl", "third"), "authPassed"))
         << "another account is locked too";
     nas.control("POST", "tries/forget");
-    EXPECT_EQ("1", element(auth(codeQuery("a+1'3/57"), "anna", "secret"), "authPassed"));
+    EXPECT_EQ("1", element(auth(codeQuery(kCode), "anna", "secret"), "authPassed"));
 }
 
 TEST_F(NasSecondFactor, RightStepMakesWrongOnesForgotten) {
     auth(codeQuery("0"), "anna", "secret");
     auth(codeQuery("0"), "anna", "secret");
-    auth(codeQuery("a+1'3/57"), "anna", "secret");
+    auth(codeQuery(kCode), "anna", "secret");
     EXPECT_EQ(0, managerLogin("anna", "secret").json()["emergency_try_count"].asInt());
     EXPECT_EQ("1", element(auth(codeQuery("0"), "anna", "secret"), "emergency_try_count"));
 }
 
 TEST_F(NasSecondFactor, WrongPasswordIsNoTry) {
     for (int i = 0; i < 5; ++i) auth(codeQuery("0"), "anna", "guess");
-    EXPECT_EQ("1", element(auth(codeQuery("a+1'3/57"), "anna", "secret"), "authPassed"));
+    EXPECT_EQ("1", element(auth(codeQuery(kCode), "anna", "secret"), "authPassed"));
 }
 
 TEST_F(NasSecondFactor, QuestionComesInTheClientsLanguageIfThereIsAText) {
@@ -223,7 +223,7 @@ TEST_F(NasNoTryLimit, NeverLocks) {
     const Json::Value reply = managerLogin("anna", "secret").json();
     EXPECT_EQ(-1, reply["emergency_try_limit"].asInt());
     EXPECT_EQ(20, reply["emergency_try_count"].asInt());
-    EXPECT_EQ("1", element(auth(codeQuery("a+1'3/57"), "anna", "secret"), "authPassed"));
+    EXPECT_EQ("1", element(auth(codeQuery(kCode), "anna", "secret"), "authPassed"));
 }
 
 TEST(NasSecondFactorOptions, RulesThatAreNoneEndTheProgram) {

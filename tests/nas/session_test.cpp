@@ -62,6 +62,16 @@ TEST_F(NasSession, SyncLoginDoesNotTakeTwoFieldsOnly) {
                        .http);
 }
 
+TEST_F(NasSession, OnlyTheFileManagerTakesAnEmptyClientVersion) {
+    const auto http = [&](const std::string& target) {
+        NasRequest request = loginRequest("anna", "secret", target);
+        request.body.resize(request.body.size() - std::string("1.0").size());
+        return run(request.set("Content-Length", std::to_string(request.body.size()))).http;
+    };
+    EXPECT_EQ(200, http("/cgi-bin/filemanager/wfm2Login.cgi"));
+    EXPECT_EQ(400, http("/cgi-bin/torvi/torvisrv_login.cgi"));
+}
+
 TEST_F(NasSession, IdsAreNeverTheSame) {
     std::set<std::string> ids;
     for (int i = 0; i < 20; ++i) ids.insert(loginSid(nas.port(), "anna", "secret"));

@@ -8,8 +8,8 @@ namespace nas {
 
 namespace {
 
-// What URLs hold unencoded in a query, beside letters and digits.
-const std::string kTyped = "-._~!$'()*+,;=:@/?[]";
+// What URLs hold unencoded in a query, beside letters, digits and the "?" that the relay encodes.
+const std::string kTyped = "-._~!$'()*+,;=:@/[]";
 
 // Encodes what was typed, so that the strict decoder takes it.
 std::string typedEncoded(const std::string& value) {
