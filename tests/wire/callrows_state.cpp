@@ -149,7 +149,7 @@ void addStateRows(std::vector<CallRow>& rows) {
     row.timeoutMs = 7000;
     rows.push_back(row);
 
-    row = stateRow("WebFileManQueryUID", queryUID, "[WFMShare] WebFileManQueryUID");
+    row = stateRow("WebFileManQueryUID", queryUID, "[WFM] WebFileManQueryUID");
     row.goodReply = R"({"UID":"u"})";
     row.tooLarge = R"({"user_type":99999999999})";
     rows.push_back(row);
@@ -159,7 +159,8 @@ void addStateRows(std::vector<CallRow>& rows) {
                  "[WFM] PeltAPIGetVLinkInfo(127.0.0.1:{port}) failed dwStatus({status})"},
                 "[WFM] WFMGetNASUserUID({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER");
     row.needsSession = false;
-    row.has404 = row.redirectFails = true;
+    row.has404 = true;
+    row.redirect = {6, "FAIL(httpStatusCode=302)"};
     row.notFound = "[WFM] WFMGetNASUserUID(127.0.0.1:{port}): WFM_PARSE_XML_CGI_NOT_FOUND";
     row.notUnderstood = "[WFM] WFMGetNASUserUID(127.0.0.1:{port}): WFM_PARSE_XML_FAIL";
     row.timeoutMs = 15000;

@@ -52,5 +52,5 @@ TEST(WebFileManQueryUIDWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing)
     const SessionPtr session = makeSession();
     LogCapture log;
     expectRefusals<QueryUIDCall>(log, session.get(), "WebFileManQueryUID",
-                                 {[](QueryUIDCall& call) { call.out = nullptr; }}, kSharePrefix);
+                                 {[](QueryUIDCall& call) { call.out = nullptr; }});
 }
