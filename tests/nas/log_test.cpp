@@ -302,9 +302,39 @@ TEST_F(NasLog, ADeletedFolderIsStillKnownToTheLog) {
     ASSERT_EQ(1, makeFolder("/Public", "d").status());
     ASSERT_EQ(1, makeFolder("/Public/d", "e").status());
     ASSERT_EQ(1, remove("/Public", "d").status());
-    EXPECT_EQ("2", newest(sid, "/Public/d/e"));
+    EXPECT_THAT(changes(sid, "/Public/d/e"), ElementsAre("8 /Public/d/e/", "10 /Public/d/e/"));
     EXPECT_EQ("3", newest(sid, "/Public/d"));
     EXPECT_EQ(5, numbers(sid, "/Public/none")["status"].asInt());
+}
+
+TEST_F(NasLog, AFolderGoesAndComesWithWhatItLiesIn) {
+    ASSERT_EQ(1, put("/home/Plans", "a", "1").status());
+    ASSERT_EQ(1, makeFolder("/home", "Old").status());
+    ASSERT_EQ(1, move("/home", "Plans", "/home/Old").status());
+    ASSERT_EQ(1, rename("/home", "Old", "Older").status());
+    ASSERT_EQ(1, move("/home/Older", "Plans", "/home").status());
+    EXPECT_THAT(changes(benSid),
+                ElementsAre("8 vtf://anna-Plans/a", "10 vtf://anna-Plans/", "8 vtf://anna-Plans/"));
+    EXPECT_THAT(changes(sid, "/home/Older/Plans"),
+                ElementsAre("8 /home/Older/Plans/", "10 /home/Older/Plans/"));
+}
+
+TEST_F(NasLog, ManyAtOnceGetNumbersInARow) {
+    std::vector<std::thread> writers;
+    for (int i = 0; i < 8; ++i) {
+        writers.emplace_back([this, i] {
+            for (int k = 0; k < 4; ++k) makeFolder("/home", std::to_string(i) + "-" + std::to_string(k));
+        });
+    }
+    for (std::thread& writer : writers) writer.join();
+    const Json::Value all = log(sid);
+    ASSERT_EQ(32U, all["data"].size());
+    for (Json::ArrayIndex i = 0; i < 32; ++i)
+        EXPECT_EQ(std::to_string(i + 1), all["data"][i]["log_id"].asString());
+    nas.kill();
+    nas.startAgain();
+    sid = loginSid(nas.port(), "anna", "secret");
+    EXPECT_EQ(all, log(sid));
 }
 
 TEST_F(NasLog, OthersFoldersAreRefused) {

@@ -287,6 +287,25 @@ TEST_F(NasVeto, VetoFilesStandBetweenSlashes) {
     EXPECT_EQ(veto(), get(manager("func=nubo_get_veto_files&sid=" + sid)).json());
 }
 
+TEST_F(NasState, BadListsOnTheCommandLineAreRefused) {
+    for (const std::vector<std::string>& wrong :
+         std::vector<std::vector<std::string>>{{"--veto", "a/b"},
+                                               {"--veto", ""},
+                                               {"--volume", "Public"},
+                                               {"--volume", "Public:many"},
+                                               {"--volume", "homes:5"},
+                                               {"--volume", "Public:5", "--volume", "Public:6"},
+                                               {"--changes-kept", "0"}}) {
+        TempDir root;
+        std::vector<std::string> arguments = {"--root", root.string()};
+        arguments.insert(arguments.end(), wrong.begin(), wrong.end());
+        const ProcessResult result = runProcess(TORVI_NAS_PATH, arguments);
+        EXPECT_GT(result.exitCode, 0) << wrong[1];
+        EXPECT_LT(result.exitCode, 128);
+        EXPECT_THAT(result.err + result.out, HasSubstr(wrong[0])) << wrong[1];
+    }
+}
+
 TEST_F(NasState, QueriesAreExact) {
     const auto refused = [&](const std::string& query, const std::string& reason) {
         for (const std::string& target : {cgi(query), manager(query)}) {

@@ -35,6 +35,11 @@ std::string placeOfPath(Service& service, const User& user, const std::string& p
     }
 }
 
+bool takesAlong(Action action) {
+    return action == Action::Deleted || action == Action::Renamed || action == Action::Moved ||
+           action == Action::Recovered;
+}
+
 std::string withoutLastSlash(std::string path) {
     while (path.size() > 1 && path.back() == '/' && path != kScheme) {
         path.pop_back();
@@ -80,7 +85,7 @@ LogView::LogView(Service& service, const User& user, const std::string& folder) 
     }
 }
 
-std::optional<std::string> LogView::shownPath(const std::string& place) const {
+std::optional<std::string> LogView::shownPath(const std::string& place, bool withAllBelow) const {
     if (place.empty()) {
         return std::nullopt;
     }
@@ -89,12 +94,21 @@ std::optional<std::string> LogView::shownPath(const std::string& place) const {
             return path + place.substr(folder.size());
         }
     }
-    return shares_ && !liesBelow(place, kHomes) ? std::optional<std::string>("/" + place) : std::nullopt;
+    if (shares_ && !liesBelow(place, kHomes)) {
+        return "/" + place;
+    }
+    for (const auto& [folder, path] : folders_) {
+        if (withAllBelow && liesBelow(folder, place)) {
+            return path;
+        }
+    }
+    return std::nullopt;
 }
 
 std::optional<Change> LogView::show(const Change& change) const {
-    const std::optional<std::string> now = shownPath(change.place);
-    const std::optional<std::string> was = shownPath(change.former);
+    const bool withAllBelow = takesAlong(change.action);
+    const std::optional<std::string> now = shownPath(change.place, withAllBelow);
+    const std::optional<std::string> was = shownPath(change.former, withAllBelow);
     if (!now && !was) {
         return std::nullopt;
     }

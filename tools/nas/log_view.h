@@ -29,7 +29,8 @@ public:
     int64_t newest() const;
 
 private:
-    std::optional<std::string> shownPath(const std::string& place) const;
+    // What happens to all that lies below a place happens to the user's folder there as well.
+    std::optional<std::string> shownPath(const std::string& place, bool withAllBelow) const;
 
     const ChangeLog* log_;
     bool shares_ = false;
