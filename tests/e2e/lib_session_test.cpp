@@ -99,16 +99,25 @@ TEST_P(LibLogin, TellsTheServersNameAndWhoIsAnAdministrator) {
     EXPECT_EQ(utf8(anna.serverName), "Büro 書類");
     EXPECT_TRUE(anna.isAdmin);
     EXPECT_FALSE(ben.isAdmin);
+    EXPECT_NE(anna.session, nullptr);
+    if (GetParam().service == Service::FileManager) return;
     EXPECT_FALSE(anna.isSlave);
     EXPECT_EQ(utf8(anna.network.szLocalIP), "127.0.0.1");
     EXPECT_EQ(anna.network.nPort, nas.port());
     EXPECT_EQ(anna.network.nSslPort, nas.tlsPort());
-    wchar_t sids[2][260] = {};
-    std::uint32_t capacity = 260;
-    ASSERT_EQ(WFMGetSid(anna.session.get(), &capacity, sids[0]), 0u);
-    ASSERT_EQ(WFMGetSid(ben.session.get(), &capacity, sids[1]), 0u);
-    EXPECT_EQ(std::wstring(sids[0]).size(), 32u);
-    EXPECT_STRNE(sids[0], sids[1]);
+}
+
+TEST_P(LibLogin, EachLoginHasASessionOfItsOwnThatKnowsItsService) {
+    Nas nas;
+    const Client one(nas, GetParam()), two(nas, GetParam());
+    EXPECT_EQ(one.sid().size(), 32u);
+    EXPECT_NE(one.sid(), two.sid());
+    bool isSync = GetParam().service == Service::FileManager;
+    EXPECT_EQ(WFMGetUseNuboCGI(one.context(), &isSync), 0u);
+    EXPECT_EQ(isSync, GetParam().service != Service::FileManager);
+    EXPECT_EQ(one.logout(), 0u);
+    EXPECT_EQ(one.stat(L"/home", L"a"), (Numbers{0, -1}));
+    EXPECT_EQ(two.stat(L"/home", L"a"), (Numbers{0, 3}));
 }
 
 TEST_P(LibLogin, AWrongPasswordOrUserIsRefusedWithItsCodeAndNoContext) {
@@ -138,7 +147,8 @@ TEST_P(LibLogin, APasswordOfAnyScriptArrivesWhole) {
 
 TEST_P(LibLogin, AServerWithoutTheServiceIsToldApart) {
     Nas nas(withArguments({GetParam().service == Service::Fcgi ? "--no-fcgi" : "--no-sync-service"}));
-    EXPECT_EQ(loginTo(nas).run(), (Numbers{10, -1}));
+    const bool isThere = GetParam().service == Service::FileManager;
+    EXPECT_EQ(loginTo(nas).run(), (isThere ? kDone : Numbers{10, -1}));
 }
 
 TEST_P(LibLogin, AServerThatIsGoneIsNotConnected) {

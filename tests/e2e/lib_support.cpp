@@ -9,8 +9,6 @@ namespace e2e {
 
 namespace {
 
-constexpr const wchar_t* kAgent = L"e2e";
-
 Entry entryOf(const _WFM_PATH_INFORMATION& record) {
     Entry entry;
     entry.name = utf8(record.szPathName);
@@ -56,6 +54,10 @@ std::vector<Road> syncRoads() {
     return roads;
 }
 
+std::vector<Road> fileManagerRoads() {
+    return {{Service::FileManager, false}, {Service::FileManager, true}};
+}
+
 std::string name(const Road& road) {
     const char* const service = road.service == Service::Sync   ? "Sync"
                                 : road.service == Service::Fcgi ? "Fcgi"
@@ -93,15 +95,19 @@ Numbers Login::run() {
     wchar_t nameField[260] = {};
     _WFM_AUTH_CONTEXT* context = nullptr;
     const Numbers numbers = numbersOf([&](std::uint32_t* result) {
-        return TorviLogin(kServer, port, user.c_str(), password.c_str(), road.tls, L"computer", L"uid",
-                          kAgent, 1, 260, proxyMode, proxyHost.c_str(), proxyUser.c_str(),
-                          proxyPassword.c_str(), nullptr, L"1.0", 0, &timeoutMs,
-                          road.service == Service::Fcgi, nameField, &isAdmin, &isSlave, result, &context, 0,
-                          &network);
+        return road.service == Service::FileManager
+                   ? WFMLogin(kServer, port, user.c_str(), password.c_str(), road.tls, computer.c_str(),
+                              L"uid", kAgent, 1, 260, proxyMode, proxyHost.c_str(), proxyUser.c_str(),
+                              proxyPassword.c_str(), nullptr, L"1.0", 0, &timeoutMs, nameField, &isAdmin,
+                              result, &context)
+                   : TorviLogin(kServer, port, user.c_str(), password.c_str(), road.tls, computer.c_str(),
+                                L"uid", kAgent, 1, 260, proxyMode, proxyHost.c_str(), proxyUser.c_str(),
+                                proxyPassword.c_str(), nullptr, L"1.0", 0, &timeoutMs,
+                                road.service == Service::Fcgi, nameField, &isAdmin, &isSlave, result,
+                                &context, 0, &network);
     });
     serverName = nameField;
     session.reset(context);
-    if (session && road.service == Service::FileManager) wire::useFileManager(*session);
     return numbers;
 }
 
@@ -274,7 +280,16 @@ Numbers Client::download(const std::wstring& from, std::string& bytes) const {
 }
 
 std::uint32_t Client::logout() const {
-    return TorviLogout(kServer, m_port, false, context());
+    bool isSync = false;
+    WFMGetUseNuboCGI(context(), &isSync);
+    return (isSync ? TorviLogout : WFMLogout)(kServer, m_port, false, context());
+}
+
+std::wstring Client::sid() const {
+    wchar_t text[260] = {};
+    std::uint32_t capacity = 260;
+    if (WFMGetSid(context(), &capacity, text) != 0) throw std::runtime_error("no session id");
+    return text;
 }
 
 Nas::Options withArguments(std::vector<std::string> arguments) {

@@ -29,6 +29,7 @@ struct Road {
 const std::vector<Road>& allRoads();
 /// Those that know team folders.
 std::vector<Road> syncRoads();
+std::vector<Road> fileManagerRoads();
 std::string name(const Road& road);
 std::string roadName(const testing::TestParamInfo<Road>& info);
 void PrintTo(const Road& road, std::ostream* out);
@@ -51,14 +52,16 @@ Numbers numbersOf(Call call) {
     return {status, static_cast<std::int32_t>(result)};
 }
 inline constexpr const wchar_t* kServer = L"127.0.0.1";
+inline constexpr const wchar_t* kAgent = L"e2e";
 
 std::string utf8(const std::wstring& text);
 std::wstring wide(const std::string& text);
 
+/// At the service of its road: the file manager has a login of its own.
 struct Login {
     std::uint16_t port = 0;
     Road road;
-    std::wstring user = L"anna", password = L"secret";
+    std::wstring user = L"anna", password = L"secret", computer = L"computer";
     std::uint32_t proxyMode = 0;
     std::wstring proxyHost, proxyUser, proxyPassword;
     std::uint32_t timeoutMs = 0;
@@ -67,7 +70,9 @@ struct Login {
 
     wire::SessionPtr session;
     std::wstring serverName;
-    bool isAdmin = false, isSlave = false;
+    bool isAdmin = false;
+    // The file manager's doesn't tell these.
+    bool isSlave = false;
     _WFM_NETWORK_INFORMATION network = {};
 };
 
@@ -192,7 +197,9 @@ public:
     Numbers download(Download& download) const;
     /// The whole file.
     Numbers download(const std::wstring& from, std::string& bytes) const;
+    /// At the service that opened the session.
     std::uint32_t logout() const;
+    std::wstring sid() const;
 
     Numbers makeFolder(const std::wstring& parent, const std::wstring& name) const;
     Numbers remove(const std::wstring& path) const;

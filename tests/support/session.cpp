@@ -1,23 +1,12 @@
 #include "support/session.h"
 
-#include <algorithm>
 #include <stdexcept>
 
-// The record is the library's own business. No export makes a session of the web file manager or sets a proxy
-// after the login yet, so what a login would have left is written here, and nowhere else.
+// A session of the web file manager that belongs to a node can't be had from outside: what makes it one is
+// written here, and nowhere else.
 #include "../../src/core/authcontext.h"
 
 namespace wire {
-
-namespace {
-
-void copyText(wchar_t (&field)[260], const std::wstring& text) {
-    if (text.size() >= 260) throw std::length_error("too long for the session's field");
-    std::fill(std::begin(field), std::end(field), L'\0');
-    std::copy(text.begin(), text.end(), field);
-}
-
-}  // namespace
 
 std::string loginReply(const SessionOptions& options) {
     std::string reply = R"({"status":1,"sid":")" + options.sid + R"(","admingroup":"1","servername":"nas")";
@@ -44,12 +33,9 @@ SessionPtr makeSession(const SessionOptions& options) {
         throw std::runtime_error("the login of the test failed: dwStatus " + std::to_string(status) +
                                  ", result " + std::to_string(static_cast<std::int32_t>(result)));
     }
-    if (options.proxyMode != 0) {
-        session->dwProxyMode = options.proxyMode;
-        copyText(session->szProxyHost, options.proxyHost);
-        copyText(session->szProxyUser, options.proxyUser);
-        copyText(session->szProxyPassword, options.proxyPassword);
-    }
+    if (options.proxyMode != 0)
+        WFMSetProxyContext(session.get(), options.proxyMode, 0, options.proxyHost.c_str(), L"",
+                           options.proxyUser.c_str(), options.proxyPassword.c_str());
     if (options.fileManager) useFileManager(*session);
     return session;
 }
