@@ -1,7 +1,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "lib_support.h"
+#include "WebFileManShareAPI.h"
+#include "lib_login.h"
+#include "lib_state.h"
 #include "support/nginx.h"
 #include "support/progress.h"
 
@@ -27,13 +29,28 @@ std::string templateText() {
 class LibCluster : public testing::TestWithParam<Road> {
 protected:
     static std::vector<std::string> node(const TempDir& sessions, const std::string& id) {
-        return {"--slave-id", id, "--session-dir", sessions.file("sids"), "--team", "ben:/home/Plans:anna"};
+        return {"--slave-id",          id,       "--server-name",       "host of " + id, "--session-dir",
+                sessions.file("sids"), "--team", "ben:/home/Plans:anna"};
     }
     Login loginAtTheFront() {
         Login login;
         login.road = GetParam();
         login.port = frontPort();
         return login;
+    }
+    Activation activation(const std::wstring& token, const std::wstring& node) const {
+        Activation activation;
+        activation.port = frontPort();
+        activation.tls = GetParam().tls;
+        activation.token = token;
+        activation.node = node;
+        activation.ownNode = L"master";
+        return activation;
+    }
+    static Numbers activate(const Client& client, const wchar_t* node) {
+        return numbersOf([&](std::uint32_t* result) {
+            return TorviActivateSid(kServer, client.port(), client.context(), node, result);
+        });
     }
     std::uint16_t frontPort() const { return GetParam().tls ? front.tlsPort() : front.port(); }
 
@@ -164,15 +181,107 @@ TEST_P(LibCluster, TheNodeThatIsToldAtLoginIsTheContexts) {
     Login login = loginAtTheFront();
     EXPECT_EQ(login.run(), kDone);
     EXPECT_TRUE(login.isSlave);
-    wchar_t id[260] = {};
-    std::uint32_t capacity = 260;
-    EXPECT_EQ(WFMGetSlaveID(login.session.get(), &capacity, id), 0u);
-    EXPECT_STREQ(id, L"master");
+    EXPECT_EQ(slaveID(login.session.get()), L"master");
     // A slave's session is ended by its master; only a forced logout says so to the server.
     EXPECT_EQ(TorviLogout(kServer, frontPort(), false, login.session.get()), 0u);
     EXPECT_EQ(master.requestCount("logout"), 0);
     EXPECT_EQ(TorviLogout(kServer, frontPort(), true, login.session.get()), 0u);
     EXPECT_EQ(master.requestCount("logout"), 1);
+}
+
+TEST_P(LibCluster, TheOtherNodeTakesTheSessionOverUntilItEnds) {
+    const Client client(loginAtTheFront());
+    other.forgetRequests();
+    EXPECT_EQ(activate(client, L"node2"), kDone);
+    EXPECT_EQ(other.requestCount("activate"), 1);
+    EXPECT_EQ(activate(client, L"MASTER"), kDone);
+    EXPECT_EQ(activate(client, nullptr), kDone);
+    EXPECT_EQ(other.requestCount("activate"), 1);
+    EXPECT_EQ(TorviLogout(kServer, frontPort(), true, client.context()), 0u);
+    EXPECT_EQ(activate(client, L"node2"), (Numbers{0, -2}));
+    EXPECT_EQ(other.requestCount("activate"), 2);
+}
+
+TEST_P(LibCluster, ATokenMakesASessionAtEitherNode) {
+    const Client client(loginAtTheFront());
+    other.forgetRequests();
+    Activation there = activation(client.sid(), L"node2");
+    EXPECT_EQ(there.run(), kDone);
+    EXPECT_EQ(utf8(there.serverName), "host of node2");
+    EXPECT_EQ(slaveID(there.session.get()), L"master");
+    EXPECT_EQ(other.requestCount("activate"), 1);
+    Client second(there.port, std::move(there.session));
+    second.learnTeamFolders(master, L"node2");
+    EXPECT_EQ(second.upload({"plan", L"/home/.Torvi/Plans/p"}), kDone);
+    EXPECT_EQ(other.folder().read("homes/ben/Plans/p"), "plan");
+    Activation here = activation(client.sid(), L"Master");
+    EXPECT_EQ(here.run(), kDone);
+    EXPECT_EQ(utf8(here.serverName), "host of master");
+    other.expireSessions();
+    EXPECT_EQ(activation(client.sid(), L"node2").run(), (Numbers{0, -2}));
+}
+
+TEST_P(LibCluster, TheListOfSyncFoldersTellsEachNodesOwn) {
+    master.folder().write("Public/p", "p");
+    other.folder().write("Films 書類/f", "f");
+    const Client client(loginAtTheFront());
+    std::vector<SyncFolder> folders;
+    EXPECT_EQ(syncFolders(client, folders, true, true), kDone);
+    std::vector<std::string> found;
+    for (const SyncFolder& folder : folders) {
+        found.push_back(folder.node + " (" + folder.host + ") " + folder.path);
+        EXPECT_EQ("/" + folder.name, folder.path);
+        EXPECT_EQ(folder.privilege, 2);
+        EXPECT_EQ(folder.volume, 0);
+        EXPECT_EQ(folder.used, -1);
+        EXPECT_EQ(folder.capacity, -1);
+        EXPECT_EQ(folder.free, -1);
+    }
+    EXPECT_THAT(found, testing::UnorderedElementsAre(
+                           "master (host of master) /home", "master (host of master) /Public",
+                           "node2 (host of node2) /home", "node2 (host of node2) /Films 書類"));
+    EXPECT_EQ(master.requestCount("nubo_get_cluster_node_list"), 1);
+    EXPECT_EQ(master.requestCount("refused"), 0) << master.log();
+}
+
+TEST_P(LibCluster, TheOtherNodesLogIsAskedOfIt) {
+    Client client(loginAtTheFront());
+    client.learnTeamFolders(master, L"node2");
+    EXPECT_EQ(client.createFile(L"/home/.Torvi/Plans/p"), kDone);
+    EXPECT_EQ(client.createFile(L"/home/.Torvi/Plans/q"), kDone);
+    Newest here, there;
+    EXPECT_EQ(newest(client, here), kDone);
+    EXPECT_EQ(newest(client, there, {}, L"node2"), kDone);
+    EXPECT_EQ(here.change, 0);
+    EXPECT_EQ(there.change, 2);
+    std::vector<std::int64_t> several;
+    EXPECT_EQ(newestOf(client, {L"vtf://ben-Plans/"}, several, nullptr, L"node2"), kDone);
+    EXPECT_THAT(several, ElementsAre(2));
+    ChangeQuestion question;
+    question.node = L"node2";
+    question.folder = L"vtf://ben-Plans/";
+    EXPECT_EQ(ask(client, question), kDone);
+    EXPECT_THAT(texts(question.changes),
+                ElementsAre("made file vtf://ben-Plans/p", "made file vtf://ben-Plans/q"));
+    // Without a folder the node counts for nothing.
+    question.folder.clear();
+    EXPECT_EQ(ask(client, question), kDone);
+    EXPECT_THAT(question.changes, testing::IsEmpty());
+    EXPECT_EQ(other.requestCount("refused"), 0) << other.log();
+}
+
+TEST_P(LibCluster, EachNodeTellsItsOwnId) {
+    const Client client(loginAtTheFront());
+    for (const auto& [node, id] : {std::pair(L"", L"master"), std::pair(L"node2", L"node2")}) {
+        bool result = false;
+        _TORVI_INFORMATION record;
+        EXPECT_EQ(WebFileManGetTorviInformation(client.context(), kServer, client.port(), nullptr, node,
+                                                &result, &record),
+                  0u);
+        EXPECT_TRUE(result && record.bClusterSupport);
+        EXPECT_EQ(record.nClusterStatus, 1);
+        EXPECT_STREQ(record.szSlaveID, id);
+    }
 }
 
 TEST_P(LibCluster, ANodeThatIsGoneIsTheFrontEndsError) {
