@@ -156,6 +156,17 @@ TEST(CGetTorviSyncLogJson, PathsHaveUpTo4095Characters) {
     EXPECT_EQ(recordOf(R"(,"device":")" + std::string(260, 'd') + '"'), Lines{"path=/a action=1"});
 }
 
+TEST(CGetTorviSyncLogJson, KeepsOneRecordMoreThanItsCallerHasRoomForAndReadsOn) {
+    std::string entries = R"({"filepath":"/a"})";
+    for (int i = 0; i < 9; ++i) entries += R"(,{"filepath":"/a"})";
+    CGetTorviSyncLogJson reply(2);
+    EXPECT_EQ(parse(reply, log(entries)), 1);
+    EXPECT_EQ(reply.records.size(), 3u);
+
+    CGetTorviSyncLogJson broken(2);
+    EXPECT_EQ(parse(broken, log(entries + R"(,{"filepath":[]})")), -1);
+}
+
 TEST(CGetTorviSyncLogJson, RefusesWhatCannotBeRead) {
     expectRefusesAllButObjects<CGetTorviSyncLogJson>(
         {R"({"status":99999999999})", R"({"status":0,"number":99999999999})",
