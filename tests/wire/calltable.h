@@ -46,7 +46,6 @@ struct CallRow {
     const char* notUnderstood = nullptr;
     /// The line of a missing CGI, if not the first of `failure` with its word.
     const char* notFound = nullptr;
-    bool redirectFails = false;  ///< takes a 302 for a failure, not for a reply
     const char* refused = nullptr;
     uint32_t refusedStatus = 8;
     uint32_t level = 32;                               ///< of its lines
