@@ -45,9 +45,9 @@ TEST(WFMTorviGetNASStaticInfoWire, ASuccessFillsTheRecord) {
         std::string reply;
         std::string record;
     } rows[] = {
-        {R"({"status":1,"model":"TS-1","fw_version":"5.1.0","queue_num_limit":"100",
+        {R"({"status":1,"model":"Shelf-1","fw_version":"5.1.0","queue_num_limit":"100",
             "msg_queue_num_limit":"5000000000"})",
-         "model=TS-1 firmware=5.1.0 queue=100 messages=5000000000"},
+         "model=Shelf-1 firmware=5.1.0 queue=100 messages=5000000000"},
         {R"({"status":"1","model":"模","queue_num_limit":5000000000})", "model=模 queue=5000000000"},
         {R"({"status":1,"model":")" + longest + R"(","fw_version":")" + longest + "m\"}", "model=" + longest},
         {R"({"status":1,"fw_version":")" + std::string(100000, 'v') + R"(","queue_num_limit":"many"})", ""},
@@ -68,13 +68,13 @@ TEST(WFMTorviGetNASStaticInfoWire, ASuccessFillsTheRecord) {
 TEST(WFMTorviGetNASStaticInfoWire, AnyOtherStatusIsTheResultAndLeavesTheRecordZeroed) {
     expectReplies<StaticInfoCall>(
         {
-            {R"({"status":4,"model":"TS-1"})", 0, -3, {errorStatus(-3)}},
-            {R"({"status":3,"model":"TS-1"})", 0, -29, {errorStatus(-29)}},
+            {R"({"status":4,"model":"Shelf-1"})", 0, -3, {errorStatus(-3)}},
+            {R"({"status":3,"model":"Shelf-1"})", 0, -29, {errorStatus(-29)}},
             {R"({"status":"-3"})", 0, -4, {errorStatus(-4)}},
-            {R"({"status":0,"model":"TS-1"})", 0, -2, {errorStatus(-2)}},
+            {R"({"status":0,"model":"Shelf-1"})", 0, -2, {errorStatus(-2)}},
             {R"({"status":34})", 0, -1, {errorStatus(-1)}},
-            {R"({"model":"TS-1"})", 0, -1, {errorStatus(-1)}},
-            {R"({"status":1,"model":["TS-1"]})",
+            {R"({"model":"Shelf-1"})", 0, -1, {errorStatus(-1)}},
+            {R"({"status":1,"model":["Shelf-1"]})",
              14,
              -1,
              {"[WFM] WFMTorviGetNASStaticInfo: WFM_PARSE_XML_FAIL",
