@@ -122,11 +122,13 @@ TEST(WebFileManGetTorviInformationWire, TheLineTellsTheServersStatus) {
 }
 
 TEST(WebFileManGetTorviInformationWire, AFailedCallIsNoAnswerAndLeavesTheRecordZeroed) {
-    for (const Reply& answer :
-         {Reply::status(503), Reply::json("[]"), Reply::json(R"({"home_is_exist":99999999999})")}) {
+    const std::pair<Reply, uint32_t> rows[] = {{Reply::status(503), 12},
+                                               {Reply::json("[]"), 14},
+                                               {Reply::json(R"({"home_is_exist":99999999999})"), 14}};
+    for (const auto& [answer, dwStatus] : rows) {
         RawServer server({answer});
         TorviInformationCall call(server);
-        EXPECT_NE(call.run(), 0u);
+        EXPECT_EQ(call.run(), dwStatus);
         EXPECT_EQ(call.isTold, 0);
         EXPECT_EQ(call.record.text(), "");
     }
