@@ -40,10 +40,10 @@ protected:
     LibShortLog() : LibLog({"--changes-kept", "3"}) {}
 };
 
-class LibQuota : public LibRoad {
+class LibUserQuota : public LibRoad {
 protected:
     static constexpr std::int64_t kLimit = 1 << 20;
-    LibQuota()
+    LibUserQuota()
         : LibRoad(withArguments({"--quota", "anna:" + std::to_string(kLimit), "--volume", "Public:3000000",
                                  "--volume", "Films:5368709120"})) {
         nas.folder().write("Public/p", std::string(1000, 'p'));
@@ -362,7 +362,7 @@ TEST_P(LibShortLog, AServerForgetsItsOldestChanges) {
     EXPECT_EQ(log.front().id, 2);
 }
 
-TEST_P(LibQuota, ItFallsByWhatIsUploadedAndRisesByWhatIsGone) {
+TEST_P(LibUserQuota, ItFallsByWhatIsUploadedAndRisesByWhatIsGone) {
     Quota found;
     EXPECT_EQ(quota(client, found), kDone);
     EXPECT_TRUE(found.enabled);
@@ -400,7 +400,7 @@ TEST_P(LibQuota, ItFallsByWhatIsUploadedAndRisesByWhatIsGone) {
     EXPECT_FALSE(client.upload({"x", L"/home/more"}) == kDone);
 }
 
-TEST_P(LibQuota, EveryVolumeIsToldIfAllAreWanted) {
+TEST_P(LibUserQuota, EveryVolumeIsToldIfAllAreWanted) {
     put("a", std::string(5000, 'a'));
     Quota found;
     EXPECT_EQ(quota(client, found, true), kDone);
@@ -415,7 +415,7 @@ TEST_P(LibQuota, EveryVolumeIsToldIfAllAreWanted) {
     }
 }
 
-TEST_P(LibQuota, AUserWithoutOneHearsOfTheVolumeAlone) {
+TEST_P(LibUserQuota, AUserWithoutOneHearsOfTheVolumeAlone) {
     const Client ben(nas, GetParam(), L"ben", L"hidden");
     Quota found;
     EXPECT_EQ(quota(ben, found), kDone);
@@ -512,7 +512,7 @@ TEST_P(LibSyncFolders, TheirSizesAreToldIfTheyAreWantedAndCountedAnewIfThatIs) {
 E2E_ON_ALL_ROADS(LibLog);
 E2E_ON_ALL_ROADS(LibTeamLog);
 E2E_ON_ALL_ROADS(LibShortLog);
-E2E_ON_ALL_ROADS(LibQuota);
+E2E_ON_ALL_ROADS(LibUserQuota);
 E2E_ON_ALL_ROADS(LibHome);
 E2E_ON_ALL_ROADS(LibVeto);
 E2E_ON_ALL_ROADS(LibSyncFolders);
