@@ -20,8 +20,8 @@ Numbers Activation::run() {
     _WFM_AUTH_CONTEXT* context = nullptr;
     const Numbers numbers = numbersOf([&](std::uint32_t* result) {
         return TorviActivateSid2(kServer, port, tls, token.c_str(), node.c_str(), kAgent, ownNode.c_str(),
-                                 260, 0, nullptr, nullptr, nullptr, nullptr, false, result, nameField,
-                                 &isAdmin, &context);
+                                 260, proxyMode, proxyHost.c_str(), proxyUser.c_str(), proxyPassword.c_str(),
+                                 nullptr, false, result, nameField, &isAdmin, &context);
     });
     session.reset(context);
     serverName = nameField;

@@ -26,6 +26,8 @@ struct Activation {
     std::wstring token;
     std::wstring node;     ///< that is asked
     std::wstring ownNode;  ///< that the session gets
+    std::uint32_t proxyMode = 0;
+    std::wstring proxyHost, proxyUser, proxyPassword;
 
     Numbers run();
 
