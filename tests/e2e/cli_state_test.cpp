@@ -11,7 +11,7 @@ namespace {
 class CliState : public CliOnRoads {
 protected:
     CliState()
-        : CliOnRoads(nasWith({"--quota", "ben:1048576", "--veto", "*.tmp", "--veto", ".DS_Store",
+        : CliOnRoads(nasWith({"--quota", "ben:1048576", "--veto", "*.tmp", "--veto", ".hidden-db",
                               "--external-address", "203.0.113.7", "--external-port", "8081"})) {}
     void asBen() { cli.become("ben", "hidden"); }
 };
@@ -93,8 +93,8 @@ TEST_P(CliState, HomeTellsWhereOnesOwnAndOthersLie) {
 }
 
 TEST_P(CliState, VetoListsTheNames) {
-    EXPECT_EQ(cli.run({"veto"}).out, "*.tmp\n.DS_Store\n");
+    EXPECT_EQ(cli.run({"veto"}).out, "*.tmp\n.hidden-db\n");
     const Json json = runJson({"veto"});
-    EXPECT_THAT(json["names"], ElementsAre("*.tmp", ".DS_Store"));
-    EXPECT_EQ(json["text"], "/*.tmp/.DS_Store/");
+    EXPECT_THAT(json["names"], ElementsAre("*.tmp", ".hidden-db"));
+    EXPECT_EQ(json["text"], "/*.tmp/.hidden-db/");
 }

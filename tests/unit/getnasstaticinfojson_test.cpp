@@ -22,15 +22,15 @@ TEST(CTorviGetNASStaticInfoJson, ReadsItsFieldsAndTranslatesTheStatus) {
         const wchar_t *model, *firmware;
         int64_t queue, messages;
     } rows[] = {
-        {R"({"status":1,"model":"TS-1","fw_version":"5.1.0","queue_num_limit":"100",
+        {R"({"status":1,"model":"Shelf-1","fw_version":"5.1.0","queue_num_limit":"100",
             "msg_queue_num_limit":"5000000000"})",
-         0, L"TS-1", L"5.1.0", 100, 5000000000},
+         0, L"Shelf-1", L"5.1.0", 100, 5000000000},
         {R"({"status":"1","model":"模 1","queue_num_limit":5000000000,
             "msg_queue_num_limit":"9223372036854775807"})",
          0, L"模 1", L"", 5000000000, INT64_MAX},
         {R"({"status":1,"queue_num_limit":"99999999999999999999","msg_queue_num_limit":"many"})", 0, L"", L"",
          INT64_MAX, 0},
-        {R"({"status":4,"model":"TS-1"})", -3, L"TS-1", L"", 0, 0},
+        {R"({"status":4,"model":"Shelf-1"})", -3, L"Shelf-1", L"", 0, 0},
         {R"({"status":3})", -29, L"", L"", 0, 0},
         {R"({"status":34})", -1, L"", L"", 0, 0},
         {"{}", -1, L"", L"", 0, 0},

@@ -107,6 +107,15 @@ TEST(CGetSyncingFolderListJson, ASizeNeedsItsNumberAndAValidUnit) {
     for (const auto& row : rows) EXPECT_EQ(folderOf(row.keys), Lines{row.expected}) << row.keys;
 }
 
+TEST(CGetSyncingFolderListJson, ANumberOrUnitBeyondItsFieldCountsAsNotSent) {
+    const auto sized = [](size_t zeros, const std::string& unit) {
+        return folderOf(R"("used_size":")" + std::string(zeros, '0') + R"(5","used_unit":")" + unit + "\"");
+    };
+    EXPECT_EQ(sized(258, "KB"), Lines{"used=5120"});
+    EXPECT_EQ(sized(259, "KB"), Lines{"used=0"});
+    EXPECT_EQ(sized(0, std::string(260, 'K')), Lines{""});
+}
+
 TEST(CGetSyncingFolderListJson, NumbersMayComeAsTextAndBeginUnknown) {
     EXPECT_EQ(folderOf(R"("privilege":"0","volume_id":"3")"), Lines{"privilege=0 volume=3"});
     EXPECT_EQ(folderOf(R"("privilege":null,"volume_id":null)"), Lines{""});

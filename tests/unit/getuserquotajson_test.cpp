@@ -142,6 +142,20 @@ TEST(CGetUserQuotaJson, ASizeThatCannotBeReadSpoilsItsElement) {
     EXPECT_EQ(elementOf(good, R"("1 KB")", unreadable), Lines{});
 }
 
+TEST(CGetUserQuotaJson, TheTopLevelRecordIsKeptWhateverCannotBeRead) {
+    const std::string unreadable = "\"" + std::string(2048, '1') + "\"";
+    CGetUserQuotaJson reply;
+    EXPECT_EQ(
+        parse(reply,
+              R"({"quota_enable":1,"quota_size":"3 KB","used_quota_size":"1 KB","avaiable_quota_size":)" +
+                  unreadable + "}"),
+        1);
+    ASSERT_EQ(reply.quotas.size(), 1u);
+    EXPECT_EQ(reply.quotas[0].llQuotaSize, 3072);
+    EXPECT_EQ(reply.quotas[0].llUsedSize, 1024);
+    EXPECT_EQ(reply.quotas[0].llAvailableSize, -1);
+}
+
 TEST(CGetUserQuotaJson, HugeSizesStayInRange) {
     EXPECT_EQ(quotasOf(R"({"vol_id":1,"quota_size":"99999999999 TB","used_quota_size":"1 bytes"})"),
               Lines{"volume=1 quota=9223372036854775807 available=9223372036854775806 used=1"});

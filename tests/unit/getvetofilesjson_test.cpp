@@ -7,6 +7,7 @@
 TEST(CGetVetoFilesJson, BeginsWithNothingLearnt) {
     const CGetVetoFilesJson reply;
     EXPECT_EQ(reply.GetVetoFiles(), L"");
+    EXPECT_EQ(reply.GetStatus(), -1);
 }
 
 TEST(CGetVetoFilesJson, ReadsTheKeyWithTheBlankAsItIs) {
@@ -31,6 +32,9 @@ TEST(CGetVetoFilesJson, ReadsTheKeyWithTheBlankAsItIs) {
 }
 
 TEST(CGetVetoFilesJson, KeepsTheServersOwnStatus) {
+    CGetVetoFilesJson none;
+    EXPECT_EQ(parse(none, "{}"), 1);
+    EXPECT_EQ(none.GetStatus(), -1);
     for (const int status : {0, 1, 3, 4, -3, 34}) {
         CGetVetoFilesJson reply;
         EXPECT_EQ(parse(reply, R"({"status":)" + std::to_string(status) + "}"), 1);

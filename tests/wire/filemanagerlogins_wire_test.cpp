@@ -212,6 +212,15 @@ TYPED_TEST(FileManagerLoginWire, TheSessionSpeaksToTheFileManagerWithItsSid) {
     EXPECT_EQ(nextRequestOf(login.made).target(), targetOf("filemanager/utilRequest.cgi", "sid-7"));
 }
 
+TYPED_TEST(FileManagerLoginWire, TheSessionIsNoneOfFcgi) {
+    RawServer server(
+        {Reply::text(TypeParam::accepted("sid-7")), Reply::json(R"({"status":1,"success":"true"})")});
+    TypeParam login(server);
+    ASSERT_EQ(login.run(), 0u);
+    EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
+    EXPECT_EQ(server.request(1).target(), "/cgi-bin/torvi/torvisrv_logout.cgi?sid=sid-7&logout=1");
+}
+
 TYPED_TEST(FileManagerLoginWire, ASessionOfTlsGoesOnWithTls) {
     RawServer::Options tls;
     tls.certificate = Certificate::SelfSigned;

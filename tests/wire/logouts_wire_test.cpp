@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <memory>
+
 // Only here can a session without a sid be had.
 #include "../../src/core/authcontext.h"
 #include "support/logcapture.h"
@@ -72,13 +75,14 @@ TEST_P(LogoutWire, GoesThroughTheSessionsProxy) {
 }
 
 TEST_P(LogoutWire, LeavesTheSessionAsItIs) {
-    const RawServer server({Reply::json(kDone)});
-    const SessionPtr session = makeSession();
-    EXPECT_EQ(run(server, session), 0u);
-    uint32_t capacity = 260;
-    wchar_t sid[260];
-    EXPECT_EQ(WFMGetSid(session.get(), &capacity, sid), 0u);
-    EXPECT_STREQ(sid, L"sid123");
+    for (const char* reply : {kDone, "no"}) {
+        const RawServer server({Reply::json(reply)});
+        const SessionPtr session = makeSession();
+        const auto before = std::make_unique<_WFM_AUTH_CONTEXT>(*session);
+        run(server, session);
+        EXPECT_EQ(std::memcmp(session.get(), before.get(), sizeof *before), 0);
+        EXPECT_STREQ(session->pszSid, L"sid123");
+    }
 }
 
 TEST_P(LogoutWire, ANullContextIs8WithoutALine) {

@@ -117,11 +117,13 @@ TEST(WFMGetUserHomePathWire, WithoutAHomeTheBufferStaysAsItWas) {
 }
 
 TEST(WFMGetUserHomePathWire, AFailedCallLeavesTheBufferAlone) {
-    for (const Reply& reply :
-         {Reply::status(503), Reply::json("[]"), Reply::json(R"({"status":1,"home":["/h"]})")}) {
+    const std::pair<Reply, uint32_t> rows[] = {{Reply::status(503), 12},
+                                               {Reply::json("[]"), 14},
+                                               {Reply::json(R"({"status":1,"home":["/h"]})"), 14}};
+    for (const auto& [reply, dwStatus] : rows) {
         RawServer server({reply});
         UserHomeCall call(server);
-        EXPECT_NE(call.run(), 0u);
+        EXPECT_EQ(call.run(), dwStatus);
         EXPECT_TRUE(call.isUntouched());
     }
 }

@@ -5,6 +5,8 @@
 #include "forms.h"
 #include "loginargs.h"
 #include "replies.h"
+// What no request shows is read where it lies.
+#include "../../src/core/authcontext.h"
 #include "support/logcapture.h"
 #include "support/proxy.h"
 
@@ -110,6 +112,22 @@ TEST(WFMLoginWire, TheSessionKeepsItsAgentIfThatFits) {
         EXPECT_EQ(server.onlyRequest().header("User-Agent"), std::string(length, 'a'));
         EXPECT_EQ(nextRequestOf(login.made).header("User-Agent"),
                   kept ? std::string(259, 'a') : "VEXA Torvi");
+    }
+}
+
+TEST(WFMLoginWire, TheSessionKeepsProxyTextsThatFit) {
+    for (const auto& [length, kept] : {std::pair{259, true}, {260, false}}) {
+        const RawServer server({Reply::json(kGood)});
+        const std::wstring text(length, L'p');
+        FileManagerLogin login(server);
+        login.proxyMode = 1;  // reads none of them
+        login.proxyHost = login.proxyUser = login.proxyPassword = text.c_str();
+        ASSERT_EQ(login.run(), 0u);
+        EXPECT_EQ(login.made->dwProxyMode, 1u);
+        const std::wstring expected = kept ? text : std::wstring();
+        EXPECT_EQ(login.made->szProxyHost, expected);
+        EXPECT_EQ(login.made->szProxyUser, expected);
+        EXPECT_EQ(login.made->szProxyPassword, expected);
     }
 }
 

@@ -85,6 +85,20 @@ TEST(WFMSetAutoProxyContextWire, EmptyTextsLeaveTheDestinationsAsTheyAre) {
     EXPECT_STREQ(destination->szProxyBypass, L"old");
 }
 
+TEST(WFMSetAutoProxyContextWire, EachTextIsHandedOnByItself) {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {{L"new:1", L""}, {L"", L"new"}, {L"", L""}};
+    for (const auto& [host, bypass] : rows) {
+        const SessionPtr destination = withProxy(1, L"old:1", L"old");
+        const SessionPtr source = withProxy(1, host, bypass);
+        _WFM_AUTO_PROXY_INFORMATION information = strange();
+        EXPECT_EQ(WFMSetAutoProxyContext(destination.get(), source.get(), &information), 1u);
+        EXPECT_STREQ(destination->szProxyHost, *host != L'\0' ? host : L"old:1");
+        EXPECT_STREQ(destination->szProxyBypass, *bypass != L'\0' ? bypass : L"old");
+        EXPECT_STREQ(information.szProxyHost, host);
+        EXPECT_STREQ(information.szProxyBypass, bypass);
+    }
+}
+
 TEST(WFMSetAutoProxyContextWire, TheLongestTextsFit) {
     const std::wstring host(259, L'h'), bypass(259, L'b');
     const SessionPtr destination = withProxy(1, L"old:1", L"old");

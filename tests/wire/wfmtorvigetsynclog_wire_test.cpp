@@ -97,6 +97,21 @@ TEST(WFMTorviGetSyncLogWire, WithoutAFolderTheNodeDoesNotCount) {
             routesWithoutNode());
 }
 
+TEST(WFMTorviGetSyncLogWire, TheNumberTravelsAsASignedOne) {
+    for (const auto& [number, sent] :
+         {std::pair{0x7FFFFFFFU, "2147483647"}, {0x80000000U, "-2147483648"}, {0xFFFFFFFFU, "-1"}})
+        for (const wchar_t* folder : {L"", L"/a"}) {
+            RawServer server({Reply::json("{}")});
+            SyncLogCall call(server);
+            call.number = number;
+            call.folder = folder;
+            call.run();
+            EXPECT_NE((server.onlyRequest().target() + "&").find(std::string("&number=") + sent + "&"),
+                      std::string::npos)
+                << server.onlyRequest().target();
+        }
+}
+
 TEST(WFMTorviGetSyncLogWire, TheLowerNumberTravelsWhole) {
     const std::pair<int64_t, const char*> rows[] = {
         {0, "0"},
@@ -191,7 +206,18 @@ TEST(WFMTorviGetSyncLogWire, ANullInTheListStopsTheCopying) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.signedResult(), -23);
     EXPECT_EQ(call.count, 1u);
+    EXPECT_EQ(call.endFlag, 1);
     EXPECT_EQ(call.texts(), (Lines{"path=/f1 id=1 action=1", "untouched", "untouched"}));
+    log.expectLines({kInsufficientBuffer});
+
+    RawServer again({Reply::json(logOf(3))});
+    SyncLogCall first(again);
+    first.pointers[0] = nullptr;
+    EXPECT_EQ(first.run(), 0u);
+    EXPECT_EQ(first.signedResult(), -23);
+    EXPECT_EQ(first.count, 0u);
+    EXPECT_EQ(first.endFlag, 1);
+    EXPECT_EQ(first.texts(), Lines(3, "untouched"));
 
     // One that isn't reached doesn't matter.
     RawServer shorter({Reply::json(logOf(1))});
@@ -233,6 +259,7 @@ TEST(WFMTorviGetSyncLogWire, WhatCannotBeReadIs14AndFillsNothing) {
         EXPECT_EQ(call.run(), 14u);
         EXPECT_EQ(call.signedResult(), -1);
         EXPECT_EQ(call.count, 0u);
+        EXPECT_EQ(call.endFlag, 0);
         EXPECT_EQ(call.texts(), Lines(3, "untouched"));
     }
 }

@@ -98,11 +98,12 @@ TEST(WFMTorviGetVetoFilesWire, AnEmptyTextChangesNothing) {
 }
 
 TEST(WFMTorviGetVetoFilesWire, AFailedCallLeavesBothAlone) {
-    for (const Reply& reply :
-         {Reply::status(503), Reply::json("[]"), Reply::json(R"({"veto files":["/x/"]})")}) {
+    const std::pair<Reply, uint32_t> rows[] = {
+        {Reply::status(503), 12}, {Reply::json("[]"), 14}, {Reply::json(R"({"veto files":["/x/"]})"), 14}};
+    for (const auto& [reply, dwStatus] : rows) {
         RawServer server({reply});
         VetoFilesCall call(server);
-        EXPECT_NE(call.run(), 0u);
+        EXPECT_EQ(call.run(), dwStatus);
         EXPECT_TRUE(call.isUntouched());
     }
 }

@@ -219,6 +219,23 @@ TEST(WFMValidIPWire, TheOldPlacesAnswerCountsAsTheFirsts) {
     }
 }
 
+TEST(WFMValidIPWire, AConnectionThatTheOldPlaceDropsIs2) {
+    const RawServer server({Reply::status(404), Reply::closeBeforeReply()});
+    LogCapture log(kAllLevels);
+    EXPECT_EQ(Probe(server).run(), 2u);
+    log.expectLines({said(": WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL(statusCode=0)"), summary(server, 2)});
+}
+
+TEST(WFMValidIPWire, WithoutAUidARedirectsPageIsAnAnswerToo) {
+    for (const auto& [page, dwStatus] : {std::pair{"moved", 0U}, {"", 14U}}) {
+        const RawServer server({Reply::status(302, page)});
+        Probe probe(server);
+        probe.uid = nullptr;
+        EXPECT_EQ(probe.run(), dwStatus);
+        EXPECT_EQ(server.requestCount(), 1u);
+    }
+}
+
 TEST(WFMValidIPWire, ComparesTheUidWithoutRegardToCase) {
     for (const wchar_t* uid : {L"Uid-1", L"UID-1", L"uid-1"}) {
         const RawServer server({Reply::json(kIdentity)});
