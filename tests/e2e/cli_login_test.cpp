@@ -58,9 +58,11 @@ protected:
 
 class CliMail : public CliTest {
 protected:
-    CliMail()
-        : CliTest(
-              nasWith({"--second-factor", "anna:mail=anna@example.org", "--mail-dir", mails().string()})) {}
+    CliMail() : CliMail("anna:mail=anna@example.org") {}
+    /// The login asks for the first of an account's factors.
+    explicit CliMail(const std::string& first)
+        : CliTest(nasWith({"--second-factor", first, "--second-factor", "anna:mail=anna@example.org",
+                           "--mail-dir", mails().string()})) {}
     static TempDir& mails() {
         static TempDir folder;
         return folder;
@@ -78,6 +80,11 @@ protected:
         std::smatch found;
         return std::regex_search(text, found, std::regex("code: ([0-9]{6})")) ? found[1].str() : "";
     }
+};
+
+class CliCodeOrMail : public CliMail {
+protected:
+    CliCodeOrMail() : CliMail("anna:code=654321") {}
 };
 
 class CliOldServer : public CliLogin {
@@ -151,6 +158,7 @@ TEST_F(CliCodeOldServer, EachCommandTakesTheStepAndListingsSayWhyTheyCannot) {
     EXPECT_EQ(cli.run({"stat", "/home", "--code", "654321"}).exitCode, 0);
     const ProcessResult list = cli.run({"ls", "/home", "--code", "654321"});
     EXPECT_EQ(list.exitCode, 1);
+    EXPECT_THAT(cli.run({"ls", "/", "--code", "654321"}).out, HasSubstr("home/"));
     EXPECT_THAT(list.err, HasSubstr("cannot list files"));
 }
 
@@ -188,6 +196,23 @@ TEST_F(CliMail, OnATerminalTheMailGoesOutByItself) {
     ASSERT_TRUE(process.waitFor([](const std::string& out, const std::string&) {
         return out.find("Security code") != out.npos;
     })) << process.out();
+    process.write(mailedCode() + "\n");
+    EXPECT_EQ(process.wait(), 0) << process.out();
+}
+
+TEST_F(CliCodeOrMail, OnATerminalAMailIsAskedForByALetter) {
+    Process::Options options = cli.options();
+    options.arguments = cli.connected({"login"});
+    options.terminal = true;
+    Process process(TORVI_PATH, options);
+    const auto shows = [&](const char* text) {
+        return process.waitFor(
+            [&](const std::string& out, const std::string&) { return out.find(text) != out.npos; });
+    };
+    ASSERT_TRUE(shows("Security code")) << process.out();
+    EXPECT_EQ(mailedCode(), "");
+    process.write("m\n");
+    ASSERT_TRUE(shows("on its way by mail")) << process.out();
     process.write(mailedCode() + "\n");
     EXPECT_EQ(process.wait(), 0) << process.out();
 }

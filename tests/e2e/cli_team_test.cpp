@@ -29,7 +29,8 @@ class CliTeamEdges : public CliTeam {};
 
 }  // namespace
 
-CLI_ON_ALL_ROADS(CliTeam);
+// The older service has no team folders.
+CLI_ON_ROADS(CliTeam, syncRoads());
 INSTANTIATE_TEST_SUITE_P(OneRoad, CliTeamEdges, testing::Values(CliRoad{}),
                          [](const auto& info) { return nameOf(info.param); });
 

@@ -53,11 +53,11 @@ void askIdentity(const Connection& connection, Identity& identity) {
         wide(connection.proxyPassword).c_str(), L"", &connection.timeoutMs, cancelFlag(), &identity.record);
     if (interrupted()) throwCancelled(what);
     if (dwStatus == 0) return;
-    Failure failure = statusFailure(what, dwStatus);
-    if (failure.exit() == Exit::Refused && !connection.tls)
-        failure = failure.withAdvice(
+    if (connection.tls || statusFailure(what, dwStatus).exit() != Exit::Refused)
+        throw statusFailure(what, dwStatus);
+    throw statusFailure(what, dwStatus)
+        .withAdvice(
             QStringLiteral("a server that insists on HTTPS answers so: try --tls, or --tls-port PORT"));
-    throw failure;
 }
 
 void line(const char* label, const QString& value) {

@@ -34,14 +34,29 @@ std::vector<Entry> listShares(const Session& session, const QString& what) {
 
 /// An empty listing is also what a missing folder, a refusal and a plain file look like: this tells them
 /// apart.
-std::vector<Entry> listWithoutPages(const Session& session, const ListQuery& query, const QString& what,
-                                    const QString& path) {
+Listing listWithoutPages(const Session& session, const ListQuery& query, const QString& what,
+                         const QString& path) {
+    Listing listing;
     if (path == QLatin1String("/")) {
-        return (query.typeFilter & kFolders) != 0 ? listShares(session, what) : std::vector<Entry>();
+        if ((query.typeFilter & kFolders) != 0) listing.entries = listShares(session, what);
+    } else {
+        const Entry entry = require(session, what, path);
+        if (!entry.folder) listing.entries = {entry};
     }
-    const Entry entry = require(session, what, path);
-    if (entry.folder) return {};
-    return {entry};
+    listing.total = static_cast<uint32_t>(listing.entries.size());
+    return listing;
+}
+
+/// The shares come by another call than what lies in them.
+Listing listWithoutFiles(const Session& session, const ListQuery& query, const QString& what,
+                         const QString& path) {
+    if (path != QLatin1String("/")) {
+        throw Failure(Exit::Refused,
+                      QStringLiteral("%1: a session that took a second step at the older service "
+                                     "cannot list files; what takes a path works")
+                          .arg(what));
+    }
+    return listWithoutPages(session, query, what, path);
 }
 
 }  // namespace
@@ -49,13 +64,7 @@ std::vector<Entry> listWithoutPages(const Session& session, const ListQuery& que
 Listing listFolder(const Session& session, const ListQuery& query, const QString& what, const QString& path) {
     const std::wstring pattern = wide(QString::fromStdString(query.pattern));
     const std::wstring folder = wide(path);
-
-    if (!session.canListFiles()) {
-        throw Failure(Exit::Refused,
-                      QStringLiteral("%1: a session that took a second step at the older service "
-                                     "cannot list files; what takes a path works")
-                          .arg(what));
-    }
+    if (!session.canListFiles()) return listWithoutFiles(session, query, what, path);
     Listing listing;
     uint32_t start = 0;
     uint32_t teamIndex = 0;
@@ -74,9 +83,7 @@ Listing listFolder(const Session& session, const ListQuery& query, const QString
         if (dwStatus != 0) throw callFailure(what, dwStatus, word);
         if (before == 0 && total == 0) {
             if (word != kNoMoreFiles) throw callFailure(what, dwStatus, word);
-            listing.entries = listWithoutPages(session, query, what, path);
-            listing.total = static_cast<uint32_t>(listing.entries.size());
-            return listing;
+            return listWithoutPages(session, query, what, path);
         }
         if (total > 0) listing.total = total;
         append(listing.entries, records);

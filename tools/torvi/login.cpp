@@ -118,12 +118,11 @@ Entrance enter(Connection& connection) {
         connection.olderService = true;
         return enterOlderService(connection);
     }
-    const Failure failure = failureOf(connection, attempt);
-    if (failure.exit() == Exit::NotAuthenticated) {
+    if (failureOf(connection, attempt).exit() == Exit::NotAuthenticated) {
         Entrance entrance = enterBySecondStep(connection);
         if (entrance.context != nullptr) return entrance;
     }
-    throw failure;
+    throw failureOf(connection, attempt);
 }
 
 }  // namespace
@@ -153,9 +152,9 @@ Entrance takeUp(const Connection& connection, const std::wstring& sid, const std
     if (context != nullptr) return entrance;
     const QString what = QStringLiteral("session of %1").arg(connection.identity());
     if (interrupted()) throwCancelled(what);
-    const Failure failure = callFailure(what, dwStatus, word);
     // A login would not get there either.
-    if (dwStatus != 0 && failure.exit() == Exit::CannotConnect) throw failure;
+    if (dwStatus != 0 && callFailure(what, dwStatus, word).exit() == Exit::CannotConnect)
+        throw callFailure(what, dwStatus, word);
     return entrance;
 }
 

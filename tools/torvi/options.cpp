@@ -11,8 +11,8 @@ constexpr const char* kCommandFooter =
 
 constexpr const char* kFooter = R"(
 Where a value comes from: the command line, then the environment (TORVI_SERVER, TORVI_PORT, TORVI_USER,
-TORVI_PASSWORD, TORVI_CODE, TORVI_ANSWER, TORVI_PROXY_USER, TORVI_PROXY_PASSWORD), then the profile that `torvi login` stored.
-The password is asked for on the terminal when none of these gives it.
+TORVI_PASSWORD, TORVI_CODE, TORVI_ANSWER, TORVI_PROXY_USER, TORVI_PROXY_PASSWORD), then the profile that
+`torvi login` stored. The password is asked for on the terminal when it is needed and none of these gives it.
 
 Examples:
   torvi probe --server nas.local                        who is there, before any login
