@@ -194,34 +194,40 @@ TEST_P(LibFault, AStalledLoginEndsWithItsTimeOutAndIsSentOnce) {
     login.timeoutMs = 1000;
     LogCapture log;
     EXPECT_EQ(login.run(), (Numbers{2, -1}));
-    log.expectLines({"[WFM] TorviLogin: FAIL(httpStatusCode=408)", "[WFM] TorviLogin failed dwStatus(2)"});
+    const std::string call = isSync() ? "[WFM] TorviLogin" : "[WFM] WFMLogin";
+    log.expectLines({call + ": FAIL(httpStatusCode=408)", call + " failed dwStatus(2)"});
     EXPECT_EQ(login.session, nullptr);
     EXPECT_EQ(nas.hits(id), 1);
     EXPECT_EQ(nas.requestCount("login"), 1);
 }
 
-TEST_P(LibFault, AFaultyLoginMakesNoSessionAndIsSentOnce) {
-    const std::pair<const char*, Numbers> rows[] = {
-        {"close-before-reply", {2, -1}},
-        {"close-in-reply,bytes=20", {2, -1}},
-        {"close-in-reply,bytes=5,body=1", {2, -1}},
-        {"reset", {2, -1}},
-        {"wrong-length,bytes=5", {2, -1}},
-        {"wrong-length,bytes=-5", {6, -1}},
-        {"garbage", {6, -1}},
-        {"http-status,status=503", {12, -1}},
-        {"http-status,status=404", {10, -1}},
-        {"http-status,status=500", {6, -1}},
-        {"http-status,status=302", {14, -8}},
-        {"reply,content={\"status\":1}", {14, 0}},
+TEST_P(LibFault, AFaultyLoginIsSentOnceAndMakesASessionOnlyOfAWholeReply) {
+    struct Row {
+        const char* fault;
+        Numbers sync, fileManager;
+    } const rows[] = {
+        {"close-before-reply", {2, -1}, {2, -1}},
+        {"close-in-reply,bytes=20", {2, -1}, {2, -1}},
+        // The file manager's login goes by the HTTP status, whatever became of the connection.
+        {"close-in-reply,bytes=5,body=1", {2, -1}, {14, -1}},
+        {"reset", {2, -1}, {2, -1}},
+        {"wrong-length,bytes=5", {2, -1}, kDone},
+        {"wrong-length,bytes=-5", {6, -1}, {14, -1}},
+        {"garbage", {6, -1}, {14, -1}},
+        {"http-status,status=503", {12, -1}, {12, -1}},
+        {"http-status,status=404", {10, -1}, {6, -1}},
+        {"http-status,status=500", {6, -1}, {6, -1}},
+        {"http-status,status=302", {14, -8}, {14, -8}},
+        {"reply,content={\"status\":1}", {14, 0}, {14, 0}},
     };
-    for (const auto& [fault, numbers] : rows) {
-        SCOPED_TRACE(fault);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.fault);
+        const Numbers& expected = isSync() ? row.sync : row.fileManager;
         nas.disarm();
-        const int id = nas.arm(std::string(fault) + ",match=login,count=-1");
+        const int id = nas.arm(std::string(row.fault) + ",match=login,count=-1");
         Login login = loginTo(nas, GetParam());
-        EXPECT_EQ(login.run(), numbers);
-        EXPECT_EQ(login.session, nullptr);
+        EXPECT_EQ(login.run(), expected);
+        EXPECT_EQ(login.session != nullptr, expected == kDone);
         EXPECT_EQ(nas.hits(id), 1);
     }
 }
