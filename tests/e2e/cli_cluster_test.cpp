@@ -1,4 +1,5 @@
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include "cli_support.h"
@@ -66,4 +67,26 @@ TEST_F(CliCluster, JobsOfATeamFolderAreWatchedOnItsNode) {
     EXPECT_EQ(made.exitCode, 0) << made.err;
     EXPECT_GE(other.requestCount("nubo_get_progress"), 1);
     EXPECT_EQ(master.requestCount("nubo_get_progress"), 0);
+}
+
+TEST_F(CliCluster, AKeptSessionStaysThatOfItsNode) {
+    other.folder().write("homes/ben/Plans/film", "1");
+    ASSERT_EQ(run({"login"}).exitCode, 0);
+    const ProcessResult list = cli.runWithoutPassword({"ls", "/home/.Torvi/Plans"});
+    EXPECT_EQ(list.exitCode, 0) << list.err;
+    EXPECT_THAT(list.out, HasSubstr("film"));
+    EXPECT_EQ(master.requestCount("get_list"), 0);
+    EXPECT_GE(other.requestCount("get_list"), 1);
+
+    const ProcessResult folders = cli.runWithoutPassword({"folders", "--json"});
+    ASSERT_EQ(folders.exitCode, 0) << folders.err;
+    const Json document = Json::parse(folders.out);
+    std::set<std::string> nodes;
+    for (const Json& folder : document["folders"]) nodes.insert(folder["node"]);
+    EXPECT_THAT(nodes, testing::ElementsAre("master", "node2"));
+
+    EXPECT_EQ(master.requestCount("login"), 1);
+    const ProcessResult logout = cli.runWithoutPassword({"logout", "--json"});
+    EXPECT_EQ(Json::parse(logout.out)["sessionsEnded"], 1) << logout.err;
+    EXPECT_EQ(master.requestCount("logout"), 1);
 }
