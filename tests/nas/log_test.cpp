@@ -416,6 +416,17 @@ TEST_F(NasShortLog, OldChangesAreForgottenAndNumbersAreNot) {
     EXPECT_EQ("5", newest(sid));
 }
 
+TEST_F(NasShortLog, ItsFileStaysSmall) {
+    for (int i = 0; i < 20; ++i) ASSERT_EQ(1, makeFolder("/home", std::to_string(i)).status());
+    const std::string file = nas.folder().read(".torvi-nas.changes");
+    EXPECT_LE(std::count(file.begin(), file.end(), '\n'), 6);
+    EXPECT_THAT(file, HasSubstr("homes/anna/19"));
+    nas.kill();
+    nas.startAgain();
+    sid = loginSid(nas.port(), "anna", "secret");
+    EXPECT_THAT(changes(sid), ElementsAre("8 /home/17/", "8 /home/18/", "8 /home/19/"));
+}
+
 TEST_F(NasLog, EveryAddressTellsTheSameNumbers) {
     ASSERT_EQ(1, makeFolder("/home", "a").status());
     ASSERT_EQ(1, makeFolder("/Public", "b").status());

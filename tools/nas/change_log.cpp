@@ -117,6 +117,7 @@ void ChangeLog::rewrite() {
     if (!file_) {
         throw std::runtime_error(std::string("cannot keep the log of changes: ") + std::strerror(errno));
     }
+    lines_ = 0;
     for (const Change& change : changes_) {
         append(change);
     }
@@ -128,6 +129,7 @@ void ChangeLog::rewrite() {
 void ChangeLog::append(const Change& change) {
     const std::string line = lineOf(change);
     writeAll(file_.get(), line.data(), line.size());
+    ++lines_;
 }
 
 void ChangeLog::add(Change change) {
@@ -149,6 +151,9 @@ void ChangeLog::add(Change change) {
     changes_.push_back(std::move(change));
     if (changes_.size() > kept_) {
         changes_.pop_front();
+    }
+    if (lines_ > 2 * kept_) {
+        rewrite();
     }
 }
 

@@ -68,6 +68,7 @@ private:
     const size_t kept_;
     Fd folder_;
     Fd file_;
+    size_t lines_ = 0;  // of the file; those of forgotten changes go now and then
     mutable std::mutex mutex_;
     std::deque<Change> changes_;
     int64_t last_ = 0;
