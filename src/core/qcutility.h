@@ -3,12 +3,10 @@
 #include <QByteArray>
 #include <QString>
 
-#include "WebFileManAPI.h"
-
 namespace Lattice {
 
 /// Path helpers in Qt's terms for the sync client, and a coder that hides text from a casual look.
-class TORVIAPI_EXPORT Utility {
+class Utility {
 public:
     static Utility& getInstance();
 

@@ -72,6 +72,8 @@ protected:
 class LibToken : public LibDoor {};
 class LibSystemSid : public LibRoad {};
 class LibWayIn : public LibDoor {};
+/// The file manager knows no cluster.
+class LibNode : public LibDoor {};
 
 }  // namespace
 
@@ -305,7 +307,7 @@ TEST_P(LibToken, ASessionOutsideAClusterIsNotTakenOver) {
     EXPECT_EQ(nas.requestCount(), 0);
 }
 
-TEST_P(LibToken, ANodeThatIsNotInItsClusterTakesNone) {
+TEST_P(LibNode, ANodeThatIsNotInItsClusterTakesNoToken) {
     const TempDir sessions;
     Nas ready(withArguments({"--session-dir", sessions.string(), "--slave-id", "one"}));
     Nas other(
@@ -340,8 +342,7 @@ TEST_P(LibWayIn, AServerThatInsistsOnTlsSaysSoToEveryDoor) {
     EXPECT_EQ(nas.requestCount("refused"), 0) << nas.log();
 }
 
-TEST_P(LibWayIn, ANodeThatIsNotReadyTellsItsAddressesAndOpensNoSession) {
-    if (GetParam().service == Service::FileManager) GTEST_SKIP() << "its login knows no cluster";
+TEST_P(LibNode, ANodeThatIsNotReadyTellsItsAddressesAndOpensNoSession) {
     Nas notReady(withArguments({"--slave-id", "one", "--cluster-status", "-1"}));
     Login toNotReady = login(notReady);
     EXPECT_EQ(toNotReady.run(), (Numbers{14, -37}));
@@ -413,5 +414,6 @@ TEST_P(LibSystemSid, OthersAreRefused) {
 
 INSTANTIATE_TEST_SUITE_P(Roads, LibSecondFactor, testing::ValuesIn(fileManagerRoads()), roadName);
 INSTANTIATE_TEST_SUITE_P(Roads, LibToken, testing::ValuesIn(syncRoads()), roadName);
+INSTANTIATE_TEST_SUITE_P(Roads, LibNode, testing::ValuesIn(syncRoads()), roadName);
 E2E_ON_ALL_ROADS(LibWayIn);
 E2E_ON_ALL_ROADS(LibSystemSid);
