@@ -153,6 +153,53 @@ TEST_P(LibLog, UploadsInSlicesAndBatchesAreInTheLogOnceTheyAreWhole) {
                                                     "made file /home/two", "rewritten file /home/one"));
 }
 
+TEST_P(LibLog, ACommittedVersionIsANewContentAndTheWorkOnItIsNone) {
+    EXPECT_EQ(client.createFile(L"/home/f"), kDone);
+    WFM_VERSIONING_LOCK lock = {};
+    ASSERT_EQ(client.lock(L"/home/f", lock), kDone);
+    const std::wstring work = std::wstring(L"/home/@Versions/") + lock.szVersionID;
+    EXPECT_EQ(client.upload({"new", work + L"/upload"}), kDone);
+    EXPECT_THAT(texts(changes(client)), ElementsAre("made file /home/f"));
+    std::wstring pid;
+    ASSERT_EQ(client.commitVersion(L"/home/f", lock, 1234567890, pid), kDone);
+    JobState state;
+    do {
+        state = client.askJob(pid);
+        ASSERT_EQ(state.numbers, kDone);
+    } while (state.percent < 100);
+    EXPECT_EQ(client.unlock(L"/home/f", lock), kDone);
+    EXPECT_THAT(texts(changes(client)), ElementsAre("made file /home/f", "rewritten file /home/f"));
+}
+
+TEST_P(LibLog, AFolderHearsOfWhatTakesItAlong) {
+    EXPECT_EQ(client.makeFolder(L"/home", L"top"), kDone);
+    EXPECT_EQ(client.makeFolder(L"/home/top", L"sub"), kDone);
+    EXPECT_EQ(client.rename(L"/home/top", L"/home/other"), kDone);
+    EXPECT_EQ(changes(client, L"/home/top/sub").back().text, "deleted folder /home/top/sub");
+    EXPECT_EQ(newestIn(L"/home/top/sub"), lastChange());
+    EXPECT_EQ(changes(client, L"/home/other/sub").back().text, "made folder /home/other/sub");
+    EXPECT_EQ(client.remove(L"/home/other"), kDone);
+    EXPECT_EQ(changes(client, L"/home/other/sub").back().text, "deleted folder /home/other/sub");
+    EXPECT_EQ(newestIn(L"/home/other/sub"), lastChange());
+}
+
+TEST_P(LibLog, EachChangeTellsTheComputerOfItsSession) {
+    EXPECT_EQ(client.createFile(L"/home/a"), kDone);
+    for (const wchar_t* computer : {L"Büro-PC 書類", L""}) {
+        Login login;
+        login.road = GetParam();
+        login.port = client.port();
+        login.computer = computer;
+        // Without one the sync service isn't asked.
+        if (isSync() && login.computer.empty()) {
+            EXPECT_EQ(login.run(), (Numbers{8, 0xABCD}));
+            return;
+        }
+        EXPECT_EQ(Client(std::move(login)).createFile(L"/home/b" + std::wstring(computer)), kDone);
+        EXPECT_EQ(changes(client).back().device, utf8(computer));
+    }
+}
+
 TEST_P(LibLog, WhatIsRefusedOrOnlyReadLeavesNoTrace) {
     put("a", "bytes");
     put("b", "other");
