@@ -102,8 +102,12 @@ TEST_P(CliKeptEdges, CommandsAtTheSameTimeLogInOnceBetweenThem) {
     nas.expireSessions();
     Process::Options options = cli.options();
     options.arguments = {"stat", "/home"};
+    // The others come while the first one's login waits for its answer.
+    const int fault = nas.arm("stall,match=login,ms=1500");
     std::vector<std::unique_ptr<Process>> all;
-    for (int i = 0; i < 4; ++i) all.push_back(std::make_unique<Process>(TORVI_PATH, options));
+    all.push_back(std::make_unique<Process>(TORVI_PATH, options));
+    waitForHit(fault, *all.front());
+    for (int i = 0; i < 3; ++i) all.push_back(std::make_unique<Process>(TORVI_PATH, options));
     for (const auto& process : all) EXPECT_EQ(process->wait(), 0) << process->err();
     EXPECT_EQ(logins(), 2) << nas.log();
 }
