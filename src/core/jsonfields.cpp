@@ -65,7 +65,8 @@ std::wstring JsonLongText(const Json::Value& value, const char* key) {
     return WithText(Member(value, key), [](const char* text) {
         std::wstring wide(std::strlen(text) + 1, L'\0');
         const bool read = Utf8ToUnicode_1(text, wide.data(), static_cast<int>(wide.size())) == 1;
-        return read ? std::wstring(wide.c_str()) : std::wstring();
+        wide.resize(read ? wide.find(L'\0') : 0);
+        return wide;
     });
 }
 
