@@ -6,7 +6,131 @@
 
 #include "WebFileManAPI.h"
 
+/// One receiver of a team folder.
+struct _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO {
+    wchar_t szName[32];
+    wchar_t szDisplayName[2048];
+    int32_t nPermission;
+    int32_t nStatus;
+};
+
+/// One team folder, from WebFileManNuboGetTeamFolder.
+struct _WFM_TORVI_TEAM_FOLDER_INFORMATION {
+    int32_t nType;
+    int32_t nStatus;
+    int32_t nReserved;
+    wchar_t szOwner[32];
+    wchar_t szShareID[260];
+    wchar_t szNasID[260];
+    wchar_t szParentID[260];
+    wchar_t szName[2048];
+    wchar_t szPath[4096];
+    wchar_t szOriginalPath[4096];
+    uint32_t dwReceiverCount;
+    _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO** lppReceivers;
+};
+
+/// One event, from WebFileManGetMyEvent.
+struct _WFM_TORVI_EVENT_INFORMATION {
+    int32_t nEventID;
+    wchar_t szTargetName[32];
+    int32_t nEventType;
+    int32_t nEventStatus;
+    wchar_t szShareID[260];
+    wchar_t szFile[4096];
+    wchar_t szReserved[260];
+    wchar_t szDate[260];
+    wchar_t szTime[260];
+};
+
+/// One share, from WFMTorviFindShare.
+struct _WFM_TORVI_SHARE_INFORMATION {
+    int32_t nEventType;
+    int32_t nEventStatus;
+    wchar_t szFile[4096];
+    wchar_t szShareID[260];
+    wchar_t szReserved[260];
+};
+
+/// A shared folder, filled by WFMGetTorviShareFolderInformation.
+struct _WFM_TORVI_SHARE_FOLDER_INFORMATION {
+    int32_t nEventID;
+    bool bFileExists;
+    int32_t nShareIDStatus;
+    int32_t nEventStatus;
+    int32_t nNuboType;
+    wchar_t szShareID[260];
+    wchar_t szNasID[260];
+};
+
+/// What WebFileManSetShareMember does to one member.
+struct _WFM_SHARE_MEMBER_ACTION {
+    wchar_t szName[260];
+    uint32_t dwAction;
+    uint32_t dwEventID;
+};
+
+/// One member, from WebFileManGetShareMember.
+struct _WFM_SHARE_MEMBER_INFORMATION {
+    wchar_t szName[260];
+    int32_t nShareMember;
+    int32_t nEventStatus;
+    int32_t nEventID;
+    wchar_t* pszDescription;
+    int32_t nTorviUser;
+};
+
+/// One user, from WebFileManGetUserList.
+struct _WFM_USER_INFORMATION {
+    wchar_t szName[260];
+    wchar_t szPolicy[260];
+    wchar_t* pszDescription;
+    int32_t nTorviUser;
+};
+
+/// One directory domain, from WebFileManGetAdInfo.
+struct _WFM_TORVI_AD_INFORMATION {
+    wchar_t szDomain[260];
+    wchar_t szNetbios[260];
+};
+
+/// One public link, from WFMGetShareLinkList.
+struct _WFM_SHARE_LINK_INFO {
+    wchar_t szSsid[260];
+    wchar_t szFileName[4096];
+    wchar_t szDownloadLink[2048];
+    wchar_t szCreator[260];
+    wchar_t szLinkName[260];
+    bool bIsFolder;
+    bool bMultiple;
+    wchar_t szReserved[260];
+};
+
+/// One item of a link, from WFMGetShareLinkItemList.
+struct _WFM_SHARE_LINK_ITEM_INFO {
+    wchar_t szFileName[2048];
+    bool bIsFolder;
+};
+
+/// What WFMGetandCreateShareLink came to.
+struct _WFM_SHARE_LINK_RESULT {
+    int32_t nResult;
+    int32_t nMultiple;
+    wchar_t szLinkURL[2048];
+    wchar_t szLinkName[260];
+    wchar_t szExpireTime[260];
+    wchar_t szSsid[260];
+    wchar_t szSlaveID[260];
+};
+
 extern "C" {
+
+/// "internet", "local"
+TORVIAPI_EXPORT extern const wchar_t* const gNetworkTypes[2];
+/// "forever", "specific_time", "period_of_time"
+TORVIAPI_EXPORT extern const wchar_t* const gValidDurationTypes[3];
+/// "email_download_link", "create_download_link"
+TORVIAPI_EXPORT extern const wchar_t* const gDownloadLinkTypes[2];
 
 /// @name Start, end and log
 /// The sharing family's names for the one logger that both families use; a program needs one set of them. All
@@ -135,6 +259,220 @@ TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* contex
                                                        uint32_t* resultWord);
 
 /// @}
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, uint32_t downloadType,
+                                            uint32_t durationType, uint32_t networkType,
+                                            const wchar_t* hostname, uint64_t fileTotal, const wchar_t* path,
+                                            const wchar_t* accessCode, const wchar_t* mailPassword,
+                                            const wchar_t* datetime, bool secureLink,
+                                            const wchar_t* expireTime, const wchar_t* addressee,
+                                            const wchar_t* mailDate, const wchar_t* subject,
+                                            const wchar_t* content, void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMDeleteShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, const wchar_t* path,
+                                            const wchar_t* downloadLink, const wchar_t* ssids, void* reserved,
+                                            uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, void* reserved, uint32_t type,
+                                              const wchar_t* path, uint32_t* fixed);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                         const wchar_t* slaveID, uint32_t downloadType, uint32_t durationType,
+                                         uint32_t networkType, const wchar_t* hostname,
+                                         const wchar_t* addressee, const wchar_t* path,
+                                         const wchar_t* accessCode, const wchar_t* datetime,
+                                         const wchar_t* expireTime, bool secureLink, void* reserved,
+                                         uint32_t* linkCapacity, wchar_t* link, wchar_t* expireTimeOut,
+                                         uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* path, const wchar_t* slaveID,
+                                                 void* reserved, const wchar_t* ssid, uint32_t* total,
+                                                 uint32_t* count, _WFM_SHARE_LINK_ITEM_INFO** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             const wchar_t* slaveID, int32_t limit, void* reserved,
+                                             int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                           uint32_t port, void* reserved1,
+                                                           const wchar_t* path, void* reserved2,
+                                                           uint32_t* resultWord, uint32_t* statusWord,
+                                                           _WFM_TORVI_SHARE_FOLDER_INFORMATION* information);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetandCreateShareLink(
+    _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID,
+    uint32_t timeoutMs, const wchar_t* hostname, void* reserved, const wchar_t* fileList,
+    const wchar_t* accessCode, const wchar_t* expireTime, const wchar_t* datetime, const wchar_t* linkName,
+    bool secureLink, uint32_t durationType, bool newShare, _WFM_SHARE_LINK_RESULT* information);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* slaveID, void* reserved,
+                                              uint32_t includeAccessCode, const wchar_t* addressee,
+                                              const wchar_t* subject, const wchar_t* content,
+                                              const wchar_t* ssid, const wchar_t* mailPassword,
+                                              uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, const wchar_t* slaveID, void* reserved,
+                                               uint32_t includeAccessCode, uint32_t downloadType,
+                                               uint32_t networkType, const wchar_t* addressee,
+                                               const wchar_t* subject, const wchar_t* content,
+                                               const wchar_t* ssids, const wchar_t* mailPassword,
+                                               uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMTorviFindShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           const wchar_t* file, uint32_t lower, uint32_t upper,
+                                           uint32_t* resultWord, uint32_t* count,
+                                           _WFM_TORVI_SHARE_INFORMATION*** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, uint32_t downloadType,
+                                            uint32_t durationType, uint32_t networkType, uint32_t hostPort,
+                                            const wchar_t* hostname, const wchar_t* accessCode,
+                                            const wchar_t* datetime, bool secureLink, bool option,
+                                            bool hostForm, const wchar_t* expireTime, const wchar_t* ssids,
+                                            const wchar_t* linkName, const wchar_t* further, bool nameOnly,
+                                            void* reserved, uint32_t* linkCapacity, wchar_t* link,
+                                            uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManAcceptShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, const wchar_t* nasID,
+                                               const wchar_t* displayName, uint32_t eventID,
+                                               const wchar_t* shareID, void* reserved, wchar_t* file,
+                                               uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManDenyShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             const wchar_t* nasID, const wchar_t* shareID, uint32_t eventID,
+                                             void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetAdInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             int32_t capacity, void* reserved, uint32_t* resultWord,
+                                             _WFM_TORVI_AD_INFORMATION** list, uint32_t* count);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, uint32_t eventType, uint32_t lower,
+                                              uint32_t upper, void* reserved, uint32_t* resultWord,
+                                              uint32_t* total, uint32_t* count,
+                                              _WFM_TORVI_EVENT_INFORMATION** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             void* reserved, uint32_t* policy);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, void* reserved, bool* enabled);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
+                                                  uint32_t lower, uint32_t upper, uint32_t userType,
+                                                  const wchar_t* domain, const wchar_t* netbios,
+                                                  const wchar_t* filter, bool allUsers, bool refresh,
+                                                  bool onlyMembers, void* reserved, uint32_t* total,
+                                                  uint32_t* count, _WFM_SHARE_MEMBER_INFORMATION** list,
+                                                  uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetSharePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                uint32_t port, const wchar_t* shareID, uint32_t capacity,
+                                                void* reserved, wchar_t* path, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, uint32_t userType, const wchar_t* domain,
+                                               const wchar_t* netbios, const wchar_t* filter, uint32_t lower,
+                                               uint32_t upper, bool allUsers, bool refresh, void* reserved,
+                                               uint32_t* resultWord, uint32_t* total, uint32_t* count,
+                                               _WFM_USER_INFORMATION** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManKickOutShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                      uint32_t port, const wchar_t* nasID,
+                                                      const wchar_t* shareID, uint32_t eventID,
+                                                      void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManLeaveShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
+                                              uint32_t eventID, void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManMoveShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                   uint32_t port, const wchar_t* source,
+                                                   const wchar_t* destination, uint32_t number,
+                                                   void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManNuboGetTeamFolder(
+    _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, uint32_t eventType,
+    const wchar_t* targetUser, const wchar_t* path, uint32_t lower, uint32_t upper, uint64_t reserved,
+    uint32_t* total, uint32_t* count, _WFM_TORVI_TEAM_FOLDER_INFORMATION** list, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManRemoveEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, uint32_t eventID, void* reserved,
+                                               uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManRenameShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                     uint32_t port, const wchar_t* source,
+                                                     const wchar_t* destination, uint32_t number,
+                                                     void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManSetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             uint32_t value, void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManSetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, uint32_t value, void* reserved,
+                                                 uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
+                                                  uint32_t memberCount,
+                                                  const _WFM_SHARE_MEMBER_ACTION* const* members,
+                                                  uint32_t capacity, void* reserved, wchar_t* pid,
+                                                  uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManShareTo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           uint32_t targetCount, const wchar_t* const* targets,
+                                           const wchar_t* path, uint32_t capacity, void* reserved,
+                                           wchar_t* pid, uint32_t* resultWord, uint32_t* statusWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManUnshare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           const wchar_t* nasID, const wchar_t* shareID, uint32_t capacity,
+                                           void* reserved, wchar_t* pid, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManUpdateLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* slaveID, const wchar_t* source,
+                                              const wchar_t* destination, uint32_t number, void* reserved,
+                                              uint32_t* resultWord);
 
 }  // extern "C"
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <vector>
+
+#include "WebFileManShareAPI.h"
+
+/// The reply of "get_ad_info": the directory domains that the server knows.
+class TORVIAPI_EXPORT CShareGetAdInfoJson {
+public:
+    int Parser(char* text);
+    /// 0, or -1 for any refusal.
+    int GetStatus() const { return status; }
+
+    int32_t status = -1;
+    int32_t adSupport = 0;
+    int32_t trustedDomainEnable = 0;
+    uint32_t count = 0;
+    std::vector<_WFM_TORVI_AD_INFORMATION> domains;
+};

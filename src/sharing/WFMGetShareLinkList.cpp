@@ -1,0 +1,37 @@
+#include "WebFileManShareAPI.h"
+#include "core/callframe.h"
+#include "sharing/ShareLinkListJson.h"
+#include "sharing/linkplace.h"
+
+using namespace Lattice;
+
+uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                             const wchar_t* slaveID, int32_t limit, void* /*reserved*/, int32_t* start,
+                             uint32_t* count, _WFM_SHARE_LINK_INFO** list) {
+    static constexpr auto rules = CallRules("[WFMShare] WFMGetShareLinkList").withEndpoint(kLinkPlace);
+    Call call(rules, context, server, port);
+    if (!call.accepts(start, count, list) || limit < 1 || *start < 0) return call.refuse();
+    const uint32_t capacity = *count;
+    *count = 0;
+
+    call.route(slaveID);
+    call.get(L"func=get_share_list&sid=%ls&dir=ASC&limit=%d&sort=filename&start=%d", call.sid(), limit,
+             *start);
+    CShareLinkListJson reply;
+    if (!call.ask(reply)) return call.end();
+
+    *start = reply.total;
+    if (capacity < reply.links.size())
+        return call.fail(WFM_PARSE_XML_BUFFER_NOT_ENOUGH,
+                         "[WFMShare] WFMGetShareLinkList: WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
+    // A null entry is passed over; its link goes to the next.
+    uint32_t entry = 0;
+    for (const _WFM_SHARE_LINK_INFO& link : reply.links) {
+        if (link.szFileName[0] == L'\0') continue;
+        while (entry < capacity && list[entry] == nullptr) ++entry;
+        if (entry == capacity) break;
+        *list[entry++] = link;
+        ++*count;
+    }
+    return call.end();
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "WebFileManAPI.h"
+
+/// The reply of "get_share_link", scanned as plain text.
+class TORVIAPI_EXPORT CWebFileManGetLinkXml {
+public:
+    int Parser(char* text);
+    int GetStatus() const { return status; }
+
+    /// The value behind a key, without blanks and quotes; false where there is none that fits `capacity`
+    /// bytes with its terminator.
+    static bool GetValue(const char* text, const char* key, char* out, int capacity);
+
+    int32_t status = -1;
+    std::wstring linkURL;
+    std::wstring expireTime;
+};
