@@ -260,27 +260,170 @@ TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* contex
 
 /// @}
 
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                            const wchar_t* slaveID, uint32_t downloadType,
-                                            uint32_t durationType, uint32_t networkType,
-                                            const wchar_t* hostname, uint64_t fileTotal, const wchar_t* path,
-                                            const wchar_t* accessCode, const wchar_t* mailPassword,
-                                            const wchar_t* datetime, bool secureLink,
-                                            const wchar_t* expireTime, const wchar_t* addressee,
-                                            const wchar_t* mailDate, const wchar_t* subject,
-                                            const wchar_t* content, void* reserved, uint32_t* resultWord);
+/// @name Team folders, their events and members
+/// @{
 
 /// DRAFT
-TORVIAPI_EXPORT uint32_t WFMDeleteShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                            const wchar_t* slaveID, const wchar_t* path,
-                                            const wchar_t* downloadLink, const wchar_t* ssids, void* reserved,
-                                            uint32_t* resultWord);
+TORVIAPI_EXPORT uint32_t WebFileManNuboGetTeamFolder(
+    _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, uint32_t eventType,
+    const wchar_t* targetUser, const wchar_t* path, uint32_t lower, uint32_t upper, uint64_t reserved,
+    uint32_t* total, uint32_t* count, _WFM_TORVI_TEAM_FOLDER_INFORMATION** list, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, uint32_t eventType, uint32_t lower,
+                                              uint32_t upper, void* reserved, uint32_t* resultWord,
+                                              uint32_t* total, uint32_t* count,
+                                              _WFM_TORVI_EVENT_INFORMATION** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMTorviFindShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           const wchar_t* file, uint32_t lower, uint32_t upper,
+                                           uint32_t* resultWord, uint32_t* count,
+                                           _WFM_TORVI_SHARE_INFORMATION*** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                           uint32_t port, void* reserved1,
+                                                           const wchar_t* path, void* reserved2,
+                                                           uint32_t* resultWord, uint32_t* statusWord,
+                                                           _WFM_TORVI_SHARE_FOLDER_INFORMATION* information);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManShareTo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           uint32_t targetCount, const wchar_t* const* targets,
+                                           const wchar_t* path, uint32_t capacity, void* reserved,
+                                           wchar_t* pid, uint32_t* resultWord, uint32_t* statusWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManUnshare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                           const wchar_t* nasID, const wchar_t* shareID, uint32_t capacity,
+                                           void* reserved, wchar_t* pid, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManAcceptShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, const wchar_t* nasID,
+                                               const wchar_t* displayName, uint32_t eventID,
+                                               const wchar_t* shareID, void* reserved, wchar_t* file,
+                                               uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManDenyShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             const wchar_t* nasID, const wchar_t* shareID, uint32_t eventID,
+                                             void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManLeaveShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
+                                              uint32_t eventID, void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManKickOutShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                      uint32_t port, const wchar_t* nasID,
+                                                      const wchar_t* shareID, uint32_t eventID,
+                                                      void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManRemoveEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, uint32_t eventID, void* reserved,
+                                               uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
+                                                  uint32_t lower, uint32_t upper, uint32_t userType,
+                                                  const wchar_t* domain, const wchar_t* netbios,
+                                                  const wchar_t* filter, bool allUsers, bool refresh,
+                                                  bool onlyMembers, void* reserved, uint32_t* total,
+                                                  uint32_t* count, _WFM_SHARE_MEMBER_INFORMATION** list,
+                                                  uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                  uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
+                                                  uint32_t memberCount,
+                                                  const _WFM_SHARE_MEMBER_ACTION* const* members,
+                                                  uint32_t capacity, void* reserved, wchar_t* pid,
+                                                  uint32_t* resultWord);
+
+/// @}
+
+/// @name Users, settings and shared folders
+/// @{
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, uint32_t userType, const wchar_t* domain,
+                                               const wchar_t* netbios, const wchar_t* filter, uint32_t lower,
+                                               uint32_t upper, bool allUsers, bool refresh, void* reserved,
+                                               uint32_t* resultWord, uint32_t* total, uint32_t* count,
+                                               _WFM_USER_INFORMATION** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetAdInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             int32_t capacity, void* reserved, uint32_t* resultWord,
+                                             _WFM_TORVI_AD_INFORMATION** list, uint32_t* count);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetSharePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                uint32_t port, const wchar_t* shareID, uint32_t capacity,
+                                                void* reserved, wchar_t* path, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, void* reserved, bool* enabled);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManSetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, uint32_t value, void* reserved,
+                                                 uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManGetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             void* reserved, uint32_t* policy);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManSetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             uint32_t value, void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManRenameShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                     uint32_t port, const wchar_t* source,
+                                                     const wchar_t* destination, uint32_t number,
+                                                     void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManMoveShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                   uint32_t port, const wchar_t* source,
+                                                   const wchar_t* destination, uint32_t number,
+                                                   void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WebFileManUpdateLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                              uint32_t port, const wchar_t* slaveID, const wchar_t* source,
+                                              const wchar_t* destination, uint32_t number, void* reserved,
+                                              uint32_t* resultWord);
 
 /// DRAFT
 TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                               uint32_t port, void* reserved, uint32_t type,
                                               const wchar_t* path, uint32_t* fixed);
+
+/// @}
+
+/// @name Public links
+/// @{
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                             const wchar_t* slaveID, int32_t limit, void* reserved,
+                                             int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* path, const wchar_t* slaveID,
+                                                 void* reserved, const wchar_t* ssid, uint32_t* total,
+                                                 uint32_t* count, _WFM_SHARE_LINK_ITEM_INFO** list);
 
 /// DRAFT
 TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -293,29 +436,39 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar
                                          uint32_t* resultWord);
 
 /// DRAFT
-TORVIAPI_EXPORT uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                 uint32_t port, const wchar_t* path, const wchar_t* slaveID,
-                                                 void* reserved, const wchar_t* ssid, uint32_t* total,
-                                                 uint32_t* count, _WFM_SHARE_LINK_ITEM_INFO** list);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                             const wchar_t* slaveID, int32_t limit, void* reserved,
-                                             int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                           uint32_t port, void* reserved1,
-                                                           const wchar_t* path, void* reserved2,
-                                                           uint32_t* resultWord, uint32_t* statusWord,
-                                                           _WFM_TORVI_SHARE_FOLDER_INFORMATION* information);
-
-/// DRAFT
 TORVIAPI_EXPORT uint32_t WFMGetandCreateShareLink(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID,
     uint32_t timeoutMs, const wchar_t* hostname, void* reserved, const wchar_t* fileList,
     const wchar_t* accessCode, const wchar_t* expireTime, const wchar_t* datetime, const wchar_t* linkName,
     bool secureLink, uint32_t durationType, bool newShare, _WFM_SHARE_LINK_RESULT* information);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, uint32_t downloadType,
+                                            uint32_t durationType, uint32_t networkType,
+                                            const wchar_t* hostname, uint64_t fileTotal, const wchar_t* path,
+                                            const wchar_t* accessCode, const wchar_t* mailPassword,
+                                            const wchar_t* datetime, bool secureLink,
+                                            const wchar_t* expireTime, const wchar_t* addressee,
+                                            const wchar_t* mailDate, const wchar_t* subject,
+                                            const wchar_t* content, void* reserved, uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, uint32_t downloadType,
+                                            uint32_t durationType, uint32_t networkType, uint32_t hostPort,
+                                            const wchar_t* hostname, const wchar_t* accessCode,
+                                            const wchar_t* datetime, bool secureLink, bool option,
+                                            bool hostForm, const wchar_t* expireTime, const wchar_t* ssids,
+                                            const wchar_t* linkName, const wchar_t* further, bool nameOnly,
+                                            void* reserved, uint32_t* linkCapacity, wchar_t* link,
+                                            uint32_t* resultWord);
+
+/// DRAFT
+TORVIAPI_EXPORT uint32_t WFMDeleteShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                            const wchar_t* slaveID, const wchar_t* path,
+                                            const wchar_t* downloadLink, const wchar_t* ssids, void* reserved,
+                                            uint32_t* resultWord);
 
 /// DRAFT
 TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
@@ -334,145 +487,7 @@ TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const
                                                const wchar_t* ssids, const wchar_t* mailPassword,
                                                uint32_t* resultWord);
 
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WFMTorviFindShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                           const wchar_t* file, uint32_t lower, uint32_t upper,
-                                           uint32_t* resultWord, uint32_t* count,
-                                           _WFM_TORVI_SHARE_INFORMATION*** list);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                            const wchar_t* slaveID, uint32_t downloadType,
-                                            uint32_t durationType, uint32_t networkType, uint32_t hostPort,
-                                            const wchar_t* hostname, const wchar_t* accessCode,
-                                            const wchar_t* datetime, bool secureLink, bool option,
-                                            bool hostForm, const wchar_t* expireTime, const wchar_t* ssids,
-                                            const wchar_t* linkName, const wchar_t* further, bool nameOnly,
-                                            void* reserved, uint32_t* linkCapacity, wchar_t* link,
-                                            uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManAcceptShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                               uint32_t port, const wchar_t* nasID,
-                                               const wchar_t* displayName, uint32_t eventID,
-                                               const wchar_t* shareID, void* reserved, wchar_t* file,
-                                               uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManDenyShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                             const wchar_t* nasID, const wchar_t* shareID, uint32_t eventID,
-                                             void* reserved, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetAdInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                             int32_t capacity, void* reserved, uint32_t* resultWord,
-                                             _WFM_TORVI_AD_INFORMATION** list, uint32_t* count);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                              uint32_t port, uint32_t eventType, uint32_t lower,
-                                              uint32_t upper, void* reserved, uint32_t* resultWord,
-                                              uint32_t* total, uint32_t* count,
-                                              _WFM_TORVI_EVENT_INFORMATION** list);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                             void* reserved, uint32_t* policy);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                 uint32_t port, void* reserved, bool* enabled);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                  uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
-                                                  uint32_t lower, uint32_t upper, uint32_t userType,
-                                                  const wchar_t* domain, const wchar_t* netbios,
-                                                  const wchar_t* filter, bool allUsers, bool refresh,
-                                                  bool onlyMembers, void* reserved, uint32_t* total,
-                                                  uint32_t* count, _WFM_SHARE_MEMBER_INFORMATION** list,
-                                                  uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetSharePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                uint32_t port, const wchar_t* shareID, uint32_t capacity,
-                                                void* reserved, wchar_t* path, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                               uint32_t port, uint32_t userType, const wchar_t* domain,
-                                               const wchar_t* netbios, const wchar_t* filter, uint32_t lower,
-                                               uint32_t upper, bool allUsers, bool refresh, void* reserved,
-                                               uint32_t* resultWord, uint32_t* total, uint32_t* count,
-                                               _WFM_USER_INFORMATION** list);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManKickOutShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                      uint32_t port, const wchar_t* nasID,
-                                                      const wchar_t* shareID, uint32_t eventID,
-                                                      void* reserved, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManLeaveShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                              uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
-                                              uint32_t eventID, void* reserved, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManMoveShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                   uint32_t port, const wchar_t* source,
-                                                   const wchar_t* destination, uint32_t number,
-                                                   void* reserved, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManNuboGetTeamFolder(
-    _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, uint32_t eventType,
-    const wchar_t* targetUser, const wchar_t* path, uint32_t lower, uint32_t upper, uint64_t reserved,
-    uint32_t* total, uint32_t* count, _WFM_TORVI_TEAM_FOLDER_INFORMATION** list, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManRemoveEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                               uint32_t port, uint32_t eventID, void* reserved,
-                                               uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManRenameShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                     uint32_t port, const wchar_t* source,
-                                                     const wchar_t* destination, uint32_t number,
-                                                     void* reserved, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManSetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                             uint32_t value, void* reserved, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManSetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                 uint32_t port, uint32_t value, void* reserved,
-                                                 uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                                  uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
-                                                  uint32_t memberCount,
-                                                  const _WFM_SHARE_MEMBER_ACTION* const* members,
-                                                  uint32_t capacity, void* reserved, wchar_t* pid,
-                                                  uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManShareTo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                           uint32_t targetCount, const wchar_t* const* targets,
-                                           const wchar_t* path, uint32_t capacity, void* reserved,
-                                           wchar_t* pid, uint32_t* resultWord, uint32_t* statusWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManUnshare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
-                                           const wchar_t* nasID, const wchar_t* shareID, uint32_t capacity,
-                                           void* reserved, wchar_t* pid, uint32_t* resultWord);
-
-/// DRAFT
-TORVIAPI_EXPORT uint32_t WebFileManUpdateLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
-                                              uint32_t port, const wchar_t* slaveID, const wchar_t* source,
-                                              const wchar_t* destination, uint32_t number, void* reserved,
-                                              uint32_t* resultWord);
+/// @}
 
 }  // extern "C"
 

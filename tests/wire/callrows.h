@@ -32,3 +32,6 @@ inline Outcome wantsTls() {
 /// One file per family adds its own.
 void addSessionRows(std::vector<CallRow>& rows);
 void addStateRows(std::vector<CallRow>& rows);
+void addTeamRows(std::vector<CallRow>& rows);
+void addShareSettingRows(std::vector<CallRow>& rows);
+void addLinkRows(std::vector<CallRow>& rows);

@@ -582,6 +582,9 @@ const std::vector<CallRow>& callTable() {
         std::vector<CallRow> rows = makeTable();
         addSessionRows(rows);
         addStateRows(rows);
+        addTeamRows(rows);
+        addShareSettingRows(rows);
+        addLinkRows(rows);
         return rows;
     }();
     return table;

@@ -1,0 +1,3 @@
+#include "callrows.h"
+
+void addShareSettingRows(std::vector<CallRow>&) {}
