@@ -173,7 +173,8 @@ void Call::failByHttp(int networkError) {
     }
     const bool connectFailed = networkError >= 1 && networkError <= 99;
     m_status = connectFailed ? WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL : WFM_PARSE_XML_HTTPTRAN_RECEIVE_FAIL;
-    writeLine(m_rules.reason, connectFailed ? m_rules.connectFailed : m_rules.receiveFailed);
+    writeLine(m_rules.failed != nullptr ? m_rules.failed : m_rules.reason,
+              connectFailed ? m_rules.connectFailed : m_rules.receiveFailed);
 }
 
 void Call::failNotUnderstood() {

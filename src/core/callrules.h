@@ -73,6 +73,7 @@ struct CallRules {
     const char* refused = "{call}({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER";
     const char* reason = "{call}: {word}";
     const char* notUnderstood = nullptr;  ///< the line of a reply that isn't understood; null: `reason`
+    const char* failed = nullptr;         ///< the line of an HTTP status that isn't tested; null: `reason`
     const char* connectFailed = "FAIL(httpStatusCode={http})";  ///< the {word} of any other HTTP status
     const char* receiveFailed = "FAIL(httpStatusCode={http})";
     const char* summary = "{call}({server}:{port}) failed dwStatus({status})";
@@ -98,6 +99,7 @@ public:
     constexpr CallRules withNotUnderstood(const char* line) const {
         return with(&CallRules::notUnderstood, line);
     }
+    constexpr CallRules withFailedLine(const char* line) const { return with(&CallRules::failed, line); }
     constexpr CallRules withSummary(const char* line) const { return with(&CallRules::summary, line); }
     constexpr CallRules withTimeout(int msec) const { return with(&CallRules::timeoutMs, msec); }
     constexpr CallRules withOutcomes(HttpOutcomes tested) const { return with(&CallRules::outcomes, tested); }

@@ -28,7 +28,8 @@ struct CallRow {
     bool needsSid = true;       ///< refuses a session without an id
     bool has404 = false;        ///< tells a missing CGI from other failures
     bool oneService = false;    ///< asks the same place, whichever service the session speaks to
-    bool isWrapper = false;     ///< asks through another export
+    bool servicesDiffer = false;  ///< asks each service in other words, or one of them not at all
+    bool isWrapper = false;       ///< asks through another export
     bool arrayIsReply = false;  ///< a JSON array is its good answer
     bool nonObjectIsUnderstood = false;
     int timeoutMs = 60000;  ///< 0: none
@@ -46,6 +47,8 @@ struct CallRow {
     const char* notUnderstood = nullptr;
     /// The line of a missing CGI, if not the first of `failure` with its word.
     const char* notFound = nullptr;
+    /// The line of an HTTP status that isn't tested, if not the first of `failure` with its word.
+    const char* failed = nullptr;
     const char* refused = nullptr;
     uint32_t refusedStatus = 8;
     uint32_t level = 32;                               ///< of its lines

@@ -45,7 +45,9 @@ protected:
             expected.push_back(fillLine(line, outcome.word.empty() ? "WFM_PARSE_XML_FAIL" : outcome.word,
                                         port, outcome.dwStatus, outcome.result));
         if (outcome.word.empty()) reasonLine = row.notUnderstood;
-        if (reasonLine != nullptr) expected[0] = fillLine(reasonLine, "", port, 0, 0);
+        if (outcome.word.find("httpStatusCode") != std::string::npos && row.failed != nullptr)
+            reasonLine = row.failed;
+        if (reasonLine != nullptr) expected[0] = fillLine(reasonLine, outcome.word, port, 0, 0);
         EXPECT_EQ(linesOfTheCall(), expected);
     }
 

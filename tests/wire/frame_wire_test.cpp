@@ -79,6 +79,7 @@ class FrameWireOnSessions : public testing::TestWithParam<CallRow> {};
 
 TEST_P(FrameWireOnSessions, TheFileManagersRequestDiffersInItsCgiAlone) {
     if (GetParam().oneService) GTEST_SKIP() << "asks one place";
+    if (GetParam().servicesDiffer) GTEST_SKIP() << "has a test of its own";
     SessionOptions options = agentOptions();
     const Request sync = requestOf(GetParam(), options);
     options.fileManager = true;
