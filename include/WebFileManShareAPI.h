@@ -80,18 +80,20 @@ struct _WFM_SHARE_MEMBER_INFORMATION {
     int32_t nTorviUser;
 };
 
-/// One user, from WebFileManGetUserList.
+/// One user, from WebFileManGetUserList. Allocated by the caller; a call that fails leaves it alone. Texts
+/// are terminated.
 struct _WFM_USER_INFORMATION {
-    wchar_t szName[260];
-    wchar_t szPolicy[260];
-    wchar_t* pszDescription;
-    int32_t nTorviUser;
+    wchar_t szName[260];      ///< cut at 259; empty if the server sends 2048 characters or more
+    wchar_t szPolicy[260];    ///< the server's word, cut as the name
+    wchar_t* pszDescription;  ///< of any length, from new[], for the caller to delete; null if there is none
+    int32_t nTorviUser;       ///< the server's own number; 0 if it sends none
 };
 
-/// One directory domain, from WebFileManGetAdInfo.
+/// One directory domain, from WebFileManGetAdInfo. Allocated by the caller. Texts are terminated, cut at 259,
+/// and empty if the server sends 2048 characters or more.
 struct _WFM_TORVI_AD_INFORMATION {
-    wchar_t szDomain[260];
-    wchar_t szNetbios[260];
+    wchar_t szDomain[260];   ///< "corp.example"
+    wchar_t szNetbios[260];  ///< "CORP"
 };
 
 /// One public link, from WFMGetShareLinkList.
@@ -349,9 +351,48 @@ TORVIAPI_EXPORT uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, co
 /// @}
 
 /// @name Users, settings and shared folders
+/// Requests go to the session's own node, unless a call takes a slave id. Lists are the caller's: an array of
+/// pointers to records, both allocated and freed by the caller.
 /// @{
 
-/// DRAFT
+/// Lists users of the server that a folder can be shared with: its own, or those of a directory.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param userType    1: the server's own users; 2: those of the directory domain that the next two name
+/// @param domain      the domain, from WebFileManGetAdInfo; may be null or empty, and is ignored with type 1
+/// @param netbios     its NetBIOS name, from there too; may be null or empty, and is ignored with type 1
+/// @param filter      null or empty: every user; otherwise what the server is to look for
+/// @param lower       where the page begins, sent as given
+/// @param upper       where it ends, sent as given; the two aren't compared
+/// @param allUsers    true asks for all users, whatever they may do
+/// @param refresh     true has the server look anew
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param total       receives how many users there are on all pages, by the server's count; not null
+/// @param count       in: entries of `list`, may be 0. Out: records filled. Not null
+/// @param list        the caller's records; not null, also if `count` is 0
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                   |
+/// |----------|-------------|------------------------------------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none. **A refusal looks the same**:  |
+/// |          |             | the server's status isn't read, but that -3 comes with no user         |
+/// | 0        | 87          | nothing sent: `userType` is neither 1 nor 2                            |
+/// | 0        | 122         | more users came than the list has entries                              |
+///
+/// | Of the list         | Whose it is, and what becomes of it                                         |
+/// |---------------------|-----------------------------------------------------------------------------|
+/// | array and records   | allocated and freed by the caller                                           |
+/// | a null in the array | skipped, with its user; `count` doesn't count it, so go through all entries |
+/// | `pszDescription`    | allocated by the call with new[], freed by the caller; what stood there is  |
+/// |                     | overwritten, not freed: begin with null                                     |
+/// | too small           | 122: `total` is set, `count` is 0, no record is touched                     |
+/// | other failures      | but for 8, `total` and `count` are 0; no record is touched                  |
+///
+///     for (uint32_t i = 0; i < entries; ++i)
+///         if (list[i] != nullptr) delete[] std::exchange(list[i]->pszDescription, nullptr);
+///
+/// Users without a name aren't handed out. Twice: safe, once the descriptions are freed; set `count` to what
+/// the list holds before each call. Next: the following page, or WebFileManShareTo.
 TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, uint32_t userType, const wchar_t* domain,
                                                const wchar_t* netbios, const wchar_t* filter, uint32_t lower,
@@ -359,52 +400,193 @@ TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const
                                                uint32_t* resultWord, uint32_t* total, uint32_t* count,
                                                _WFM_USER_INFORMATION** list);
 
-/// DRAFT
+/// Lists the directory domains that the server knows.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param capacity    entries of `list`; 0 or less is none
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param list        the caller's records; not null, also if `capacity` is 0
+/// @param count       receives the number of records filled; not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                        |
+/// |----------|-------------|---------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none      |
+/// | 0        | 122         | more domains came than the list has entries |
+/// | 0        | -1          | the server refuses                          |
+///
+/// | Of the list         | Whose it is, and what becomes of it                                              |
+/// |---------------------|----------------------------------------------------------------------------------|
+/// | array and records   | allocated and freed by the caller                                                |
+/// | a null in the array | skipped, with its domain; `count` doesn't count it, so go through all entries    |
+/// | too small           | 122: `count` is the number that the server reports, for a larger list; no record |
+/// |                     | is touched. A negative `capacity` is too small even for none                     |
+/// | other failures      | but for 8, `count` is 0; no record is touched                                    |
+///
+/// A success, and 122 too, writes a line at level 4. Twice: safe. Next: WebFileManGetUserList, type 2.
 TORVIAPI_EXPORT uint32_t WebFileManGetAdInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              int32_t capacity, void* reserved, uint32_t* resultWord,
                                              _WFM_TORVI_AD_INFORMATION** list, uint32_t* count);
 
-/// DRAFT
+/// Asks where a share lies on the server.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param shareID     the share; not null or empty
+/// @param capacity    wide characters in `path`, not 0; 4096 is always enough
+/// @param reserved    null
+/// @param path        receives the path when both numbers are 0, otherwise untouched; not null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                     |
+/// |----------|-------------|--------------------------------------------------------------------------|
+/// | 0        | 0           | `path` is filled                                                         |
+/// | 0        | -23         | it doesn't fit with its terminator; other calls say 122 for this         |
+/// | 0        | -1          | there is none, it has 4096 characters or more, or the server doesn't say |
+/// | 0        | client code | refused: the server's status                                             |
+///
+/// Twice: safe. Next: WFMGetNodeList with that path.
 TORVIAPI_EXPORT uint32_t WebFileManGetSharePath(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                 uint32_t port, const wchar_t* shareID, uint32_t capacity,
                                                 void* reserved, wchar_t* path, uint32_t* resultWord);
 
-/// DRAFT
+/// Asks whether the sharing service's recycle bin is on for this user. There is no result word.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved  null
+/// @param enabled   receives true if the server's number is 1; false for any other, for none, and for every
+///                  failure but 8. Not null
+/// @return `dwStatus`
+///
+/// Twice: safe. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManGetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, void* reserved, bool* enabled);
 
-/// DRAFT
+/// Sets this user's recycle bin of the sharing service.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param value       the server's number, sent as given; 1 is what WebFileManGetRecycleBin calls true
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                 |
+/// |----------|-------------|------------------------------------------------------|
+/// | 0        | 0           | set: "success" is true, whatever the server's status |
+/// | 0        | 5           | refused: any other "success", or a reply without one |
+///
+/// Twice: safe. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManSetRecycleBin(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, uint32_t value, void* reserved,
                                                  uint32_t* resultWord);
 
-/// DRAFT
+/// Asks for this user's share policy. There is no result word.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved  null
+/// @param policy    receives the server's number; 0 if it sends none, and for every failure but 8. Not null
+/// @return `dwStatus`
+///
+/// Twice: safe. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManGetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              void* reserved, uint32_t* policy);
 
-/// DRAFT
+/// Sets this user's share policy.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param value       the server's number, as WebFileManGetPolicy tells it; sent as given
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                 |
+/// |----------|-------------|------------------------------------------------------|
+/// | 0        | 0           | set: "success" is true, whatever the server's status |
+/// | 0        | 5           | refused: any other "success", or a reply without one |
+///
+/// Twice: safe. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManSetPolicy(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              uint32_t value, void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Changes the name of a shared folder. The paths are sent as they stand: team folders aren't mapped, and the
+/// request goes to the session's node.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param source       folder and name together; one "/" at the end is cut. Not null or empty
+/// @param destination  the same folder and the new name; one "/" at the end is cut. Not null or empty
+/// @param number       not read
+/// @param reserved     null
+/// @param resultWord   not null
+/// @return `dwStatus`; **0 also where nothing is sent**, unlike WFMRenamePath
+///
+/// | dwStatus | Result word | When                                                                      |
+/// |----------|-------------|---------------------------------------------------------------------------|
+/// | 0        | 0           | renamed: "success" is true, whatever the server's status                  |
+/// | 0        | 5           | refused; or nothing sent: a path without a folder, as "/Public" or "name" |
+/// | 0        | 87          | nothing sent: the folders differ                                          |
+///
+/// Twice: up to the server. Next: none.
 TORVIAPI_EXPORT uint32_t WebFileManRenameShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                      uint32_t port, const wchar_t* source,
                                                      const wchar_t* destination, uint32_t number,
                                                      void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Carries a shared folder into another folder, under its old name or a new one: the server moves it within
+/// the request, and a new name is then given by WebFileManRenameShareFolder. The paths are sent as they
+/// stand, to the session's node.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param source       folder and name together; one "/" at the end is cut. Not null or empty
+/// @param destination  the other folder and the name there; one "/" at the end is cut. Not null or empty
+/// @param number       not read
+/// @param reserved     null
+/// @param resultWord   not null
+/// @return `dwStatus`; 0 also where nothing is sent
+///
+/// | dwStatus | Result word | When                                                                     |
+/// |----------|-------------|--------------------------------------------------------------------------|
+/// | 0        | 0           | moved, and renamed if the names differ                                   |
+/// | 0        | 5           | refused with status -3; or nothing sent: a path without a folder         |
+/// | 0        | 87          | nothing sent: it is there already                                        |
+/// | 0        | -1          | refused otherwise; the server's own 1 is a refusal here, too             |
+/// | any      | any         | moved, and renaming failed so: **it lies in the new folder under its old |
+/// |          |             | name**. 0 with 5 is then either: look at both folders                    |
+///
+/// Twice: up to the server. Next: WebFileManUpdateLink.
 TORVIAPI_EXPORT uint32_t WebFileManMoveShareFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                    uint32_t port, const wchar_t* source,
                                                    const wchar_t* destination, uint32_t number,
                                                    void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Tells the server that a shared folder lies elsewhere now, so that links to it follow. Always at the web
+/// file manager; in a session of the sync service the node stands in front.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID      null, or the node that holds the folder
+/// @param source       where it was; of it the name alone is sent. One "/" at the end is cut. Not null or
+///                     empty
+/// @param destination  where it is now; of it the folder alone is sent. One "/" at the end is cut. Not null
+///                     or empty
+/// @param number       not read
+/// @param reserved     null
+/// @param resultWord   not null
+/// @return `dwStatus`; 0 also where nothing is sent
+///
+/// | dwStatus | Result word | When                                                             |
+/// |----------|-------------|------------------------------------------------------------------|
+/// | 0        | 0           | the links follow                                                 |
+/// | 0        | 5           | refused with status -3; or nothing sent: a path without a folder |
+/// | 0        | -1          | refused otherwise; the server's own 1 is a refusal here, too     |
+///
+/// Twice: safe. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManUpdateLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                               uint32_t port, const wchar_t* slaveID, const wchar_t* source,
                                               const wchar_t* destination, uint32_t number, void* reserved,
                                               uint32_t* resultWord);
 
-/// DRAFT
+/// Has the server repair its link to a team folder. There is no result word: `fixed` is the outcome.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved  null
+/// @param type      4 in a session of the sync service, 8 in one of the web file manager; any other is
+///                  refused with 8
+/// @param path      the team folder as the server has it, sent whole; not null or empty
+/// @param fixed     becomes 1 if the server has repaired the link, which writes a line at level 4; **in every
+///                  other case it stays as it was**: set it to 0 first. Not null
+/// @return `dwStatus`; 0 also if the server refuses, or there was nothing to repair
+///
+/// Twice: safe. Next: WebFileManNuboGetTeamFolder.
 TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                               uint32_t port, void* reserved, uint32_t type,
                                               const wchar_t* path, uint32_t* fixed);

@@ -11,6 +11,7 @@ int CShareGetAdInfoJson::Parser(char* text) {
         adSupport = JsonGetInt(root, "ADSupport", 0);
         trustedDomainEnable = JsonGetInt(root, "TrustedDomainEnable", 0);
         count = static_cast<uint32_t>(JsonGetInt(root, "count", 0));
+        const bool isCounted = IsPresent(root, "count");
         if (!IsPresent(root, "datas")) return 1;
         if (!root["datas"].isArray()) return -1;
         for (const Json::Value& json : root["datas"]) {
@@ -20,6 +21,7 @@ int CShareGetAdInfoJson::Parser(char* text) {
             CopyTextCut(domain.szNetbios, JsonText(json, "netbios"));
             domains.push_back(domain);
         }
+        if (!isCounted) count = static_cast<uint32_t>(domains.size());
         return 1;
     });
 }

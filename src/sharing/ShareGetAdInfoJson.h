@@ -14,6 +14,6 @@ public:
     int32_t status = -1;
     int32_t adSupport = 0;
     int32_t trustedDomainEnable = 0;
-    uint32_t count = 0;
+    uint32_t count = 0;  ///< the server's own; that of `domains` where it doesn't count
     std::vector<_WFM_TORVI_AD_INFORMATION> domains;
 };
