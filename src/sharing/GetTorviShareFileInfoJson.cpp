@@ -5,20 +5,10 @@
 
 using namespace Lattice;
 
-namespace {
-
-/// The server's -3 stands for a failure here.
-int StatusOf(const Json::Value& root) {
-    if (JsonGetInt(root, "status", kNoStatus) == WFM_PERMISSION_DENY) return -4;  // failed
-    return TranslatedStatus(root, 0);
-}
-
-}  // namespace
-
 int CGetTorviShareFileInfoJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
-        status = StatusOf(root);
+        status = TranslatedStatus(root, 0);
         if (status != 0) {
             LogLine(Logger::Error, "[WFMShare] CGetTorviShareFileInfoJson: nStatus(%d) m_nStatus(%d)",
                     JsonGetInt(root, "status", 0), status);

@@ -12,11 +12,12 @@ std::vector<_WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO> ReceiversOf(const Json::Value&
         !json["receiver"].isArray())
         return receivers;
     for (const Json::Value& one : json["receiver"]) {
-        const std::wstring name = one.isObject() ? JsonText(one, "name") : std::wstring();
+        // Names of any length count; they are cut.
+        const std::wstring name = one.isObject() ? JsonLongText(one, "name") : std::wstring();
         if (name.empty()) continue;
         _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO receiver{};
         CopyTextCut(receiver.szName, name);
-        CopyTextCut(receiver.szDisplayName, JsonText(one, "display_name"));
+        CopyTextCut(receiver.szDisplayName, JsonLongText(one, "display_name"));
         receiver.nPermission = JsonGetInt(one, "permission", 0);
         receiver.nStatus = JsonGetInt(one, "status", 0);
         receivers.push_back(receiver);
@@ -30,7 +31,7 @@ int CShareGetTeamFolderJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return 1;
         status = JsonGetInt(root, "status", 0);
-        if (status == WFM_PERMISSION_DENY) return 1;
+        if (status == kQuestionFailed) return 1;
         const int number = JsonGetInt(root, "total", 0);
         if (number < 1) return 1;
         total = static_cast<uint32_t>(number);

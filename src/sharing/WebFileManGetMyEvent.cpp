@@ -9,12 +9,13 @@ uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                               uint32_t* resultWord, uint32_t* total, uint32_t* count,
                               _WFM_TORVI_EVENT_INFORMATION** list) {
     // No colon before FAIL, and that must stay.
-    static constexpr auto rules = CallRules("[WFMShare] WebFileManGetMyEvent");
+    static constexpr auto rules =
+        CallRules("[WFMShare] WebFileManGetMyEvent").withFailedLine("{call} {word}");
     Call call(rules, context, server, port);
     if (!call.accepts(total, count, list, resultWord) || call.usesSyncService()) return call.refuse();
     call.begin(resultWord);
     const uint32_t capacity = *count;
-    *count = 0;
+    *total = *count = 0;
 
     call.get(L"func=nubo_get_my_event&sid=%ls&event_type=%d&lower=%d&upper=%d", call.sid(), eventType, lower,
              upper);
@@ -28,9 +29,10 @@ uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
     if (capacity < reply.events.size())
         return call.fail(WFM_PARSE_XML_BUFFER_NOT_ENOUGH,
                          "[WFMShare] WebFileManGetMyEvent: WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
-    for (size_t i = 0; i < reply.events.size(); ++i) {
-        if (reply.events[i].szFile[0] == L'\0' || list[*count] == nullptr) continue;
-        *list[(*count)++] = reply.events[i];
+    for (const _WFM_TORVI_EVENT_INFORMATION& event : reply.events) {
+        // A null place isn't stepped over: no later event gets past it.
+        if (event.szFile[0] == L'\0' || list[*count] == nullptr) continue;
+        *list[(*count)++] = event;
     }
     return call.end();
 }

@@ -54,7 +54,7 @@ uint32_t WebFileManGetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* ser
         list[i]->nShareMember = member.shareMember;
         list[i]->nEventStatus = member.eventStatus;
         list[i]->nEventID = member.eventID;
-        list[i]->pszDescription = HandOverText(member.description);
+        list[i]->pszDescription = HandOverAnyText(member.description);
         list[i]->nTorviUser = member.torviUser;
         ++*count;
     }

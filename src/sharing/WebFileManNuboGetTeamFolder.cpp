@@ -46,13 +46,12 @@ uint32_t WebFileManNuboGetTeamFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* 
                                      uint32_t* resultWord) {
     // No colon before FAIL, and that must stay.
     static constexpr auto rules =
-        CallRules("[WFMShare] WebFileManNuboGetTeamFolder")
-            .withFailed("FAIL(httpStatusCode={http})", "FAIL(httpStatusCode={http})");
+        CallRules("[WFMShare] WebFileManNuboGetTeamFolder").withFailedLine("{call} {word}");
     Call call(rules, context, server, port);
     if (!call.accepts(total, count, list, resultWord) || !call.usesSyncService()) return call.refuse();
     call.begin(resultWord);
     const uint32_t capacity = *count;
-    *count = 0;
+    *total = *count = 0;
 
     call.get(L"func=nubo_team_folder_get_list&sid=%ls&event_status=0&event_type=%d&lower=%d&upper=%d%ls",
              call.sid(), eventType, lower, upper,

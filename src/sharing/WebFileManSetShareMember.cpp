@@ -20,14 +20,16 @@ uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* ser
     call.post();
     call.field("sid", call.sid());
     call.field("share_id", shareID);
+    uint32_t told = 0;
     for (uint32_t i = 0; i < memberCount; ++i) {
         if (members[i] == nullptr) continue;
-        const std::string index = std::to_string(i);
+        const std::string index = std::to_string(told++);
         if (!call.usesSyncService()) call.field(("event_id" + index).c_str(), members[i]->dwEventID);
+        // Encoded once more than a form's fields are; the server decodes twice.
         call.field(("user" + index).c_str(), Encoded(members[i]->szName));
         call.field(("action" + index).c_str(), members[i]->dwAction);
     }
-    call.field("user_number", memberCount);
+    call.field("user_number", told);
     if (IsGiven(nasID)) call.field("nas_id", nasID);
     CShareToJson reply;
     if (!call.ask(reply)) return call.end();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 
 #include "core/callframe.h"
@@ -19,13 +20,15 @@ inline Directory DirectoryOf(uint32_t userType, const wchar_t* netbios, const wc
     return {Encoded(netbios), Encoded(domain)};
 }
 
-/// A text from new[] for the caller to delete; null for an empty one.
-inline wchar_t* HandOverText(const std::wstring& text) {
-    if (text.empty()) return nullptr;
+/// A text from new[] for the caller to delete.
+inline wchar_t* HandOverAnyText(const std::wstring& text) {
     auto* const copy = new wchar_t[text.size() + 1];
-    text.copy(copy, text.size());
-    copy[text.size()] = L'\0';
+    std::copy_n(text.c_str(), text.size() + 1, copy);
     return copy;
+}
+/// The same; null for an empty one.
+inline wchar_t* HandOverText(const std::wstring& text) {
+    return text.empty() ? nullptr : HandOverAnyText(text);
 }
 
 }  // namespace Lattice
