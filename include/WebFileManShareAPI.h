@@ -6,77 +6,89 @@
 
 #include "WebFileManAPI.h"
 
-/// One receiver of a team folder.
+/// One receiver of a team folder, from WebFileManNuboGetTeamFolder: allocated by the library with new, freed
+/// by the caller. Texts are terminated.
 struct _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO {
-    wchar_t szName[32];
-    wchar_t szDisplayName[2048];
-    int32_t nPermission;
-    int32_t nStatus;
+    wchar_t szName[32];           ///< cut at 31; never empty
+    wchar_t szDisplayName[2048];  ///< cut at 2047; empty if the server sends none
+    int32_t nPermission;          ///< the server's own number; 0 if it sends none
+    int32_t nStatus;              ///< the same
 };
 
-/// One team folder, from WebFileManNuboGetTeamFolder.
+/// One team folder, from WebFileManNuboGetTeamFolder. Allocated by the caller.
+///
+/// **A text that is as long as its field, or longer, fills the field and has no terminator.** This can happen
+/// to the owner and to the three ids; read them within their width:
+///
+///     std::wstring owner(folder.szOwner, wcsnlen(folder.szOwner, std::size(folder.szOwner)));
+///
+/// What the server doesn't send is empty or 0, and so is a text of 2048 characters or more.
 struct _WFM_TORVI_TEAM_FOLDER_INFORMATION {
-    int32_t nType;
-    int32_t nStatus;
-    int32_t nReserved;
-    wchar_t szOwner[32];
-    wchar_t szShareID[260];
-    wchar_t szNasID[260];
-    wchar_t szParentID[260];
-    wchar_t szName[2048];
-    wchar_t szPath[4096];
-    wchar_t szOriginalPath[4096];
-    uint32_t dwReceiverCount;
+    int32_t nType;                  ///< the server's own number
+    int32_t nStatus;                ///< the server's own number
+    int32_t nReserved;              ///< left as it is
+    wchar_t szOwner[32];            ///< who shares it; perhaps not terminated
+    wchar_t szShareID[260];         ///< by which the calls below name it; perhaps not terminated
+    wchar_t szNasID[260];           ///< the NAS that holds it; perhaps not terminated
+    wchar_t szParentID[260];        ///< perhaps not terminated
+    wchar_t szName[2048];           ///< terminated
+    wchar_t szPath[4096];           ///< terminated
+    wchar_t szOriginalPath[4096];   ///< where its owner has it; terminated
+    uint32_t dwReceiverCount;       ///< entries of lppReceivers; receivers without a name aren't among them
+    /// An array from new[] of receivers from new, for the caller to delete; null if there are none. What
+    /// stood here is overwritten, not freed.
     _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO** lppReceivers;
 };
 
-/// One event, from WebFileManGetMyEvent.
+/// One event, from WebFileManGetMyEvent. Allocated by the caller. Texts are terminated; one that the server
+/// doesn't send, or that has 2048 characters or more, is empty.
 struct _WFM_TORVI_EVENT_INFORMATION {
-    int32_t nEventID;
-    wchar_t szTargetName[32];
-    int32_t nEventType;
-    int32_t nEventStatus;
-    wchar_t szShareID[260];
-    wchar_t szFile[4096];
-    wchar_t szReserved[260];
-    wchar_t szDate[260];
-    wchar_t szTime[260];
+    int32_t nEventID;          ///< by which the calls below name it in a session of the web file manager
+    wchar_t szTargetName[32];  ///< cut at 31
+    int32_t nEventType;        ///< the server's own number; 4 is a share
+    int32_t nEventStatus;      ///< the server's own number
+    wchar_t szShareID[260];    ///< empty if it doesn't fit
+    wchar_t szFile[4096];      ///< the shared folder; never empty
+    wchar_t szReserved[260];   ///< always empty
+    wchar_t szDate[260];       ///< as the server writes it; cut at 259
+    wchar_t szTime[260];       ///< the same
 };
 
-/// One share, from WFMTorviFindShare.
+/// One share, from WFMTorviFindShare: allocated by the library, freed by the caller. Texts are terminated.
 struct _WFM_TORVI_SHARE_INFORMATION {
-    int32_t nEventType;
-    int32_t nEventStatus;
-    wchar_t szFile[4096];
-    wchar_t szShareID[260];
-    wchar_t szReserved[260];
+    int32_t nEventType;       ///< always 4
+    int32_t nEventStatus;     ///< the server's own number
+    wchar_t szFile[4096];     ///< the shared folder; never empty
+    wchar_t szShareID[260];   ///< never empty
+    wchar_t szReserved[260];  ///< always empty
 };
 
 /// A shared folder, filled by WFMGetTorviShareFolderInformation.
 struct _WFM_TORVI_SHARE_FOLDER_INFORMATION {
-    int32_t nEventID;
-    bool bFileExists;
-    int32_t nShareIDStatus;
-    int32_t nEventStatus;
-    int32_t nNuboType;
-    wchar_t szShareID[260];
-    wchar_t szNasID[260];
+    int32_t nEventID;        ///< 0 if the server sends none
+    bool bFileExists;        ///< the folder is still there
+    int32_t nShareIDStatus;  ///< the server's own number; 0 if it sends none
+    int32_t nEventStatus;    ///< the server's own number
+    int32_t nNuboType;       ///< the server's kind of share
+    wchar_t szShareID[260];  ///< terminated
+    wchar_t szNasID[260];    ///< terminated; empty if the server tells none, or one that doesn't fit
 };
 
-/// What WebFileManSetShareMember does to one member.
+/// What WebFileManSetShareMember does to one member. The caller's.
 struct _WFM_SHARE_MEMBER_ACTION {
-    wchar_t szName[260];
-    uint32_t dwAction;
-    uint32_t dwEventID;
+    wchar_t szName[260];  ///< the user; terminated
+    uint32_t dwAction;    ///< the server's own number
+    uint32_t dwEventID;   ///< from WebFileManGetShareMember; sent to the web file manager only
 };
 
-/// One member, from WebFileManGetShareMember.
+/// One member, from WebFileManGetShareMember. Allocated by the caller. Numbers are the server's own, 0 if it
+/// sends none.
 struct _WFM_SHARE_MEMBER_INFORMATION {
-    wchar_t szName[260];
-    int32_t nShareMember;
-    int32_t nEventStatus;
-    int32_t nEventID;
-    wchar_t* pszDescription;
+    wchar_t szName[260];      ///< cut at 259, terminated; empty if the server sends 2048 characters or more
+    int32_t nShareMember;     ///< whether the user has the folder
+    int32_t nEventStatus;     ///< how far the invitation is
+    int32_t nEventID;         ///< by which the web file manager names it
+    wchar_t* pszDescription;  ///< of any length, from new[], for the caller to delete; never null
     int32_t nTorviUser;
 };
 
@@ -96,43 +108,53 @@ struct _WFM_TORVI_AD_INFORMATION {
     wchar_t szNetbios[260];  ///< "CORP"
 };
 
-/// One public link, from WFMGetShareLinkList.
+/// One public link, from WFMGetShareLinkList. All texts are terminated. A text that is longer than its field
+/// is cut, one that is longer than 2047 characters is empty; an id that doesn't fit is empty.
 struct _WFM_SHARE_LINK_INFO {
-    wchar_t szSsid[260];
-    wchar_t szFileName[4096];
-    wchar_t szDownloadLink[2048];
-    wchar_t szCreator[260];
+    wchar_t szSsid[260];           ///< the link's id, by which every other call names it
+    wchar_t szFileName[4096];      ///< never empty
+    wchar_t szDownloadLink[2048];  ///< the URL that a visitor opens
+    wchar_t szCreator[260];        ///< the user who made it
     wchar_t szLinkName[260];
     bool bIsFolder;
-    bool bMultiple;
-    wchar_t szReserved[260];
+    bool bMultiple;           ///< it holds more than one item: WFMGetShareLinkItemList
+    wchar_t szReserved[260];  ///< empty
 };
 
 /// One item of a link, from WFMGetShareLinkItemList.
 struct _WFM_SHARE_LINK_ITEM_INFO {
-    wchar_t szFileName[2048];
+    wchar_t szFileName[2048];  ///< terminated, never empty
     bool bIsFolder;
 };
 
-/// What WFMGetandCreateShareLink came to.
+/// What WFMGetandCreateShareLink came to. All texts are terminated; one that is longer than its field is cut,
+/// an id that doesn't fit is empty.
 struct _WFM_SHARE_LINK_RESULT {
-    int32_t nResult;
-    int32_t nMultiple;
-    wchar_t szLinkURL[2048];
-    wchar_t szLinkName[260];
-    wchar_t szExpireTime[260];
-    wchar_t szSsid[260];
-    wchar_t szSlaveID[260];
+    int32_t nResult;            ///< the result word of the call
+    int32_t nMultiple;          ///< 1: the link holds more than one item
+    wchar_t szLinkURL[2048];    ///< empty if the server doesn't tell
+    wchar_t szLinkName[260];    ///< empty if it has none
+    wchar_t szExpireTime[260];  ///< as the server writes it; empty if the link stays
+    wchar_t szSsid[260];        ///< the link's id; without one there is no URL either
+    wchar_t szSlaveID[260];     ///< the node that holds the link, told before the request; may be empty
 };
 
 extern "C" {
 
-/// "internet", "local"
+/// @name The types of public links
+/// The words that stand on the wire for the type numbers of the calls that make and change links. The calls
+/// count from 1: number n is the word at [n - 1].
+/// @{
+
+/// Where a link is meant to be opened: 1 "internet", 2 "local".
 TORVIAPI_EXPORT extern const wchar_t* const gNetworkTypes[2];
-/// "forever", "specific_time", "period_of_time"
+/// How long a link is good: 1 "forever", 2 "specific_time" (until `datetime`), 3 "period_of_time" (for
+/// `expireTime`).
 TORVIAPI_EXPORT extern const wchar_t* const gValidDurationTypes[3];
-/// "email_download_link", "create_download_link"
+/// What a link is made for: 1 "email_download_link", 2 "create_download_link".
 TORVIAPI_EXPORT extern const wchar_t* const gDownloadLinkTypes[2];
+
+/// @}
 
 /// @name Start, end and log
 /// The sharing family's names for the one logger that both families use; a program needs one set of them. All
@@ -263,74 +285,323 @@ TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* contex
 /// @}
 
 /// @name Team folders, their events and members
+/// A team folder is shared by its owner and appears below "/home/.Torvi/" of those who accept it. A session of
+/// the sync service names it by its share id, one of the web file manager by the event that tells of it.
+/// Requests go to the session's own node; `nasID` tells which NAS holds the share.
 /// @{
 
-/// DRAFT
+/// Lists team folders: those that this user shares and those that were shared with this user. For a session
+/// of the sync service; one of the web file manager has WebFileManGetMyEvent.
+/// @param context,server,port  the session, of the sync service, and where; not null or empty, not 0
+/// @param eventType   which folders, by the server's number; 8 are the team folders that the user has received
+/// @param targetUser  null or empty: shared with anybody; otherwise with this user
+/// @param path        null or empty: any; otherwise the folder at this path
+/// @param lower       where the page begins, sent as given
+/// @param upper       where it ends, sent as given
+/// @param reserved    0
+/// @param total       receives how many folders there are, by the server's count; not null
+/// @param count       in: entries of `list`, may be 0. Out: records filled. Not null
+/// @param list        the caller's records; not null, also if `count` is 0
+/// @param resultWord  receives the server's own status, **which isn't a client code**; not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                         |
+/// |----------|-------------|------------------------------------------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none; more folders came if `total` says so |
+/// | 0        | other       | refused: the server's number, as -3; -1 also if the reply is no JSON object  |
+/// | 8        | untouched   | as ever, and in a session of the web file manager                            |
+///
+/// | Of the list          | Whose it is, and what becomes of it                                          |
+/// |----------------------|------------------------------------------------------------------------------|
+/// | array and records    | allocated and freed by the caller                                            |
+/// | a null in the array  | skipped, with its folder; `count` doesn't count it, so go through all entries |
+/// | `lppReceivers`       | allocated by the call for each record that it fills, freed by the caller     |
+/// | too small            | filled as far as it goes, without a word: both numbers are 0                 |
+/// | other failures       | but for 8, `total` and `count` are 0; no record is touched                   |
+///
+///     for (uint32_t i = 0; i < folder.dwReceiverCount; ++i) delete folder.lppReceivers[i];
+///     delete[] folder.lppReceivers;
+///
+/// Where event type 8 finds none but the session was told of some by WFMUpdateTeamFolderInfo, a line says so.
+/// Twice: safe, once the receivers are freed; set `count` to what the list holds before each call. Next:
+/// WFMUpdateTeamFolderInfo, or WebFileManAcceptShare for an invitation.
 TORVIAPI_EXPORT uint32_t WebFileManNuboGetTeamFolder(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, uint32_t eventType,
     const wchar_t* targetUser, const wchar_t* path, uint32_t lower, uint32_t upper, uint64_t reserved,
     uint32_t* total, uint32_t* count, _WFM_TORVI_TEAM_FOLDER_INFORMATION** list, uint32_t* resultWord);
 
-/// DRAFT
+/// Lists events: what was shared by this user and with this user. For a session of the web file manager; one
+/// of the sync service has WebFileManNuboGetTeamFolder.
+/// @param context,server,port  the session, of the web file manager, and where; not null or empty, not 0
+/// @param eventType   which events, by the server's number
+/// @param lower       where the page begins, sent as given
+/// @param upper       where it ends, sent as given
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param total       receives how many events there are, by the server's count; not null
+/// @param count       in: entries of `list`, may be 0. Out: records filled. Not null
+/// @param list        the caller's records; not null, also if `count` is 0
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                   |
+/// |----------|-------------|------------------------------------------------------------------------|
+/// | 0        | 0           | the first `count` records are filled, maybe none                       |
+/// | 0        | client code | refused: the server's status; -1 also if the reply is no JSON object   |
+/// | 7        | 0           | more events came than the list has entries, those without a file, too  |
+/// | 8        | untouched   | as ever, and in a session of the sync service                          |
+///
+/// | Of the list         | Whose it is, and what becomes of it                                    |
+/// |---------------------|------------------------------------------------------------------------|
+/// | array and records   | allocated and freed by the caller                                      |
+/// | a null in the array | ends the filling: the records in front of it are filled, the rest lost |
+/// | too small           | 7: `total` is set, `count` is 0, no record is touched                  |
+/// | other failures      | but for 8, `total` and `count` are 0; no record is touched             |
+///
+/// Events without a file aren't handed out. Twice: safe; set `count` to what the list holds before each call.
+/// Next: WebFileManAcceptShare, WebFileManDenyShare or WebFileManRemoveEvent with an event's id.
 TORVIAPI_EXPORT uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                               uint32_t port, uint32_t eventType, uint32_t lower,
                                               uint32_t upper, void* reserved, uint32_t* resultWord,
                                               uint32_t* total, uint32_t* count,
                                               _WFM_TORVI_EVENT_INFORMATION** list);
 
-/// DRAFT
+/// Finds the shares below a folder, the folder itself not counted, without regard to case.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param file        the folder, with or without "/" at its end; not null or empty
+/// @param lower       where the page begins, sent as given
+/// @param upper       where it ends, sent as given
+/// @param resultWord  not null
+/// @param count       receives the number of records **if there are any, otherwise untouched**: begin with 0.
+///                    Not null
+/// @param list        receives the records **if there are any, otherwise untouched**: begin with null. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                |
+/// |----------|-------------|---------------------------------------------------------------------|
+/// | 0        | 0           | done: `count` and `list` are set, or there is no share and they aren't |
+/// | 0        | client code | refused: the server's status; `count` and `list` are untouched      |
+///
+/// | Of the list       | Whose it is, and what becomes of it                                               |
+/// |-------------------|-----------------------------------------------------------------------------------|
+/// | array and records | allocated by the call, freed by the caller as the file comment of WebFileManAPI.h |
+/// |                   | shows                                                                             |
+/// | too small         | never: it is as long as it must be                                                |
+/// | other failures    | `count` and `list` are untouched                                                  |
+///
+/// Twice: safe, and a second list to free. Next: WFMGetTorviShareFolderInformation, or a call that takes a
+/// share id.
 TORVIAPI_EXPORT uint32_t WFMTorviFindShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                            const wchar_t* file, uint32_t lower, uint32_t upper,
                                            uint32_t* resultWord, uint32_t* count,
                                            _WFM_TORVI_SHARE_INFORMATION*** list);
 
-/// DRAFT
+/// Asks about one folder that this user shares.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved1    null
+/// @param path         the folder; not null or empty. The sync service is sent what follows "/.Torvi/" in it
+/// @param reserved2    null
+/// @param resultWord   not null
+/// @param statusWord   receives the second number; -1 unless both numbers are 0. Not null
+/// @param information  not null; zeroed first
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | statusWord | When                                                                |
+/// |----------|-------------|------------|---------------------------------------------------------------------|
+/// | 0        | 0           | 0          | it is there and shared: `information` is filled                     |
+/// | 0        | 0           | 2          | it is gone: `information` is filled with what the server still says |
+/// | 0        | 0           | 13         | the reply lacks what it must have, or the folder isn't shared       |
+/// | 0        | client code | -1         | refused: the server's status                                        |
+/// | 8        | -1          | -1         | nothing sent: sync service, and the path lies in a team folder that |
+/// |          |             |            | this user has received, by WFMUpdateTeamFolderInfo                  |
+///
+/// Twice: safe. Next: WebFileManGetShareMember with the share id, or WebFileManShareTo.
 TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                            uint32_t port, void* reserved1,
                                                            const wchar_t* path, void* reserved2,
                                                            uint32_t* resultWord, uint32_t* statusWord,
                                                            _WFM_TORVI_SHARE_FOLDER_INFORMATION* information);
 
-/// DRAFT
+/// Shares a folder with users: a job of the server's.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param targetCount  number of users, not 0
+/// @param targets      their names, none of them null; not null
+/// @param path         the folder; not null or empty. The "/" in front of "/home/" isn't sent
+/// @param capacity     wide characters in `pid`, not 0; 260 is always enough
+/// @param reserved     null
+/// @param pid          receives the job's process id if the server names one, otherwise untouched: begin with
+///                     an empty text. Not null
+/// @param resultWord   not null
+/// @param statusWord   receives the client code of the server's status; -1 if there is none. May be null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                              |
+/// |----------|-------------|-----------------------------------------------------------------------------------|
+/// | 0        | 0           | the job runs: `pid` is filled; untouched if the server names none, or one of 260  |
+/// |          |             | characters or more                                                                |
+/// | 0        | -1          | refused; `pid` is filled if the server names a job all the same                   |
+/// | 0        | 122         | `pid` has no room for the process id; whether the server agrees is in `statusWord` |
+/// | 8        | untouched   | as ever, and nothing is sent where a session of the sync service was told by      |
+/// |          |             | WFMUpdateTeamFolderInfo that the path lies in a folder that this user has received |
+///
+/// Twice: up to the server. Next: WebFileManQueryProgress with the process id; the users answer by
+/// WebFileManAcceptShare or WebFileManDenyShare.
 TORVIAPI_EXPORT uint32_t WebFileManShareTo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                            uint32_t targetCount, const wchar_t* const* targets,
                                            const wchar_t* path, uint32_t capacity, void* reserved,
                                            wchar_t* pid, uint32_t* resultWord, uint32_t* statusWord);
 
-/// DRAFT
+/// Takes a folder back from everybody: a job of the server's. For its owner.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID       null or empty: this NAS; ignored in a session of the web file manager
+/// @param shareID     the share, in either session; not null or empty
+/// @param capacity    wide characters in `pid`, not 0; 260 is always enough
+/// @param reserved    null
+/// @param pid         as for WebFileManShareTo; not null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                             |
+/// |----------|-------------|----------------------------------------------------------------------------------|
+/// | 0        | 0           | the job runs: `pid` is filled; untouched if the server names none, or one of 260 |
+/// |          |             | characters or more                                                               |
+/// | 0        | -1          | refused; `pid` is filled if the server names a job all the same                  |
+/// | 0        | 122         | `pid` has no room for the process id; the server may have agreed                 |
+///
+/// Twice: the server refuses. Next: WebFileManQueryProgress with the process id.
 TORVIAPI_EXPORT uint32_t WebFileManUnshare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                            const wchar_t* nasID, const wchar_t* shareID, uint32_t capacity,
                                            void* reserved, wchar_t* pid, uint32_t* resultWord);
 
-/// DRAFT
+/// Accepts an invitation: the folder appears.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID        null or empty: this NAS; ignored in a session of the web file manager
+/// @param displayName  the name that the folder gets; not null or empty in a session of the sync service,
+///                     ignored otherwise
+/// @param eventID      the event, in a session of the web file manager; ignored otherwise
+/// @param shareID      the share; not null or empty in a session of the sync service, ignored otherwise
+/// @param reserved     null
+/// @param file         receives the folder as the server tells it, **without a test of the capacity: it must
+///                     hold 2048 wide characters**. Untouched unless the server's own status is 0. Not null
+/// @param resultWord   not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                             |
+/// |----------|-------------|----------------------------------------------------------------------------------|
+/// | 0        | 0           | the server's status is 0: `file` is filled; or 1: it is untouched, and a line    |
+/// |          |             | says so. Begin with an empty text                                                |
+/// | 0        | client code | refused: the server's status; -9 if the server sends none                        |
+///
+/// Twice: the server refuses. Next: WebFileManNuboGetTeamFolder or WebFileManGetMyEvent, and
+/// WFMUpdateTeamFolderInfo.
 TORVIAPI_EXPORT uint32_t WebFileManAcceptShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, const wchar_t* nasID,
                                                const wchar_t* displayName, uint32_t eventID,
                                                const wchar_t* shareID, void* reserved, wchar_t* file,
                                                uint32_t* resultWord);
 
-/// DRAFT
+/// Turns an invitation down.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID       null or empty: this NAS; ignored in a session of the web file manager
+/// @param shareID     the share; not null or empty in a session of the sync service, ignored otherwise
+/// @param eventID     the event, in a session of the web file manager; ignored otherwise
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                            |
+/// |----------|-------------|---------------------------------------------------------------------------------|
+/// | 0        | 0           | done: the server's status is 0                                                  |
+/// | 0        | -1          | refused: **any other status, 1 too**; the log alone has the server's own number |
+///
+/// Twice: the server refuses. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManDenyShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              const wchar_t* nasID, const wchar_t* shareID, uint32_t eventID,
                                              void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Gives a received folder back: it disappears.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID       null or empty: this NAS; ignored in a session of the web file manager
+/// @param shareID     the share; not null or empty in a session of the sync service, ignored otherwise
+/// @param eventID     the event, in a session of the web file manager; ignored otherwise
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`; the numbers are those of WebFileManDenyShare
+///
+/// Twice: the server refuses. Next: WFMUpdateTeamFolderInfo without it.
 TORVIAPI_EXPORT uint32_t WebFileManLeaveShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                               uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
                                               uint32_t eventID, void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Takes a folder back from one receiver, whom the share id or the event tells. For its owner.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID       null or empty: this NAS; ignored in a session of the web file manager
+/// @param shareID     the share; not null or empty in a session of the sync service, ignored otherwise
+/// @param eventID     the event, in a session of the web file manager; ignored otherwise
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`; the numbers are those of WebFileManDenyShare
+///
+/// Twice: the server refuses. Next: WebFileManGetShareMember to see who is left.
 TORVIAPI_EXPORT uint32_t WebFileManKickOutShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                       uint32_t port, const wchar_t* nasID,
                                                       const wchar_t* shareID, uint32_t eventID,
                                                       void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Clears an event from the list. For a session of the web file manager: the sync service has no events.
+/// @param context,server,port  the session, of the web file manager, and where; not null or empty, not 0
+/// @param eventID     the event, sent as given
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`; the numbers are those of WebFileManDenyShare, and 8 in a session of the sync service
+///
+/// A reply that isn't understood is 14 as ever; its line says WFM_PARSE_XML_INVALID_PARAMETER. Twice: the
+/// server refuses. Next: WebFileManGetMyEvent.
 TORVIAPI_EXPORT uint32_t WebFileManRemoveEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, uint32_t eventID, void* reserved,
                                                uint32_t* resultWord);
 
-/// DRAFT
+/// Lists the users that a folder is shared with, or could be.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID        null or empty: this NAS; ignored in a session of the web file manager
+/// @param shareID      the share, in either session; not null or empty
+/// @param lower        where the page begins; less than `upper`
+/// @param upper        where it ends
+/// @param userType     1: the server's own users; 2: those of the directory domain that the next two name
+/// @param domain       the domain; may be null or empty, and is ignored with type 1
+/// @param netbios      its NetBIOS name; may be null or empty, and is ignored with type 1
+/// @param filter       null or empty: every user; otherwise what the server is to look for
+/// @param allUsers     true asks for all users, whatever they may do
+/// @param refresh      true has the server look anew; the time-out is then 120 seconds
+/// @param onlyMembers  true asks for those who have the folder
+/// @param reserved     null
+/// @param total        receives how many there are on all pages, by the server's count; not null
+/// @param count        in: entries of `list`, may be 0. Out: records filled. Not null
+/// @param list         the caller's records; not null, also if `count` is 0
+/// @param resultWord   not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                          |
+/// |----------|-------------|-------------------------------------------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none                                        |
+/// | 0        | 87          | nothing sent: `userType` is neither 1 nor 2                                   |
+/// | 0        | 122         | more members came than the list has entries                                   |
+/// | 0        | -1          | refused: the server's status isn't 0. The line is that of 122 all the same    |
+/// | 8        | untouched   | as ever, and if `lower` isn't less than `upper`                               |
+///
+/// | Of the list         | Whose it is, and what becomes of it                                           |
+/// |---------------------|-------------------------------------------------------------------------------|
+/// | array and records   | allocated and freed by the caller                                             |
+/// | a null in the array | skipped, with its member; `count` doesn't count it, so go through all entries |
+/// | `pszDescription`    | allocated by the call with new[] for each record that it fills, an empty one  |
+/// |                     | too, freed by the caller; what stood there is overwritten, not freed          |
+/// | too small           | 122: `total` is set, `count` is 0, no record is touched                       |
+/// | other failures      | but for 8, `total` and `count` are 0; no record is touched                    |
+///
+///     for (uint32_t i = 0; i < entries; ++i)
+///         if (list[i] != nullptr) delete[] std::exchange(list[i]->pszDescription, nullptr);
+///
+/// Begin with null descriptions. Twice: safe, once they are freed; set `count` to what the list holds before
+/// each call. Next: WebFileManSetShareMember.
 TORVIAPI_EXPORT uint32_t WebFileManGetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                   uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
                                                   uint32_t lower, uint32_t upper, uint32_t userType,
@@ -340,7 +611,19 @@ TORVIAPI_EXPORT uint32_t WebFileManGetShareMember(_WFM_AUTH_CONTEXT* context, co
                                                   uint32_t* count, _WFM_SHARE_MEMBER_INFORMATION** list,
                                                   uint32_t* resultWord);
 
-/// DRAFT
+/// Changes members of a share: a job of the server's. For its owner.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param nasID        null or empty: this NAS; sent in either session
+/// @param shareID      the share, in either session; not null or empty
+/// @param memberCount  entries of `members`, not 0
+/// @param members      what to do with whom; not null. A null among them is left out
+/// @param capacity     wide characters in `pid`, not 0; 260 is always enough
+/// @param reserved     null
+/// @param pid          as for WebFileManShareTo; not null
+/// @param resultWord   not null
+/// @return `dwStatus`; the numbers are those of WebFileManUnshare
+///
+/// Twice: up to the server. Next: WebFileManQueryProgress with the process id, then WebFileManGetShareMember.
 TORVIAPI_EXPORT uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                   uint32_t port, const wchar_t* nasID, const wchar_t* shareID,
                                                   uint32_t memberCount,
@@ -594,20 +877,119 @@ TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const 
 /// @}
 
 /// @name Public links
+/// A link is a URL under which the server hands a file or folder to whoever opens it. The server names it by
+/// an id, the ssid. Links belong to the web file manager: these calls ask its CGI in a session of either
+/// service; in one of the sync service `slaveID` counts as elsewhere.
+///
+/// | Call                     | Makes a link    | The URL goes to | Too small a buffer or list                    |
+/// |--------------------------|-----------------|-----------------|-----------------------------------------------|
+/// | WFMGetShareLinkList      | no              | the records     | 7; exactly as large will do                   |
+/// | WFMGetShareLinkItemList  | no              | -               | 7; exactly as large will do                   |
+/// | WFMGetShareLink          | if there's none | a buffer        | 9; a URL as long as it fits, **unterminated** |
+/// | WFMGetandCreateShareLink | if there's none | its record      | cut                                           |
+/// | WFMCreateShareLink       | always          | -               | -                                             |
+/// | WFMUpdateShareLink       | no              | a buffer        | 7; a URL as long as it doesn't fit            |
+///
+/// Access codes and mail passwords travel in clear in the form; use a secure session.
 /// @{
 
-/// DRAFT
+/// Lists the links that the session's user has made, by file name. There is no result word: a server that
+/// refuses gives an empty list.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID   null, or the node to ask
+/// @param limit     how many links to ask for, 1 or more
+/// @param reserved  null
+/// @param start     in: the row to begin at, 0 or more. **Out: how many links there are**, 0 if the server
+///                  doesn't tell; untouched if the request failed. Not null
+/// @param count     in: entries in `list`. Out: records filled; 0 whenever `dwStatus` isn't 0. Not null
+/// @param list      the caller's records; not null. A null entry is passed over, and the link goes to the
+///                  next one; links for which no entry is left are lost without a word
+/// @return `dwStatus`
+///
+/// | The list                    | Who                                                                     |
+/// |-----------------------------|-------------------------------------------------------------------------|
+/// | pointers and records        | the caller allocates and frees both; the library allocates nothing      |
+/// | smaller than the reply      | 7: count is 0, no record is written, `start` has the total all the same |
+/// | exactly as large, or larger | filled from its beginning; a link without a file name is left out       |
+///
+/// | dwStatus | When                                      |
+/// |----------|-------------------------------------------|
+/// | 0        | `count` records are filled, maybe none    |
+/// | 7        | more links came than the list has entries |
+/// | 8        | also: a limit below 1 or a start below 0  |
+///
+/// Twice: safe, but set `start` and `count` anew: both are changed. Next: the same from start + count on.
 TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              const wchar_t* slaveID, int32_t limit, void* reserved,
                                              int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
 
-/// DRAFT
+/// Lists what one link holds, as a visitor sees it: the request goes to the link's public address and carries
+/// no session id, so that an access code keeps this call out too. There is no result word.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param path      null, or the path that was shared: if it lies in a team folder, that folder's node is
+///                  asked. It isn't sent
+/// @param slaveID   null, or the node to ask
+/// @param reserved  null
+/// @param ssid      the link; not null or empty
+/// @param total     receives how many items the link holds; 0 unless `dwStatus` is 0 or 7. Not null
+/// @param count     in: entries in `list`. Out: records filled; 0 whenever `dwStatus` isn't 0. Not null
+/// @param list      the caller's records; not null, **and no entry of it may be null**: unlike
+///                  WFMGetShareLinkList, this call doesn't look
+/// @return `dwStatus`
+///
+/// | The list                    | Who                                                                |
+/// |-----------------------------|--------------------------------------------------------------------|
+/// | pointers and records        | the caller allocates and frees both; the library allocates nothing |
+/// | smaller than the reply      | 7: count is 0, no record is written, `total` is set all the same   |
+/// | exactly as large, or larger | filled from its beginning; an item without a name is left out      |
+///
+/// | dwStatus | When                                                         |
+/// |----------|--------------------------------------------------------------|
+/// | 0        | `count` records are filled; none for a link that isn't there |
+/// | 7        | more items came than the list has entries                    |
+///
+/// Twice: safe, but set `count` anew. The server sends all items at once: after 7 ask again with `total`
+/// entries.
 TORVIAPI_EXPORT uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, const wchar_t* path, const wchar_t* slaveID,
                                                  void* reserved, const wchar_t* ssid, uint32_t* total,
                                                  uint32_t* count, _WFM_SHARE_LINK_ITEM_INFO** list);
 
-/// DRAFT
+/// Asks for the link of one path; the server makes it if there is none. It can mail it at once, in fixed
+/// English words; WFMCreateShareLink and WFMSendShareLinkMail take the caller's.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask; that of a team folder goes before it
+/// @param downloadType  1 or 2, of gDownloadLinkTypes
+/// @param durationType  1 to 3, of gValidDurationTypes
+/// @param networkType   1 or 2, of gNetworkTypes
+/// @param hostname      the host that the link is to name; not null or empty
+/// @param addressee     whom to mail it to; null or empty: nobody
+/// @param path          what to share: a folder, "/" and a name, neither empty. Not null
+/// @param accessCode    what a visitor must give; null or empty: nothing
+/// @param datetime      the day on which the link ends, for duration 2, otherwise not sent; may be null
+/// @param expireTime    the period, for duration 3; may be null
+/// @param secureLink    true: an https link
+/// @param reserved      null
+/// @param linkCapacity  in: wide characters in `link`. Out: what it must be, at 9; otherwise unchanged. Not
+///                      null, also without a link buffer
+/// @param link          receives the URL; null: not wanted. 2048 is always enough. **A URL of exactly
+///                      `linkCapacity` characters is copied without a terminator**: pass one less than the
+///                      buffer has, and terminate it before the call
+/// @param expireTimeOut receives when the link ends, as the server writes it, maybe empty; **it must hold
+///                      256**: no capacity is tested. Not null
+/// @param resultWord    not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                         |
+/// |----------|-------------|------------------------------------------------------------------------------|
+/// | 0        | 0           | there is a link; both texts are copied                                       |
+/// | 0        | -1          | refused, or the reply can't be understood: this call never gives 14 for that |
+/// | 8        | untouched   | also: a type number out of range                                             |
+/// | 9        | 0           | **the link is made**, but longer than the buffer; the expire time is copied  |
+/// | 14       | -1          | the path has no "/", no folder or no name: nothing sent                      |
+///
+/// Twice: the same link; a mail goes out each time. Next, after 9: the same with the capacity that came back,
+/// without an addressee.
 TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                          const wchar_t* slaveID, uint32_t downloadType, uint32_t durationType,
                                          uint32_t networkType, const wchar_t* hostname,
@@ -617,14 +999,74 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar
                                          uint32_t* linkCapacity, wchar_t* link, wchar_t* expireTimeOut,
                                          uint32_t* resultWord);
 
-/// DRAFT
+/// Asks for the link of one or more files; the server makes it if there is none. There is no result word: the
+/// record has it.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask; that of a team folder goes before it
+/// @param timeoutMs     milliseconds for the whole exchange; less than 60000 counts as 60000
+/// @param hostname      the host that the link is to name; not null or empty unless newShare. Where another
+///                      node is asked, the port and that node are sent with it
+/// @param reserved      null
+/// @param fileList      whole paths, **each with ";" behind it**: what stands behind the last ";" counts only
+///                      if there is nothing else. All lie in the folder of the first. Not null or empty
+///                      unless newShare
+/// @param accessCode    what a visitor must give; null or empty: nothing
+/// @param expireTime    the period, for duration 3; may be null
+/// @param datetime      the day on which the link ends, for duration 2, otherwise not sent; may be null
+/// @param linkName      the name of a new link; counts with newShare only. May be null
+/// @param secureLink    true: an https link
+/// @param durationType  1 to 3, of gValidDurationTypes; another number sends an empty word
+/// @param newShare      true: a link that belongs to no folder; hostname and fileList may be empty then
+/// @param information   not null; zeroed first, with nResult -1
+/// @return `dwStatus`
+///
+/// | dwStatus | nResult     | When                                                      |
+/// |----------|-------------|-----------------------------------------------------------|
+/// | 0        | 0           | the record is filled with what the server told            |
+/// | 0        | client code | refused: the client code of the server's status           |
+/// | 8        | untouched   | no record; without newShare no hostname or no list        |
+/// | 8        | -1          | without newShare the first path of the list has no folder |
+///
+/// The team folders themselves ("/home/.Torvi/<name>") may be listed together if one node holds them; the
+/// request then names their places on the server. Twice: the same link, or with newShare another one. Next:
+/// WFMSendShareLinkMail.
 TORVIAPI_EXPORT uint32_t WFMGetandCreateShareLink(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID,
     uint32_t timeoutMs, const wchar_t* hostname, void* reserved, const wchar_t* fileList,
     const wchar_t* accessCode, const wchar_t* expireTime, const wchar_t* datetime, const wchar_t* linkName,
     bool secureLink, uint32_t durationType, bool newShare, _WFM_SHARE_LINK_RESULT* information);
 
-/// DRAFT
+/// Makes a link, and mails it if there is a subject and a content. The URL isn't handed out: WFMGetShareLink.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node to ask; that of a team folder goes before it
+/// @param downloadType  1 or 2, of gDownloadLinkTypes
+/// @param durationType  1 to 3, of gValidDurationTypes
+/// @param networkType   1 or 2, of gNetworkTypes
+/// @param hostname      the host that the link is to name; not null or empty
+/// @param fileTotal     the number of files, sent as given
+/// @param path          what to share: a folder, "/" and a name, neither empty. Not null
+/// @param accessCode    what a visitor must give; null or empty: nothing
+/// @param mailPassword  the password that the mail tells; sent with a mail only. May be null
+/// @param datetime      the day on which the link ends, for duration 2, otherwise not sent; may be null
+/// @param secureLink    true: an https link
+/// @param expireTime    the period, for duration 3; not null or empty, whatever the duration
+/// @param addressee     whom to mail it to; not null or empty, also without a mail
+/// @param mailDate      the date that the mail tells; not null or empty
+/// @param subject,content  of the mail; one of them null or empty: no mail
+/// @param reserved      null
+/// @param resultWord    not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                    |
+/// |----------|-------------|---------------------------------------------------------|
+/// | 0        | 0           | made, and mailed if it was to be                        |
+/// | 0        | 6           | the mail failed                                         |
+/// | 0        | 7           | the time is no good, whatever became of the mail        |
+/// | 0        | -1          | refused                                                 |
+/// | 8        | untouched   | also: a type number out of range                        |
+/// | 14       | -1          | the path has no "/", no folder or no name: nothing sent |
+///
+/// Twice: two links. Next: WFMGetShareLinkList.
 TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, uint32_t downloadType,
                                             uint32_t durationType, uint32_t networkType,
@@ -635,7 +1077,43 @@ TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wc
                                             const wchar_t* mailDate, const wchar_t* subject,
                                             const wchar_t* content, void* reserved, uint32_t* resultWord);
 
-/// DRAFT
+/// Changes links, or their name alone.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node that holds them
+/// @param downloadType  1 or 2, of gDownloadLinkTypes
+/// @param durationType  1 to 3, of gValidDurationTypes
+/// @param networkType   1 or 2, of gNetworkTypes; tested, but not sent
+/// @param hostPort      the port that the link is to name; 0: none
+/// @param hostname      the host that the link is to name; not null or empty. With port and node it must stay
+///                      below 260 characters
+/// @param accessCode    what a visitor must give; null or empty: nothing, and a code that there was goes
+/// @param datetime      the day on which the link ends, for duration 2, otherwise not sent; may be null
+/// @param secureLink    true: an https link
+/// @param option        true sends "3" as the option, false "1"
+/// @param hostForm      true: the host is sent with its port; false: as it stands, unless another node is
+///                      asked
+/// @param expireTime    the period, for duration 3; not null or empty, whatever the duration
+/// @param ssids         the links, in the server's own notation, sent as given; not null or empty
+/// @param linkName      the new name; null or empty: stays
+/// @param further       not null or empty; not sent
+/// @param nameOnly      true: hostname, expireTime, further, linkCapacity and link may be null, the type
+///                      numbers may be anything, and no host is sent
+/// @param reserved      null
+/// @param linkCapacity  in: wide characters in `link`. Out: what it must be, at 7; otherwise unchanged
+/// @param link          receives the changed URL; 260 is always enough, a longer URL is cut
+/// @param resultWord    not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                       |
+/// |----------|-------------|----------------------------------------------------------------------------|
+/// | 0        | 0           | changed, and the URL is copied                                             |
+/// | 0        | 6           | the server says that a mail failed                                         |
+/// | 0        | 7           | the time is no good                                                        |
+/// | 0        | -1          | refused                                                                    |
+/// | 7        | 0           | **changed**, but the URL isn't shorter than `linkCapacity`                 |
+/// | 8        | untouched   | also: a type number out of range, or a host text of 260 characters or more |
+///
+/// The time-out is 120 seconds. Twice: safe. Next, after 7: the same with the capacity that came back.
 TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, uint32_t downloadType,
                                             uint32_t durationType, uint32_t networkType, uint32_t hostPort,
@@ -646,13 +1124,49 @@ TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wc
                                             void* reserved, uint32_t* linkCapacity, wchar_t* link,
                                             uint32_t* resultWord);
 
-/// DRAFT
+/// Deletes links: by their ids, or one by path and URL. The files stay.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID       null, or the node that holds them; that of a team folder goes before it
+/// @param path          the path that was shared; not null or empty, also with ids. If it lies in a team
+///                      folder, that folder's node is asked; it is sent as given, and only without ids
+/// @param downloadLink  the link's URL; may be null if there are ids
+/// @param ssids         the ids, in the server's own notation; null or empty: by path and URL
+/// @param reserved      null
+/// @param resultWord    not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                  |
+/// |----------|-------------|-------------------------------------------------------|
+/// | 0        | 0           | deleted: the server's status is 0                     |
+/// | 0        | -1          | any other status, **1 too**, or a reply that has none |
+/// | 8        | untouched   | also: neither URL nor ids                             |
+///
+/// Twice: the server refuses. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WFMDeleteShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, const wchar_t* path,
                                             const wchar_t* downloadLink, const wchar_t* ssids, void* reserved,
                                             uint32_t* resultWord);
 
-/// DRAFT
+/// Has the server mail one link.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID            null, or the node that holds it
+/// @param reserved           null
+/// @param includeAccessCode  not 0: the mail tells the access code
+/// @param addressee          whom to mail it to; not null or empty
+/// @param subject,content    of the mail; not null or empty, of any length
+/// @param ssid               the link; not null or empty
+/// @param mailPassword       what the mail tells as the code; sent with includeAccessCode only. May be null
+/// @param resultWord         not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                            |
+/// |----------|-------------|---------------------------------|
+/// | 0        | 0           | the server has taken it to mail |
+/// | 0        | 6           | the mail failed                 |
+/// | 0        | 7           | the link's time is no good      |
+/// | 0        | -1          | refused                         |
+///
+/// Twice: two mails. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                               uint32_t port, const wchar_t* slaveID, void* reserved,
                                               uint32_t includeAccessCode, const wchar_t* addressee,
@@ -660,7 +1174,29 @@ TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail(_WFM_AUTH_CONTEXT* context, const 
                                               const wchar_t* ssid, const wchar_t* mailPassword,
                                               uint32_t* resultWord);
 
-/// DRAFT
+/// Has the server mail several links in one mail, and tell what they are for.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param slaveID            null, or the node that holds them
+/// @param reserved           null
+/// @param includeAccessCode  not 0: the links have an access code, and the mail tells it
+/// @param downloadType       1 or 2, of gDownloadLinkTypes
+/// @param networkType        1 or 2, of gNetworkTypes
+/// @param addressee          whom to mail them to; not null or empty
+/// @param subject,content    of the mail; not null or empty, of any length
+/// @param ssids              the links, with ";" between them; empty items are skipped. Not null or empty
+/// @param mailPassword       what the mail tells as the code; sent with includeAccessCode only. May be null
+/// @param resultWord         not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                             |
+/// |----------|-------------|----------------------------------|
+/// | 0        | 0           | the server has taken it to mail  |
+/// | 0        | 6           | the mail failed                  |
+/// | 0        | 7           | the links' time is no good       |
+/// | 0        | -1          | refused                          |
+/// | 8        | untouched   | also: a type number out of range |
+///
+/// Twice: two mails. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, const wchar_t* slaveID, void* reserved,
                                                uint32_t includeAccessCode, uint32_t downloadType,
