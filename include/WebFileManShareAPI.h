@@ -285,15 +285,15 @@ TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* contex
 /// @}
 
 /// @name Team folders, their events and members
-/// A team folder is shared by its owner and appears below "/home/.Torvi/" of those who accept it. A session of
-/// the sync service names it by its share id, one of the web file manager by the event that tells of it.
+/// A team folder is shared by its owner and appears below "/home/.Torvi/" of those who accept it. A session
+/// of the sync service names it by its share id, one of the web file manager by the event that tells of it.
 /// Requests go to the session's own node; `nasID` tells which NAS holds the share.
 /// @{
 
 /// Lists team folders: those that this user shares and those that were shared with this user. For a session
 /// of the sync service; one of the web file manager has WebFileManGetMyEvent.
 /// @param context,server,port  the session, of the sync service, and where; not null or empty, not 0
-/// @param eventType   which folders, by the server's number; 8 are the team folders that the user has received
+/// @param eventType   which folders, by the server's number; 8 asks for team folders
 /// @param targetUser  null or empty: shared with anybody; otherwise with this user
 /// @param path        null or empty: any; otherwise the folder at this path
 /// @param lower       where the page begins, sent as given
@@ -311,13 +311,13 @@ TORVIAPI_EXPORT uint32_t WebFileManGetQuotaInformation(_WFM_AUTH_CONTEXT* contex
 /// | 0        | other       | refused: the server's number, as -3; -1 also if the reply is no JSON object  |
 /// | 8        | untouched   | as ever, and in a session of the web file manager                            |
 ///
-/// | Of the list          | Whose it is, and what becomes of it                                          |
-/// |----------------------|------------------------------------------------------------------------------|
-/// | array and records    | allocated and freed by the caller                                            |
-/// | a null in the array  | skipped, with its folder; `count` doesn't count it, so go through all entries |
-/// | `lppReceivers`       | allocated by the call for each record that it fills, freed by the caller     |
-/// | too small            | filled as far as it goes, without a word: both numbers are 0                 |
-/// | other failures       | but for 8, `total` and `count` are 0; no record is touched                   |
+/// | Of the list         | Whose it is, and what becomes of it                                           |
+/// |---------------------|-------------------------------------------------------------------------------|
+/// | array and records   | allocated and freed by the caller                                             |
+/// | a null in the array | skipped, with its folder; `count` doesn't count it, so go through all entries |
+/// | `lppReceivers`      | allocated by the call for each record that it fills, freed by the caller      |
+/// | too small           | filled as far as it goes, without a word: both numbers are 0                  |
+/// | other failures      | but for 8, `total` and `count` are 0; no record is touched                    |
 ///
 ///     for (uint32_t i = 0; i < folder.dwReceiverCount; ++i) delete folder.lppReceivers[i];
 ///     delete[] folder.lppReceivers;
@@ -343,12 +343,12 @@ TORVIAPI_EXPORT uint32_t WebFileManNuboGetTeamFolder(
 /// @param list        the caller's records; not null, also if `count` is 0
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                   |
-/// |----------|-------------|------------------------------------------------------------------------|
-/// | 0        | 0           | the first `count` records are filled, maybe none                       |
-/// | 0        | client code | refused: the server's status; -1 also if the reply is no JSON object   |
-/// | 7        | 0           | more events came than the list has entries, those without a file, too  |
-/// | 8        | untouched   | as ever, and in a session of the sync service                          |
+/// | dwStatus | Result word | When                                                                  |
+/// |----------|-------------|-----------------------------------------------------------------------|
+/// | 0        | 0           | the first `count` records are filled, maybe none                      |
+/// | 0        | client code | refused: the server's status; -1 also if the reply is no JSON object  |
+/// | 7        | 0           | more events came than the list has entries, those without a file, too |
+/// | 8        | untouched   | as ever, and in a session of the sync service                         |
 ///
 /// | Of the list         | Whose it is, and what becomes of it                                    |
 /// |---------------------|------------------------------------------------------------------------|
@@ -373,13 +373,14 @@ TORVIAPI_EXPORT uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const 
 /// @param resultWord  not null
 /// @param count       receives the number of records **if there are any, otherwise untouched**: begin with 0.
 ///                    Not null
-/// @param list        receives the records **if there are any, otherwise untouched**: begin with null. Not null
+/// @param list        receives the records **if there are any, otherwise untouched**: begin with null. Not
+///                    null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                |
-/// |----------|-------------|---------------------------------------------------------------------|
+/// | dwStatus | Result word | When                                                                   |
+/// |----------|-------------|------------------------------------------------------------------------|
 /// | 0        | 0           | done: `count` and `list` are set, or there is no share and they aren't |
-/// | 0        | client code | refused: the server's status; `count` and `list` are untouched      |
+/// | 0        | client code | refused: the server's status; `count` and `list` are untouched         |
 ///
 /// | Of the list       | Whose it is, and what becomes of it                                               |
 /// |-------------------|-----------------------------------------------------------------------------------|
@@ -405,14 +406,15 @@ TORVIAPI_EXPORT uint32_t WFMTorviFindShare(_WFM_AUTH_CONTEXT* context, const wch
 /// @param information  not null; zeroed first
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | statusWord | When                                                                |
-/// |----------|-------------|------------|---------------------------------------------------------------------|
-/// | 0        | 0           | 0          | it is there and shared: `information` is filled                     |
-/// | 0        | 0           | 2          | it is gone: `information` is filled with what the server still says |
-/// | 0        | 0           | 13         | the reply lacks what it must have, or the folder isn't shared       |
-/// | 0        | client code | -1         | refused: the server's status                                        |
-/// | 8        | -1          | -1         | nothing sent: sync service, and the path lies in a team folder that |
-/// |          |             |            | this user has received, by WFMUpdateTeamFolderInfo                  |
+/// | dwStatus | Result word | statusWord | When                                                           |
+/// |----------|-------------|------------|----------------------------------------------------------------|
+/// | 0        | 0           | 0          | it is there and shared: `information` is filled                |
+/// | 0        | 0           | 2          | it is gone: `information` is filled with what the server still |
+/// |          |             |            | says                                                           |
+/// | 0        | 0           | 13         | the reply lacks what it must have, or the folder isn't shared  |
+/// | 0        | client code | -1         | refused: the server's status                                   |
+/// | 8        | -1          | -1         | nothing sent: sync service, and the path lies in a team folder |
+/// |          |             |            | that this user has received, by WFMUpdateTeamFolderInfo        |
 ///
 /// Twice: safe. Next: WebFileManGetShareMember with the share id, or WebFileManShareTo.
 TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
@@ -434,14 +436,16 @@ TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* co
 /// @param statusWord   receives the client code of the server's status; -1 if there is none. May be null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                              |
-/// |----------|-------------|-----------------------------------------------------------------------------------|
-/// | 0        | 0           | the job runs: `pid` is filled; untouched if the server names none, or one of 260  |
-/// |          |             | characters or more                                                                |
-/// | 0        | -1          | refused; `pid` is filled if the server names a job all the same                   |
-/// | 0        | 122         | `pid` has no room for the process id; whether the server agrees is in `statusWord` |
-/// | 8        | untouched   | as ever, and nothing is sent where a session of the sync service was told by      |
-/// |          |             | WFMUpdateTeamFolderInfo that the path lies in a folder that this user has received |
+/// | dwStatus | Result word | When                                                                         |
+/// |----------|-------------|------------------------------------------------------------------------------|
+/// | 0        | 0           | the job runs: `pid` is filled; untouched if the server names none, or one of |
+/// |          |             | 260 characters or more                                                       |
+/// | 0        | -1          | refused; `pid` is filled if the server names a job all the same              |
+/// | 0        | 122         | `pid` has no room for the process id; whether the server agrees is in        |
+/// |          |             | `statusWord`                                                                 |
+/// | 8        | untouched   | as ever, and nothing is sent where a session of the sync service was told by |
+/// |          |             | WFMUpdateTeamFolderInfo that the path lies in a folder that this user has    |
+/// |          |             | received                                                                     |
 ///
 /// Twice: up to the server. Next: WebFileManQueryProgress with the process id; the users answer by
 /// WebFileManAcceptShare or WebFileManDenyShare.
@@ -460,12 +464,12 @@ TORVIAPI_EXPORT uint32_t WebFileManShareTo(_WFM_AUTH_CONTEXT* context, const wch
 /// @param resultWord  not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                             |
-/// |----------|-------------|----------------------------------------------------------------------------------|
-/// | 0        | 0           | the job runs: `pid` is filled; untouched if the server names none, or one of 260 |
-/// |          |             | characters or more                                                               |
-/// | 0        | -1          | refused; `pid` is filled if the server names a job all the same                  |
-/// | 0        | 122         | `pid` has no room for the process id; the server may have agreed                 |
+/// | dwStatus | Result word | When                                                                         |
+/// |----------|-------------|------------------------------------------------------------------------------|
+/// | 0        | 0           | the job runs: `pid` is filled; untouched if the server names none, or one of |
+/// |          |             | 260 characters or more                                                       |
+/// | 0        | -1          | refused; `pid` is filled if the server names a job all the same              |
+/// | 0        | 122         | `pid` has no room for the process id; the server may have agreed             |
 ///
 /// Twice: the server refuses. Next: WebFileManQueryProgress with the process id.
 TORVIAPI_EXPORT uint32_t WebFileManUnshare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -485,11 +489,11 @@ TORVIAPI_EXPORT uint32_t WebFileManUnshare(_WFM_AUTH_CONTEXT* context, const wch
 /// @param resultWord   not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                             |
-/// |----------|-------------|----------------------------------------------------------------------------------|
-/// | 0        | 0           | the server's status is 0: `file` is filled; or 1: it is untouched, and a line    |
-/// |          |             | says so. Begin with an empty text                                                |
-/// | 0        | client code | refused: the server's status; -9 if the server sends none                        |
+/// | dwStatus | Result word | When                                                                          |
+/// |----------|-------------|-------------------------------------------------------------------------------|
+/// | 0        | 0           | the server's status is 0: `file` is filled; or 1: it is untouched, and a line |
+/// |          |             | says so. Begin with an empty text                                             |
+/// | 0        | client code | refused: the server's status; -9 if the server sends none                     |
 ///
 /// Twice: the server refuses. Next: WebFileManNuboGetTeamFolder or WebFileManGetMyEvent, and
 /// WFMUpdateTeamFolderInfo.
@@ -508,10 +512,11 @@ TORVIAPI_EXPORT uint32_t WebFileManAcceptShare(_WFM_AUTH_CONTEXT* context, const
 /// @param resultWord  not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                            |
-/// |----------|-------------|---------------------------------------------------------------------------------|
-/// | 0        | 0           | done: the server's status is 0                                                  |
-/// | 0        | -1          | refused: **any other status, 1 too**; the log alone has the server's own number |
+/// | dwStatus | Result word | When                                                                     |
+/// |----------|-------------|--------------------------------------------------------------------------|
+/// | 0        | 0           | done: the server's status is 0                                           |
+/// | 0        | -1          | refused: **any other status, 1 too**; the log alone has the server's own |
+/// |          |             | number                                                                   |
 ///
 /// Twice: the server refuses. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WebFileManDenyShare(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -580,13 +585,13 @@ TORVIAPI_EXPORT uint32_t WebFileManRemoveEvent(_WFM_AUTH_CONTEXT* context, const
 /// @param resultWord   not null
 /// @return `dwStatus`
 ///
-/// | dwStatus | Result word | When                                                                          |
-/// |----------|-------------|-------------------------------------------------------------------------------|
-/// | 0        | 0           | `count` records are filled, maybe none                                        |
-/// | 0        | 87          | nothing sent: `userType` is neither 1 nor 2                                   |
-/// | 0        | 122         | more members came than the list has entries                                   |
-/// | 0        | -1          | refused: the server's status isn't 0. The line is that of 122 all the same    |
-/// | 8        | untouched   | as ever, and if `lower` isn't less than `upper`                               |
+/// | dwStatus | Result word | When                                                                       |
+/// |----------|-------------|----------------------------------------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none                                     |
+/// | 0        | 87          | nothing sent: `userType` is neither 1 nor 2                                |
+/// | 0        | 122         | more members came than the list has entries                                |
+/// | 0        | -1          | refused: the server's status isn't 0. The line is that of 122 all the same |
+/// | 8        | untouched   | as ever, and if `lower` isn't less than `upper`                            |
 ///
 /// | Of the list         | Whose it is, and what becomes of it                                           |
 /// |---------------------|-------------------------------------------------------------------------------|
