@@ -25,6 +25,7 @@
 /// | 6        | any other network error: HTTP 400 and above, a fault of proxy or protocol, a broken URL |
 /// | 7        | the caller's list or buffer can't take the reply                                        |
 /// | 8        | an argument is refused, or there is no `QCoreApplication`: nothing sent                 |
+/// | 9        | in place of 7: WFMGetShareLink                                                          |
 /// | 10       | HTTP 404, in the calls that say so: the server doesn't have this service                |
 /// | 11       | HTTP 407: the proxy wants other credentials                                             |
 /// | 12       | HTTP 503: the server is there and not ready                                             |

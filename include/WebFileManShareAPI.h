@@ -892,14 +892,14 @@ TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const 
 /// | WFMGetShareLinkItemList  | no              | -               | 7; exactly as large will do                   |
 /// | WFMGetShareLink          | if there's none | a buffer        | 9; a URL as long as it fits, **unterminated** |
 /// | WFMGetandCreateShareLink | if there's none | its record      | cut                                           |
-/// | WFMCreateShareLink       | always          | -               | -                                             |
+/// | WFMCreateShareLink       | yes             | -               | -                                             |
 /// | WFMUpdateShareLink       | no              | a buffer        | 7; a URL as long as it doesn't fit            |
 ///
 /// Access codes and mail passwords travel in clear in the form; use a secure session.
 /// @{
 
-/// Lists the links that the session's user has made, by file name. There is no result word: a server that
-/// refuses gives an empty list.
+/// Lists the links that there are, by file name. There is no result word: a server that refuses gives an
+/// empty list.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID   null, or the node to ask
 /// @param limit     how many links to ask for, 1 or more
@@ -929,7 +929,7 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const w
                                              int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
 
 /// Lists what one link holds, as a visitor sees it: the request goes to the link's public address and carries
-/// no session id, so that an access code keeps this call out too. There is no result word.
+/// no session id. There is no result word.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param path      null, or the path that was shared: if it lies in a team folder, that folder's node is
 ///                  asked. It isn't sent
@@ -1033,7 +1033,7 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar
 /// | 8        | -1          | without newShare the first path of the list has no folder |
 ///
 /// The team folders themselves ("/home/.Torvi/<name>") may be listed together if one node holds them; the
-/// request then names their places on the server. Twice: the same link, or with newShare another one. Next:
+/// request then names their places on the server. Twice: the same link, with newShare up to the server. Next:
 /// WFMSendShareLinkMail.
 TORVIAPI_EXPORT uint32_t WFMGetandCreateShareLink(
     _WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port, const wchar_t* slaveID,
@@ -1071,7 +1071,7 @@ TORVIAPI_EXPORT uint32_t WFMGetandCreateShareLink(
 /// | 8        | untouched   | also: a type number out of range                        |
 /// | 14       | -1          | the path has no "/", no folder or no name: nothing sent |
 ///
-/// Twice: two links. Next: WFMGetShareLinkList.
+/// Twice: up to the server. Next: WFMGetShareLinkList.
 TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, uint32_t downloadType,
                                             uint32_t durationType, uint32_t networkType,
@@ -1091,7 +1091,7 @@ TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wc
 /// @param hostPort      the port that the link is to name; 0: none
 /// @param hostname      the host that the link is to name; not null or empty. With port and node it must stay
 ///                      below 260 characters
-/// @param accessCode    what a visitor must give; null or empty: nothing, and a code that there was goes
+/// @param accessCode    what a visitor must give; null or empty: nothing
 /// @param datetime      the day on which the link ends, for duration 2, otherwise not sent; may be null
 /// @param secureLink    true: an https link
 /// @param option        true sends "3" as the option, false "1"
@@ -1129,7 +1129,7 @@ TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wc
                                             void* reserved, uint32_t* linkCapacity, wchar_t* link,
                                             uint32_t* resultWord);
 
-/// Deletes links: by their ids, or one by path and URL. The files stay.
+/// Deletes links: by their ids, or one by path and URL.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param slaveID       null, or the node that holds them; that of a team folder goes before it
 /// @param path          the path that was shared; not null or empty, also with ids. If it lies in a team
@@ -1146,7 +1146,7 @@ TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wc
 /// | 0        | -1          | any other status, **1 too**, or a reply that has none |
 /// | 8        | untouched   | also: neither URL nor ids                             |
 ///
-/// Twice: the server refuses. Next: nothing that must be.
+/// Twice: up to the server. Next: nothing that must be.
 TORVIAPI_EXPORT uint32_t WFMDeleteShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                             const wchar_t* slaveID, const wchar_t* path,
                                             const wchar_t* downloadLink, const wchar_t* ssids, void* reserved,

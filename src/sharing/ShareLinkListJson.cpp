@@ -5,10 +5,11 @@
 using namespace Lattice;
 
 int CShareLinkListJson::Parser(char* text) {
+    constexpr int kNoLinks = -3;
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
-        status = JsonGetInt(root, "status", 0);
-        if (status == WFM_PERMISSION_DENY) return 1;
+        status = JsonGetInt(root, "status", status);
+        if (status == kNoLinks) return 1;
         maxShareFile = JsonGetInt(root, "max_share_file", 0);
         total = JsonGetInt(root, "total", 0);
         if (!IsPresent(root, "datas")) return 1;

@@ -12,6 +12,12 @@ namespace {
 constexpr char kSubject[] = "To Share with You!";
 constexpr char kContent[] = "I've shared the following file(s) with you using VEXA Rapido WFM:";
 
+/// The line of a proxy that refuses has no colon, and that must stay.
+constexpr HttpOutcomes kOutcomes{
+    {{kProxyRefused.httpStatus, kProxyRefused.dwStatus, kProxyRefused.word, "{call} {word}"},
+     kServiceUnavailable},
+    2};
+
 }  // namespace
 
 uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -21,7 +27,8 @@ uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint
                          const wchar_t* expireTime, bool secureLink, void* /*reserved*/,
                          uint32_t* linkCapacity, wchar_t* link, wchar_t* expireTimeOut,
                          uint32_t* resultWord) {
-    static constexpr auto rules = CallRules("[WFMShare] WFMGetShareLink").withEndpoint(kLinkPlace);
+    static constexpr auto rules =
+        CallRules("[WFMShare] WFMGetShareLink").withEndpoint(kLinkPlace).withOutcomes(kOutcomes);
     Call call(rules, context, server, port);
     const LinkTypes types{downloadType, durationType, networkType};
     if (!call.accepts(hostname, path, linkCapacity, Given{expireTimeOut}, resultWord) || !types.inRange())
@@ -62,8 +69,8 @@ uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint
     if (link == nullptr) return call.end();
     if (reply.linkURL.size() > *linkCapacity) {
         *linkCapacity = static_cast<uint32_t>(reply.linkURL.size() + 1);
-        return call.fail(WFM_PARSE_XML_INSUFFICIENT_BUFFER,
-                         "[WFMShare] WFMGetShareLink: WFM_PARSE_XML_INSUFFICIENT_BUFFER");
+        call.failAs(WFM_PARSE_XML_INSUFFICIENT_BUFFER, "WFM_PARSE_XML_INSUFFICIENT_BUFFER");
+        return call.end();
     }
     // One as long as the capacity has no terminator, and that must stay.
     std::copy_n(reply.linkURL.c_str(), std::min<size_t>(reply.linkURL.size() + 1, *linkCapacity), link);

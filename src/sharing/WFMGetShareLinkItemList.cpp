@@ -23,14 +23,15 @@ uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
 
     // The path tells the node only; the request is the link's public one, without the session.
     call.route(slaveID, MapTeamFolderPath(*context, TextOf(path)).slaveID);
-    call.get(L"func=get_list&ssid=%ls", ssid);
+    call.get(L"func=get_list&ssid=%ls", Encoded(ssid));
     CShareLinkItemListJson reply;
     if (!call.ask(reply)) return call.end();
 
     *total = reply.total;
-    if (capacity < reply.items.size())
-        return call.fail(WFM_PARSE_XML_BUFFER_NOT_ENOUGH,
-                         "[WFMShare] WFMGetShareLinkItemList: WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
+    if (capacity < reply.items.size()) {
+        call.failAs(WFM_PARSE_XML_BUFFER_NOT_ENOUGH, "WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
+        return call.end();
+    }
     for (const _WFM_SHARE_LINK_ITEM_INFO& item : reply.items)
         if (item.szFileName[0] != L'\0') *list[(*count)++] = item;
     return call.end();

@@ -21,9 +21,10 @@ uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, 
     if (!call.ask(reply)) return call.end();
 
     *start = reply.total;
-    if (capacity < reply.links.size())
-        return call.fail(WFM_PARSE_XML_BUFFER_NOT_ENOUGH,
-                         "[WFMShare] WFMGetShareLinkList: WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
+    if (capacity < reply.links.size()) {
+        call.failAs(WFM_PARSE_XML_BUFFER_NOT_ENOUGH, "WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
+        return call.end();
+    }
     // A null entry is passed over; its link goes to the next.
     uint32_t entry = 0;
     for (const _WFM_SHARE_LINK_INFO& link : reply.links) {

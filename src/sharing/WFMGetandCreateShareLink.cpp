@@ -22,7 +22,7 @@ struct Selection {
 /// Items are whole paths in one folder, that of the first.
 Selection SelectionOf(_WFM_AUTH_CONTEXT& context, const wchar_t* fileList, bool newShare) {
     Selection selection;
-    for (const std::wstring& item : LinkItems(fileList)) {
+    for (const std::wstring& item : FileItems(fileList)) {
         const SplitPath split = SplitAtLastSlash(item);
         if (selection.items.empty()) selection.path = split.parent;
         selection.items.push_back(split.name);

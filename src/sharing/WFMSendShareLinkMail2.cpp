@@ -28,7 +28,7 @@ uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const wchar_t* server
     call.field("network_type", TypeText(gNetworkTypes, networkType));
     call.field("include_access_code", TrueOrFalse(includeAccessCode != 0));
     call.field("access_enabled", TrueOrFalse(includeAccessCode != 0));
-    call.field("mail_content_pwd", TextOf(mailPassword));
+    if (includeAccessCode != 0) call.field("mail_content_pwd", TextOf(mailPassword));
     CWebFileManCreateLinkXml reply;
     if (!call.ask(reply)) return call.end();
 

@@ -29,7 +29,7 @@ HostFields FieldsOf(const Host& host, const wchar_t* node, bool nameOnly) {
     if (nameOnly) return {{}, "11"};
     if (!IsGiven(host.name)) return {};
     const std::wstring name = host.name;
-    const std::wstring withPort = name + L":" + std::to_wstring(host.port);
+    const std::wstring withPort = name + L":" + std::to_wstring(static_cast<int>(host.port));
     if (host.form) {
         if (IsGiven(node)) return {withPort + L"/" + node, "10"};
         return {host.port == 0 ? name : withPort, "10"};

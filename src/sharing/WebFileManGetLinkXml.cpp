@@ -5,26 +5,20 @@
 
 #include "core/Utils.h"
 
-using namespace Lattice;
-
 namespace {
 
 constexpr int kShortValue = 256;
 constexpr int kLinkValue = 2048;
 
 template <int Capacity>
-std::string Value(const char* text, const char* key) {
-    char value[Capacity];
-    return CWebFileManGetLinkXml::GetValue(text, key, value, Capacity) ? std::string(value) : std::string();
-}
-
-std::wstring Wide(const std::string& text) {
-    return FromQString(QString::fromStdString(text));
+std::wstring Value(const char* text, const char* key) {
+    wchar_t value[Capacity];
+    return CWebFileManGetLinkXml::GetValue(text, key, value, Capacity) ? value : L"";
 }
 
 }  // namespace
 
-bool CWebFileManGetLinkXml::GetValue(const char* text, const char* key, char* out, int capacity) {
+bool CWebFileManGetLinkXml::GetValue(const char* text, const char* key, wchar_t* out, int capacity) {
     if (text == nullptr || key == nullptr || out == nullptr) return false;
     const char* found = std::strstr(text, key);
     // A key at the very start counts as none.
@@ -34,20 +28,17 @@ bool CWebFileManGetLinkXml::GetValue(const char* text, const char* key, char* ou
         const bool skipped = *found == ' ' || *found == '"' || (*found == ':' && value.empty());
         if (!skipped) value += *found;
     }
-    if (value.size() >= static_cast<size_t>(std::max(capacity, 0))) return false;
-    value.copy(out, value.size());
-    out[value.size()] = '\0';
-    return true;
+    const bool fits = capacity > 0 && value.size() < static_cast<size_t>(capacity);
+    return fits && Utf8ToUnicode_1(value.c_str(), out, capacity) == 1;
 }
 
 int CWebFileManGetLinkXml::Parser(char* text) {
-    const std::string state = Value<kShortValue>(text, "status");
+    const std::wstring state = Value<kShortValue>(text, "status");
     if (state.empty()) return 1;
-    if (state == "1") status = 0;
-    expireTime = Wide(Value<kShortValue>(text, "expire_time"));
-    std::string link = Value<kLinkValue>(text, "link_url");
+    if (state == L"1") status = 0;
+    expireTime = Value<kShortValue>(text, "expire_time");
+    linkURL = Value<kLinkValue>(text, "link_url");
     // Its slashes come with a backslash before them.
-    link.erase(std::remove(link.begin(), link.end(), '\\'), link.end());
-    linkURL = Wide(link);
+    linkURL.erase(std::remove(linkURL.begin(), linkURL.end(), L'\\'), linkURL.end());
     return 1;
 }

@@ -10,9 +10,9 @@ public:
     int Parser(char* text);
     int GetStatus() const { return status; }
 
-    /// The value behind a key, without blanks and quotes; false where there is none that fits `capacity`
-    /// bytes with its terminator.
-    static bool GetValue(const char* text, const char* key, char* out, int capacity);
+    /// The value behind a key, without blanks and quotes; false, and `out` untouched, where there is none
+    /// whose bytes are fewer than `capacity`.
+    static bool GetValue(const char* text, const char* key, wchar_t* out, int capacity);
 
     int32_t status = -1;
     std::wstring linkURL;

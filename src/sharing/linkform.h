@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "WebFileManShareAPI.h"
 #include "core/callframe.h"
 
@@ -43,5 +46,7 @@ inline void AddAccess(Call& call, const wchar_t* accessCode) {
 
 /// The pieces of a text between ";"; empty ones aren't.
 std::vector<std::wstring> LinkItems(const wchar_t* text);
+/// The same for a list whose items each end in ";": what stands behind the last one counts only alone.
+std::vector<std::wstring> FileItems(const wchar_t* text);
 
 }  // namespace Lattice

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <list>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "calltable.h"
 
@@ -16,6 +19,20 @@ inline CallRow usual(const char* name, decltype(CallRow::run) run, std::vector<c
     row.failure = std::move(failure);
     row.refused = refused;
     return row;
+}
+
+/// A row's text, for as long as the program runs.
+inline const char* lasting(const std::string& text) {
+    static std::list<std::string> texts;
+    return texts.emplace_back(text).c_str();
+}
+
+/// A row of the usual wording whose lines begin with `spelled`, prefix and name.
+inline CallRow spelledRow(const std::string& name, decltype(CallRow::run) run, const std::string& spelled) {
+    return usual(
+        lasting(name), std::move(run),
+        {lasting(spelled + ": {word}"), lasting(spelled + "(127.0.0.1:{port}) failed dwStatus({status})")},
+        lasting(spelled + "({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER"));
 }
 
 /// For the calls that have no result word: one as the others would have it.

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <list>
 
 #include "WebFileManShareAPI.h"
 #include "callrows.h"
@@ -114,42 +113,29 @@ uint32_t userHomePath(Context context, const wchar_t* server, uint32_t port, uin
                              result);
 }
 
-/// A row's text, for as long as the program runs.
-const char* kept(const std::string& text) {
-    static std::list<std::string> texts;
-    return texts.emplace_back(text).c_str();
-}
-
-/// A row of a call whose lines begin with `spelled`.
-CallRow stateRow(const char* name, decltype(CallRow::run) run, const std::string& spelled) {
-    return usual(name, std::move(run),
-                 {kept(spelled + ": {word}"), kept(spelled + "(127.0.0.1:{port}) failed dwStatus({status})")},
-                 kept(spelled + "({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER"));
-}
-
 }  // namespace
 
 void addStateRows(std::vector<CallRow>& rows) {
     CallRow row =
-        stateRow("WebFileManGetTorviInformation", torviInformation, "[WFM] WebFileManGetTorviInformation");
+        spelledRow("WebFileManGetTorviInformation", torviInformation, "[WFM] WebFileManGetTorviInformation");
     row.goodReply =
         R"({"nubo_function_enable":1,"nubo_user_enable":1,"home_is_exist":1,"team_folder_is_exist":1})";
     row.tooLarge = R"({"nubo_function_enable":99999999999})";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviGetNASStaticInfo", staticInfo, "[WFM] WFMTorviGetNASStaticInfo");
+    row = spelledRow("WFMTorviGetNASStaticInfo", staticInfo, "[WFM] WFMTorviGetNASStaticInfo");
     row.goodReply = R"({"status":1,"model":"M"})";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviGetNASStatus", nasStatus, "[WFM] WFMTorviGetNASStatus");
+    row = spelledRow("WFMTorviGetNASStatus", nasStatus, "[WFM] WFMTorviGetNASStatus");
     row.syncServiceOnly = "&check_detail=1";
     rows.push_back(row);
 
-    row = stateRow("WFMGetDomainIPList", domainIPList, "[WFM] WFMGetDomainIPList");
+    row = spelledRow("WFMGetDomainIPList", domainIPList, "[WFM] WFMGetDomainIPList");
     row.timeoutMs = 7000;
     rows.push_back(row);
 
-    row = stateRow("WebFileManQueryUID", queryUID, "[WFM] WebFileManQueryUID");
+    row = spelledRow("WebFileManQueryUID", queryUID, "[WFM] WebFileManQueryUID");
     row.goodReply = R"({"UID":"u"})";
     row.tooLarge = R"({"user_type":99999999999})";
     rows.push_back(row);
@@ -168,46 +154,46 @@ void addStateRows(std::vector<CallRow>& rows) {
     row.tooLarge = R"({"user_type":99999999999})";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviGetNASSyncinFolderList", syncFolders, "[WFM] WFMTorviGetNASSyncingolderList");
+    row = spelledRow("WFMTorviGetNASSyncinFolderList", syncFolders, "[WFM] WFMTorviGetNASSyncingolderList");
     row.goodReply = R"({"total":1,"folder":[{"name":"a","privilege":2}]})";
     rows.push_back(row);
 
-    row = stateRow("WFMGetTorviSyncStart", syncStart, "[WFMShare] WFMGetTorviSyncStart");
+    row = spelledRow("WFMGetTorviSyncStart", syncStart, "[WFMShare] WFMGetTorviSyncStart");
     row.nonObjectIsUnderstood = true;
     rows.push_back(row);
 
-    row = stateRow("WFMGetTorviSyncStop", syncStop, "[WFMShare] WFMGetTorviSyncStop");
+    row = spelledRow("WFMGetTorviSyncStop", syncStop, "[WFMShare] WFMGetTorviSyncStop");
     row.nonObjectIsUnderstood = true;
     rows.push_back(row);
 
-    row = stateRow("WFMGetTorviLastModifiedTime", lastModifiedTime, "[WFMShare] WFMGetTorviLastModifiedTime");
+    row = spelledRow("WFMGetTorviLastModifiedTime", lastModifiedTime, "[WFMShare] WFMGetTorviLastModifiedTime");
     row.goodReply = R"({"epochmt":"5"})";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviGetVetoFiles", vetoFiles, "[WFM] WFMTorviGetVetoFiles");
+    row = spelledRow("WFMTorviGetVetoFiles", vetoFiles, "[WFM] WFMTorviGetVetoFiles");
     row.goodReply = R"({"veto files":"/.x/"})";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviNuboGetMaxLog", maxLogOfFolders, "[WFMShare] WFMTorviNuboGetMaxLog");
+    row = spelledRow("WFMTorviNuboGetMaxLog", maxLogOfFolders, "[WFMShare] WFMTorviNuboGetMaxLog");
     row.ownCgi = "torvisrvPrepare.cgi";
     row.fileManagerPath = "/cgi-bin/torvi/torvisrvPrepare.cgi";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviGetMaxLog", maxLog, "[WFMShare] WFMTorviGetMaxLog");
+    row = spelledRow("WFMTorviGetMaxLog", maxLog, "[WFMShare] WFMTorviGetMaxLog");
     row.ownCgi = "torvisrvPrepare.cgi";
     row.fileManagerPath = "/cgi-bin/filemanager/torviPrepare.cgi";
     rows.push_back(row);
 
-    row = stateRow("WFMTorviGetSyncLog", syncLog, "[WFMShare] WFMTorviGetSyncLog");
+    row = spelledRow("WFMTorviGetSyncLog", syncLog, "[WFMShare] WFMTorviGetSyncLog");
     row.goodReply = R"({"status":0,"end":1})";
     rows.push_back(row);
 
-    row = stateRow("WebFileManGetQuotaInformation", quotaInformation, "[WFM] WebFileManGetQuotaInformation");
+    row = spelledRow("WebFileManGetQuotaInformation", quotaInformation, "[WFM] WebFileManGetQuotaInformation");
     row.goodReply = R"({"quota_enable":true,"quota_size":"2 GB","used_quota_size":"1 GB"})";
     row.tooLarge = R"({"quota_enable":true,"vol_id":99999999999})";
     rows.push_back(row);
 
-    row = stateRow("WFMGetUserHomePath", userHomePath, "[WFM] WFMGetUserHomePath");
+    row = spelledRow("WFMGetUserHomePath", userHomePath, "[WFM] WFMGetUserHomePath");
     row.needsSid = false;
     row.goodReply = R"({"status":1,"home":"/homes/u"})";
     rows.push_back(row);

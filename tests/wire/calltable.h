@@ -11,7 +11,7 @@
 /// What a call comes to.
 struct Outcome {
     uint32_t dwStatus;
-    std::string word{};  ///< empty: the reply isn't understood
+    std::string word{};  ///< empty: the reply isn't understood. With `dwStatus` 0: the one line, whole
     int32_t result = -1;
 };
 
@@ -63,6 +63,8 @@ struct CallRow {
     const char* tooLarge = R"({"status":99999999999,"sid":"x"})";
     bool takesAnyAddress = false;  ///< refuses neither an empty server nor a port of 0
     const char* proxyWord = "WFM_PARSE_XML_HTTPTRAN_PROXY_AUTH_REQ";
+    /// The line of a proxy that refuses, if not the first of `failure` with its word.
+    const char* proxyLine = nullptr;
     const char* serviceWord = "WFM_PARSE_XML_HTTPTRAN_SERVICE_UNAVAIL";
     /// Where the connection can't be made, the result word of a listing says so.
     bool isListing = false;

@@ -37,7 +37,7 @@ protected:
         if (row.isListing && isConnectFault) outcome.result = IsNetworkAlive() ? 53 : 1231;
         uint32_t result = 0;
         EXPECT_EQ(run(port, &result), outcome.dwStatus);
-        if (outcome.dwStatus == 0) return expectGoodLines();
+        if (outcome.dwStatus == 0) return expectGoodLines(outcome.word);
         EXPECT_EQ(static_cast<int32_t>(result), outcome.result);
 
         std::vector<std::string> expected;
@@ -51,8 +51,9 @@ protected:
         EXPECT_EQ(linesOfTheCall(), expected);
     }
 
-    void expectGoodLines() {
+    void expectGoodLines(const std::string& line = {}) {
         std::vector<std::string> expected;
+        if (!line.empty()) expected.push_back(line);
         if (GetParam().goodLine != nullptr) expected.emplace_back(GetParam().goodLine);
         EXPECT_EQ(linesOfTheCall(), expected);
     }
@@ -137,7 +138,7 @@ TEST_P(EveryCallWire, ReadsACompressedReply) {
 
 TEST_P(EveryCallWire, Http407Is11) {
     RawServer server({Reply::status(407)});
-    expectOutcome(server.port(), {11, GetParam().proxyWord});
+    expectOutcome(server.port(), {11, GetParam().proxyWord}, GetParam().proxyLine);
 }
 
 TEST_P(EveryCallWire, Http503Is12) {
