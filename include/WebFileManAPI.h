@@ -134,7 +134,8 @@
 ///     for (uint32_t i = 0; i < count; ++i) delete list[i];
 ///     delete[] list;
 ///
-/// Texts in records are always terminated. A text from the server never overruns its field.
+/// Texts in records are always terminated, but for some of _WFM_TORVI_TEAM_FOLDER_INFORMATION. A text from the
+/// server never overruns its field.
 
 #ifndef WEBFILEMANAPI_H
 #define WEBFILEMANAPI_H
