@@ -60,7 +60,8 @@ TEST(CGetandCreateLinkJson, AMissingStatusIsASuccessAndAnyOtherEndsTheParse) {
 TEST(CGetandCreateLinkJson, WithoutAnIdThereIsNoUrl) {
     for (const char* ssid : {"", R"("ssid":"",)", R"("ssid":null,)"}) {
         const CGetandCreateLinkJson reply =
-            read(std::string(ssid) + R"("link_name":"n","links":[{"ssid":"","link_url":"http://a/"}],)" + kPlace);
+            read(ssid + std::string(R"("link_name":"n","links":[{"ssid":"","link_url":"http://a/"}],)") +
+                 kPlace);
         EXPECT_EQ(reply.GetStatus(), 0);
         EXPECT_EQ(reply.linkName, L"n");
         EXPECT_EQ(reply.linkURL, L"");

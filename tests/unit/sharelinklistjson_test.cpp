@@ -93,7 +93,8 @@ TEST(CShareLinkListJson, TextsAreCutToTheirFieldsAndAnIdThatDoesNotFitIsNone) {
 TEST(CShareLinkListJson, RefusesWhatCannotBeRead) {
     expectRefusesAllButObjects<CShareLinkListJson>(
         {R"({"status":99999999999})", R"({"total":99999999999})", R"({"max_share_file":99999999999})",
-         R"({"datas":{}})", R"({"datas":"x"})", R"({"datas":[{"ssid":[]}]})", R"({"datas":[{"filename":{}}]})",
-         R"({"datas":[{"isfolder":[]}]})", R"({"datas":[{"multiple":99999999999}]})"});
+         R"({"datas":{}})", R"({"datas":"x"})", R"({"datas":[{"ssid":[]}]})",
+         R"({"datas":[{"filename":{}}]})", R"({"datas":[{"isfolder":[]}]})",
+         R"({"datas":[{"multiple":99999999999}]})"});
     EXPECT_EQ(linksOf(R"(null,5,"x",[],{"filename":"a"})"), Lines{"file=a"});
 }

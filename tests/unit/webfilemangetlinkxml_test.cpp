@@ -68,8 +68,9 @@ TEST(CWebFileManGetLinkXml, AValueMustBeShorterThanTheCapacity) {
 }
 
 TEST(CWebFileManGetLinkXml, ReadsStatusLinkAndExpiry) {
-    expectReply(R"({"status":"1","link_url":"http:\/\/nas:8080\/share.cgi?ssid=s1","expire_time":"2026\/12\/24"})",
-                0, L"http://nas:8080/share.cgi?ssid=s1", L"2026\\/12\\/24");
+    expectReply(
+        R"({"status":"1","link_url":"http:\/\/nas:8080\/share.cgi?ssid=s1","expire_time":"2026\/12\/24"})", 0,
+        L"http://nas:8080/share.cgi?ssid=s1", L"2026\\/12\\/24");
     expectReply(R"({"expire_time":7 , "status": 1})", 0, L"", L"7");
     expectReply("{\"status\":1,\"link_url\":\"\xE6\x96\x87\xFF\"}", 0, L"\x6587\xFFFD", L"");
     expectReply(R"({"status":1,"link_url":"\\\\"})", 0, L"", L"");

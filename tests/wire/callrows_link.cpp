@@ -8,8 +8,8 @@ uint32_t linkList(Context context, const wchar_t* server, uint32_t port, uint32_
     _WFM_SHARE_LINK_INFO* list[] = {&record};
     int32_t start = 0;
     uint32_t count = 1;
-    return withoutResultWord(WFMGetShareLinkList(context, server, port, L"", 20, nullptr, &start, &count, list),
-                             result);
+    return withoutResultWord(
+        WFMGetShareLinkList(context, server, port, L"", 20, nullptr, &start, &count, list), result);
 }
 
 uint32_t linkItemList(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -34,15 +34,15 @@ uint32_t getAndCreateLink(Context context, const wchar_t* server, uint32_t port,
     _WFM_SHARE_LINK_RESULT information;
     information.nResult = static_cast<int32_t>(*result);
     const uint32_t status =
-        WFMGetandCreateShareLink(context, server, port, L"", 1000, L"nas", nullptr, L"/home/a;", L"", L"", L"",
-                                 L"", false, 1, false, &information);
+        WFMGetandCreateShareLink(context, server, port, L"", 1000, L"nas", nullptr, L"/home/a;", L"", L"",
+                                 L"", L"", false, 1, false, &information);
     *result = static_cast<uint32_t>(information.nResult);
     return status;
 }
 
 uint32_t createLink(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
-    return WFMCreateShareLink(context, server, port, L"", 2, 1, 1, L"nas", 1, L"/home/a", L"", L"", L"", false,
-                              L"1", L"a@b", L"1", L"", L"", nullptr, result);
+    return WFMCreateShareLink(context, server, port, L"", 2, 1, 1, L"nas", 1, L"/home/a", L"", L"", L"",
+                              false, L"1", L"a@b", L"1", L"", L"", nullptr, result);
 }
 
 uint32_t updateLink(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {

@@ -13,22 +13,10 @@
 // What the tests of the calls about public links share.
 namespace wire {
 
-/// Where they go, in a session of either service.
-inline constexpr const char* kLinkCgi = "/cgi-bin/filemanager/utilRequest.cgi";
-
-/// Every way of such a call: the node is named in a session of the sync service only.
-inline std::vector<Route> linkRoutes(const std::string& place = kLinkCgi) {
-    const std::string node = "/Node";
-    std::vector<Route> all = routes();
-    for (Route& route : all)
-        route.cgi = (route.cgi.compare(0, node.size(), node) == 0 ? node : std::string()) + place;
-    return all;
-}
-
 /// On every way the call posts this query and these fields.
 inline void expectLinkPost(const std::string& query, const HeaderList& fields, const CallTo& call,
                            const char* file = __builtin_FILE(), int where = __builtin_LINE()) {
-    expectPostOnEveryRoute(query, fields, call, {}, linkRoutes(), file, where);
+    expectPostOnEveryRoute(query, fields, call, {}, routesToFileManager(), file, where);
 }
 
 /// The form of a call's one request; the call is made with good arguments and then changed.

@@ -61,6 +61,17 @@ inline std::vector<Route> routesTo(const std::string& cgi, const std::string& fc
     return all;
 }
 
+/// Every way of a call to the web file manager, which a session of the sync service reaches through the node's
+/// front end.
+inline std::vector<Route> routesToFileManager(
+    const std::string& place = "/cgi-bin/filemanager/utilRequest.cgi") {
+    const std::string node = "/Node";
+    std::vector<Route> all = routes();
+    for (Route& route : all)
+        route.cgi = (route.cgi.compare(0, node.size(), node) == 0 ? node : std::string()) + place;
+    return all;
+}
+
 /// Every way of a call that names no node: it goes to the session's own.
 inline std::vector<Route> routesWithoutNode() {
     const std::string node = "/Node";

@@ -51,9 +51,9 @@ struct ManyMailCall : MailCall<ManyMailCall> {
 
     using MailCall::MailCall;
     uint32_t call() {
-        return WFMSendShareLinkMail2(session, kServer, port, slaveID, nullptr, includeAccessCode, downloadType,
-                                     networkType, addressee, subject, content, ssids, mailPassword,
-                                     resultWord);
+        return WFMSendShareLinkMail2(session, kServer, port, slaveID, nullptr, includeAccessCode,
+                                     downloadType, networkType, addressee, subject, content, ssids,
+                                     mailPassword, resultWord);
     }
     static HeaderList form(const std::string& withCode) {
         return joined(joined({{"download_type", "create_download_link"}}, kMail),
@@ -123,8 +123,9 @@ TEST(WFMSendShareLinkMailWire, TheIdIsSentAsItIs) {
 
 TEST(WFMSendShareLinkMail2Wire, EachLinkHasAFieldOfItsOwn) {
     const auto idsOf = [](const wchar_t* ssids) {
+        const HeaderList fields = formOf<ManyMailCall>([ssids](ManyMailCall& call) { call.ssids = ssids; });
         HeaderList ids;
-        for (const auto& [key, value] : formOf<ManyMailCall>([ssids](ManyMailCall& call) { call.ssids = ssids; }))
+        for (const auto& [key, value] : fields)
             if (key == "ssids" || key == "file_total") ids.emplace_back(key, value);
         return ids;
     };
@@ -135,10 +136,12 @@ TEST(WFMSendShareLinkMail2Wire, EachLinkHasAFieldOfItsOwn) {
 }
 
 TEST(WFMSendShareLinkMail2Wire, TheTypesAreWordsAndRefusedOutOfRange) {
-    EXPECT_EQ(valueOf(formOf<ManyMailCall>([](ManyMailCall& call) { call.downloadType = 1; }), "download_type"),
-              "email_download_link");
-    EXPECT_EQ(valueOf(formOf<ManyMailCall>([](ManyMailCall& call) { call.networkType = 2; }), "network_type"),
-              "local");
+    const HeaderList fields = formOf<ManyMailCall>([](ManyMailCall& call) {
+        call.downloadType = 1;
+        call.networkType = 2;
+    });
+    EXPECT_EQ(valueOf(fields, "download_type"), "email_download_link");
+    EXPECT_EQ(valueOf(fields, "network_type"), "local");
     const SessionPtr session = makeSession();
     LogCapture log;
     expectRefusals<ManyMailCall>(

@@ -17,16 +17,6 @@ HeaderList form(const std::string& folder, const std::string& name) {
     return {{"dest_path", folder}, {"source_file", name}, {"sn", "sid123"}};
 }
 
-/// Every way to the web file manager, which a session of the sync service reaches through the node's front end.
-std::vector<Route> routesToFileManager() {
-    const std::string sync = "/cgi-bin/torvi/torvisrv.cgi";
-    std::vector<Route> all = routes();
-    for (Route& route : all)
-        if (const auto at = route.cgi.find(sync); at != std::string::npos)
-            route.cgi.replace(at, sync.size(), "/cgi-bin/filemanager/utilRequest.cgi");
-    return all;
-}
-
 }  // namespace
 
 TEST(WebFileManUpdateLinkWire, PostsNewFolderAndOldNameToTheFileManager) {

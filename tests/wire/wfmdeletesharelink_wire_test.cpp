@@ -36,7 +36,7 @@ TEST(WFMDeleteShareLinkWire, WithIdsItNamesThemAlone) {
                 call.downloadLink = downloadLink;
                 call.run(session, port);
             },
-            linkRoutes());
+            routesToFileManager());
 }
 
 TEST(WFMDeleteShareLinkWire, WithoutIdsItNamesPathAndUrl) {
@@ -52,7 +52,7 @@ TEST(WFMDeleteShareLinkWire, WithoutIdsItNamesPathAndUrl) {
                 call.downloadLink = L"http://nas/share.cgi?ssid=s1";
                 call.run(session, port);
             },
-            linkRoutes());
+            routesToFileManager());
 }
 
 TEST(WFMDeleteShareLinkWire, ThePathTellsTheNodeAndIsSentAsGiven) {

@@ -39,7 +39,8 @@ struct GetAndCreateCall : SessionCall<GetAndCreateCall> {
 };
 
 const char* const kName = "WFMGetandCreateShareLink";
-const char* const kQuery = "func=get_share_link&sid=sid123";
+const std::string kQuery = "func=get_share_link&sid=sid123";
+const std::string kTarget = "/cgi-bin/filemanager/utilRequest.cgi?" + kQuery;
 
 /// The fields of a request for one file; `host` are "ht" and "hostname".
 HeaderList fieldsOf(const HeaderList& host, const std::string& path = "%2Fhome%2Fd") {
@@ -82,7 +83,7 @@ std::string recordOf(const std::string& reply) {
 // ---- The request ----
 
 TEST(WFMGetandCreateShareLinkWire, GoesToTheNodeAndNamesItInTheHost) {
-    for (const Route& route : linkRoutes()) {
+    for (const Route& route : routesToFileManager()) {
         SCOPED_TRACE(route.name);
         const RawServer server({Reply::json("{}")});
         const SessionPtr session = makeSession(route.options);
@@ -157,7 +158,7 @@ TEST(WFMGetandCreateShareLinkWire, AFolderInATeamFolderIsNamedAtItsPlaceAndNode)
         call.slaveID = L"Other";
         EXPECT_EQ(call.run(session.get(), server.port()), 0u);
         const bool isDeep = std::wstring(fileList).find(L"/d/e") != std::wstring::npos;
-        expectPost(server, server.onlyRequest(), std::string("/Node") + kLinkCgi + "?" + kQuery,
+        expectPost(server, server.onlyRequest(), "/Node" + kTarget,
                    fieldsOf(hostOn("Node", server.port()),
                             isDeep ? "vtf%3A%2F%2FS%2Fd%2Fe" : "vtf%3A%2F%2FS"),
                    "agent");
@@ -172,7 +173,7 @@ TEST(WFMGetandCreateShareLinkWire, TeamFoldersThemselvesAreNamedWholeAndInRevers
     GetAndCreateCall call;
     call.fileList = L"/home/.Torvi/T;/home/.Torvi/U;";
     EXPECT_EQ(call.run(session.get(), server.port()), 0u);
-    expectPost(server, server.onlyRequest(), std::string("/Node") + kLinkCgi + "?" + kQuery,
+    expectPost(server, server.onlyRequest(), "/Node" + kTarget,
                joined(joined({{"valid_duration", "forever"}, {"access_code", ""}},
                              hostOn("Node", server.port())),
                       {{"ssl", "false"},
@@ -194,7 +195,7 @@ TEST(WFMGetandCreateShareLinkWire, ATeamFolderOfTheOwnNodeNeedsNoNode) {
     call.fileList = L"/home/.Torvi/T/a.txt;";
     call.slaveID = L"Other";
     EXPECT_EQ(call.run(session.get(), server.port()), 0u);
-    expectPost(server, server.onlyRequest(), std::string(kLinkCgi) + "?" + kQuery,
+    expectPost(server, server.onlyRequest(), kTarget,
                fieldsOf({{"hostname", "nas.example"}}, "vtf%3A%2F%2FS"), "agent");
     EXPECT_EQ(call.text(), "slave=Node");
 }

@@ -63,7 +63,7 @@ TEST(WFMGetShareLinkItemListWire, AsksTheLinksPublicAddressWithoutTheSession) {
             call.slaveID = slaveID;
             call.run(session, port);
         },
-        linkRoutes("/share.cgi"));
+        routesToFileManager("/share.cgi"));
 }
 
 TEST(WFMGetShareLinkItemListWire, TheIdIsEncoded) {

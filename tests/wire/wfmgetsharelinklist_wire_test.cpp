@@ -61,7 +61,7 @@ TEST(WFMGetShareLinkListWire, AsksTheWebFileManagerByNameOnEitherService) {
             call.slaveID = slaveID;
             call.run(session, port);
         },
-        linkRoutes());
+        routesToFileManager());
 }
 
 TEST(WFMGetShareLinkListWire, LimitAndStartTravelAsGiven) {
@@ -92,7 +92,8 @@ TEST(WFMGetShareLinkListWire, TheRecordsAreFilledAndStartBecomesTheTotal) {
 }
 
 TEST(WFMGetShareLinkListWire, ALinkWithoutAFileNameIsLeftOut) {
-    RawServer server({Reply::json(R"({"total":3,"datas":[{"ssid":"s1"},{"filename":"a"},{"filename":""}]})")});
+    RawServer server(
+        {Reply::json(R"({"total":3,"datas":[{"ssid":"s1"},{"filename":"a"},{"filename":""}]})")});
     LinkListCall call(server);
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.start, 3);

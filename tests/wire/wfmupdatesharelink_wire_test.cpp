@@ -59,7 +59,8 @@ HeaderList hostOf(const UpdateLinkCall& like, bool onOtherNode) {
     EXPECT_EQ(call.run(), 0u);
     HeaderList fields;
     for (const Field& field : server.onlyRequest().form())
-        if (field.rawKey == "ht" || field.rawKey == "hostname") fields.emplace_back(field.rawKey, field.rawValue);
+        if (field.rawKey == "ht" || field.rawKey == "hostname")
+            fields.emplace_back(field.rawKey, field.rawValue);
     return fields;
 }
 
@@ -72,7 +73,7 @@ std::string replyOf(const std::string& result) {
 // ---- The request ----
 
 TEST(WFMUpdateShareLinkWire, GoesToTheNodeAndNamesItInTheHost) {
-    for (const Route& route : linkRoutes()) {
+    for (const Route& route : routesToFileManager()) {
         SCOPED_TRACE(route.name);
         const RawServer server({Reply::json("{}")});
         const SessionPtr session = makeSession(route.options);
