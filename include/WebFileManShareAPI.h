@@ -906,7 +906,7 @@ TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const 
 /// @param reserved  null
 /// @param start     in: the row to begin at, 0 or more. **Out: how many links there are**, 0 if the server
 ///                  doesn't tell; untouched if the request failed. Not null
-/// @param count     in: entries in `list`. Out: records filled; 0 whenever `dwStatus` isn't 0. Not null
+/// @param count     in: entries in `list`. Out: records filled; 0 after every failure but 8. Not null
 /// @param list      the caller's records; not null. A null entry is passed over, and the link goes to the
 ///                  next one; links for which no entry is left are lost without a word
 /// @return `dwStatus`
@@ -923,7 +923,8 @@ TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const 
 /// | 7        | more links came than the list has entries |
 /// | 8        | also: a limit below 1 or a start below 0  |
 ///
-/// Twice: safe, but set `start` and `count` anew: both are changed. Next: the same from start + count on.
+/// Twice: safe, but set `start` and `count` anew: both are changed. Next: the same from the row that was given
+/// plus `limit` on, until the total is reached.
 TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              const wchar_t* slaveID, int32_t limit, void* reserved,
                                              int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
@@ -937,7 +938,7 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const w
 /// @param reserved  null
 /// @param ssid      the link; not null or empty
 /// @param total     receives how many items the link holds; 0 unless `dwStatus` is 0 or 7. Not null
-/// @param count     in: entries in `list`. Out: records filled; 0 whenever `dwStatus` isn't 0. Not null
+/// @param count     in: entries in `list`. Out: records filled; 0 after every failure but 8. Not null
 /// @param list      the caller's records; not null, **and no entry of it may be null**: unlike
 ///                  WFMGetShareLinkList, this call doesn't look
 /// @return `dwStatus`
