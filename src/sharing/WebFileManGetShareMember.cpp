@@ -1,6 +1,6 @@
 #include "WebFileManShareAPI.h"
 #include "sharing/GetShareMemberListJson.h"
-#include "sharing/receiveraction.h"
+#include "sharing/optionalkey.h"
 #include "sharing/userlist.h"
 
 using namespace Lattice;

@@ -4,6 +4,7 @@
 #include "core/callframe.h"
 #include "core/handover.h"
 #include "sharing/ShareGetTeamFolderJson.h"
+#include "sharing/optionalkey.h"
 
 using namespace Lattice;
 
@@ -32,11 +33,6 @@ void Fill(_WFM_TORVI_TEAM_FOLDER_INFORMATION& record, const _TORVI_TEAM_FOLDER_J
     record.lppReceivers = HandOver(folder.receivers);
 }
 
-/// "&key=<text>", or nothing without a text.
-std::wstring Optional(const wchar_t* key, const wchar_t* text) {
-    return IsGiven(text) ? key + Encoded(text) : std::wstring();
-}
-
 }  // namespace
 
 uint32_t WebFileManNuboGetTeamFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
@@ -55,7 +51,7 @@ uint32_t WebFileManNuboGetTeamFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* 
 
     call.get(L"func=nubo_team_folder_get_list&sid=%ls&event_status=0&event_type=%d&lower=%d&upper=%d%ls",
              call.sid(), eventType, lower, upper,
-             Optional(L"&target_user=", targetUser) + Optional(L"&path=", path));
+             OptionalKey(L"&target_user=", targetUser) + OptionalKey(L"&path=", path));
     CShareGetTeamFolderJson reply;
     if (!call.ask(reply)) return call.end();
 

@@ -1,4 +1,5 @@
-#include "sharing/receiveraction.h"
+#include "WebFileManShareAPI.h"
+#include "sharing/optionalkey.h"
 #include "sharing/sharejob.h"
 
 using namespace Lattice;

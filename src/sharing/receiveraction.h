@@ -3,13 +3,9 @@
 #include "WebFileManShareAPI.h"
 #include "core/ShareJson.h"
 #include "core/callframe.h"
+#include "sharing/optionalkey.h"
 
 namespace Lattice {
-
-/// The end of a query that says which NAS holds the share.
-inline std::wstring OfNas(const wchar_t* nasID) {
-    return IsGiven(nasID) ? L"&nas_id=" + Encoded(nasID) : std::wstring();
-}
 
 /// Ends an action on a share. The server's number is only logged; 1 is a failure here, and that must stay.
 inline uint32_t AnswerAction(Call& call, const CShareJson& reply, const char* refused) {

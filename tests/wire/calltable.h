@@ -25,12 +25,12 @@ struct CallRow {
                            uint32_t* resultWord)>
         run;
     bool needsSession = true;
-    bool needsSid = true;       ///< refuses a session without an id
-    bool has404 = false;        ///< tells a missing CGI from other failures
-    bool oneService = false;    ///< asks the same place, whichever service the session speaks to
+    bool needsSid = true;         ///< refuses a session without an id
+    bool has404 = false;          ///< tells a missing CGI from other failures
+    bool oneService = false;      ///< asks the same place, whichever service the session speaks to
     bool servicesDiffer = false;  ///< asks each service in other words, or one of them not at all
     bool isWrapper = false;       ///< asks through another export
-    bool arrayIsReply = false;  ///< a JSON array is its good answer
+    bool arrayIsReply = false;    ///< a JSON array is its good answer
     bool nonObjectIsUnderstood = false;
     int timeoutMs = 60000;  ///< 0: none
     /// Those of the further requests that a success takes.
