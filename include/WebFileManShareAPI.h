@@ -24,17 +24,17 @@ struct _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO {
 ///
 /// What the server doesn't send is empty or 0, and so is a text of 2048 characters or more.
 struct _WFM_TORVI_TEAM_FOLDER_INFORMATION {
-    int32_t nType;                  ///< the server's own number
-    int32_t nStatus;                ///< the server's own number
-    int32_t nReserved;              ///< left as it is
-    wchar_t szOwner[32];            ///< who shares it; perhaps not terminated
-    wchar_t szShareID[260];         ///< by which the calls below name it; perhaps not terminated
-    wchar_t szNasID[260];           ///< the NAS that holds it; perhaps not terminated
-    wchar_t szParentID[260];        ///< perhaps not terminated
-    wchar_t szName[2048];           ///< terminated
-    wchar_t szPath[4096];           ///< terminated
-    wchar_t szOriginalPath[4096];   ///< where its owner has it; terminated
-    uint32_t dwReceiverCount;       ///< entries of lppReceivers; receivers without a name aren't among them
+    int32_t nType;                 ///< the server's own number
+    int32_t nStatus;               ///< the server's own number
+    int32_t nReserved;             ///< left as it is
+    wchar_t szOwner[32];           ///< who shares it; perhaps not terminated
+    wchar_t szShareID[260];        ///< by which the calls below name it; perhaps not terminated
+    wchar_t szNasID[260];          ///< the NAS that holds it; perhaps not terminated
+    wchar_t szParentID[260];       ///< perhaps not terminated
+    wchar_t szName[2048];          ///< terminated
+    wchar_t szPath[4096];          ///< terminated
+    wchar_t szOriginalPath[4096];  ///< where its owner has it; terminated
+    uint32_t dwReceiverCount;      ///< entries of lppReceivers; receivers without a name aren't among them
     /// An array from new[] of receivers from new, for the caller to delete; null if there are none. What
     /// stood here is overwritten, not freed.
     _WFM_TORVI_TEAM_FOLDER_RECEIVER_INFO** lppReceivers;
@@ -923,8 +923,8 @@ TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const 
 /// | 7        | more links came than the list has entries |
 /// | 8        | also: a limit below 1 or a start below 0  |
 ///
-/// Twice: safe, but set `start` and `count` anew: both are changed. Next: the same from the row that was given
-/// plus `limit` on, until the total is reached.
+/// Twice: safe, but set `start` and `count` anew: both are changed. Next: the same from the row that was
+/// given plus `limit` on, until the total is reached.
 TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                                              const wchar_t* slaveID, int32_t limit, void* reserved,
                                              int32_t* start, uint32_t* count, _WFM_SHARE_LINK_INFO** list);
