@@ -125,9 +125,7 @@ void carry(const Place& place, const Folder& target, const Progress& progress) {
     const int from = place.folder.fd.get();
     const int to = target.fd.get();
     if (place.folder.sameVolume(target)) {
-        for (int step = 0; step <= 100; ++step) {
-            progress(step, 100);
-        }
+        takeTime(progress);
         renameInto(from, place.name, to, place.name, false);
         return;
     }
@@ -145,8 +143,8 @@ void carry(const Place& place, const Folder& target, const Progress& progress) {
 
 bool discard(Service& service, const Place& place) {
     const Folder& folder = place.folder;
-    if (folder.home.empty() || ownFolder(folder, place.name, kRecycle) ||
-        ownFolder(folder, place.name, kVersions)) {
+    const bool bin = !folder.home.empty() && service.shares().read()->settingsOf(folder.home).recycleBin != 0;
+    if (!bin || ownFolder(folder, place.name, kRecycle) || ownFolder(folder, place.name, kVersions)) {
         requireRemovable(folder.fd.get(), place.name);
         removeTree(folder.fd.get(), place.name);
         return false;
@@ -201,9 +199,7 @@ void requireRecoverable(Service& service, const Place& place, bool overwrite) {
 }
 
 void recover(Service& service, const Place& place, bool overwrite, const Progress& progress) {
-    for (int step = 0; step <= 100; ++step) {
-        progress(step, 100);
-    }
+    takeTime(progress);
     requireRecoverable(service, place, overwrite);
     Fd at = service.tree().openHome(place.folder.home);
     for (const std::string& step : formerPlace(place.folder)) {

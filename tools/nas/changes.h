@@ -33,8 +33,8 @@ int64_t roomIn(Service& service, const Folder& folder);
 // Takes something to another folder: at once where one volume holds both, else by copying it first.
 void carry(const Place& place, const Folder& target, const Progress& progress);
 
-// Takes it to the recycle folder of its home, under the steps that lead to it. What lies in no home, in the
-// recycle folder or among the versions goes for good. Tells which of the two it was.
+// Takes it to the recycle folder of its home, under the steps that lead to it. What lies in no home, in one
+// without a recycle bin, in the recycle folder or among the versions goes for good. Tells which it was.
 bool discard(Service& service, const Place& place);
 
 // Where something in a recycle folder was, as the steps below its home; throws Missing if it isn't in one.

@@ -13,15 +13,19 @@ nlohmann::json stateOf(Service& service) {
         users.push_back({{"name", name}, {"admin", user.admin}});
     }
     nlohmann::json teams = nlohmann::json::array();
-    for (const Team& team : service.options().teams.all()) {
+    const auto book = service.shares().read();
+    for (const Share& share : book->shares) {
         nlohmann::json receivers = nlohmann::json::array();
-        for (const auto& [name, readOnly] : team.receivers) {
-            receivers.push_back({{"name", name}, {"read_only", readOnly}});
+        for (const Event& event : book->events) {
+            if (event.share == share.id && event.part == Part::Accepted) {
+                receivers.push_back({{"name", event.receiver}, {"read_only", event.readOnly}});
+            }
         }
-        teams.push_back({{"id", team.id},
-                         {"path", "vtf://" + team.id + "/"},
-                         {"owner", team.owner},
-                         {"owner_path", team.path},
+        teams.push_back({{"id", share.team},
+                         {"share_id", share.id},
+                         {"path", "vtf://" + share.team + "/"},
+                         {"owner", share.owner},
+                         {"owner_path", share.path},
                          {"receivers", receivers}});
     }
     return {{"users", users},

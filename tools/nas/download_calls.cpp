@@ -21,7 +21,13 @@ Answer download(Service& service, Request& request, httplib::Response& response)
 
     const User& user = service.authenticate(request, field(form, "sid"));
     Folder folder = service.tree().open(user, field(form, "source_path"));
-    auto file = std::make_shared<Fd>(service.tree().openFile(folder, field(form, "source_file")));
+    return sendFile(service.tree().openFile(folder, field(form, "source_file")), offset, response);
+}
+
+}  // namespace
+
+Answer sendFile(Fd opened, int64_t offset, httplib::Response& response) {
+    auto file = std::make_shared<Fd>(std::move(opened));
     struct stat info {};
     if (::fstat(file->get(), &info) != 0) {
         throw errnoError(errno, "size");
@@ -47,8 +53,6 @@ Answer download(Service& service, Request& request, httplib::Response& response)
     });
     return answer;
 }
-
-}  // namespace
 
 void addDownloadCalls(std::vector<Call>& calls) {
     calls.push_back(

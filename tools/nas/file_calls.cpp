@@ -5,6 +5,7 @@
 #include "calls.h"
 #include "changes.h"
 #include "growing_file.h"
+#include "sharing.h"
 
 namespace nas {
 
@@ -51,10 +52,7 @@ Answer remove(Service& service, Request& request, httplib::Response&) {
     return done(place.name + (kept ? " to the recycle folder" : " for good"));
 }
 
-Answer rename(Service& service, Request& request, httplib::Response&) {
-    static const std::vector<Shape> shapes = withProfile({"path", "source_name", "dest_name"});
-    Fields form = readForm(request);
-    requireShape(form, shapes, "form");
+Answer renameIn(Service& service, Request& request, const Fields& form) {
     const User& user = service.authenticate(request, field(request.query, "sid"));
     Place place = findChangeable(service, user, field(form, "path"), field(form, "source_name"), form);
     const std::string& name = field(form, "dest_name");
@@ -63,7 +61,32 @@ Answer rename(Service& service, Request& request, httplib::Response&) {
     renameInto(place.folder.fd.get(), place.name, place.folder.fd.get(), name, false);
     service.changeLog().add({Action::Renamed, place.entry.isFolder, placeOf(place.folder, name),
                              placeOf(place.folder, place.name), authorOf(request)});
+    if (hasField(form, "sn")) {
+        followFolder(service, user.name, placeOf(place.folder, place.name), placeOf(place.folder, name));
+    }
     return done(place.name + " to " + name);
+}
+
+std::vector<Shape> renameForms() {
+    std::vector<Shape> shapes = withProfile({"path", "source_name", "dest_name"});
+    shapes.push_back({"path", "source_name", "dest_name", "sn"});
+    return shapes;
+}
+
+Answer rename(Service& service, Request& request, httplib::Response&) {
+    static const std::vector<Shape> shapes = renameForms();
+    const Fields form = readForm(request);
+    requireShape(form, shapes, "form");
+    if (!hasField(form, "sn")) {
+        return renameIn(service, request, form);
+    }
+    // The sharing client's: shared folders stay shared.
+    try {
+        requireSameSession(request, form);
+        return renameIn(service, request, form);
+    } catch (const StatusError& error) {
+        return sharedRefusal(error);
+    }
 }
 
 }  // namespace

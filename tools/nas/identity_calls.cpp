@@ -45,15 +45,6 @@ Answer ownIdentity(Service& service, Request& request, httplib::Response&) {
     return {reply};
 }
 
-bool hasTeamFolder(const Teams& teams, const std::string& user) {
-    for (const Team& team : teams.all()) {
-        if (team.owner == user || team.receivers.count(user)) {
-            return true;
-        }
-    }
-    return false;
-}
-
 bool maySync(const Options& options, const User& user) {
     return options.identity.withoutSync.count(user.name) == 0;
 }
@@ -66,7 +57,7 @@ Answer capabilities(Service& service, Request& request, httplib::Response&) {
                             {"nubo_function_enable", flag(options.identity.syncEnabled)},
                             {"nubo_user_enable", flag(maySync(options, user))},
                             {"home_is_exist", flag(service.tree().homeExists(user))},
-                            {"team_folder_is_exist", flag(hasTeamFolder(options.teams, user.name))},
+                            {"team_folder_is_exist", flag(service.shares().read()->hasTeamFolder(user.name))},
                             {"nubo_cluster_support", flag(cluster)}};
     if (cluster) {
         reply["nubo_cluster_status"] = options.clusterStatus;
@@ -91,7 +82,7 @@ Answer nasStatus(Service& service, Request& request, httplib::Response&) {
     const bool databases = !options.identity.recovering;
     nlohmann::json reply = {{"status", number(Status::Ok)},
                             {"home_folder_enable", 1},
-                            {"recycle_bin_enable", 1},
+                            {"recycle_bin_enable", service.shares().read()->settingsOf(user.name).recycleBin},
                             {"device_db_exist", flag(databases)},
                             {"log_db_exist", flag(databases)},
                             {"share_db_exist", flag(databases)},

@@ -2,6 +2,7 @@
 
 #include "calls.h"
 #include "changes.h"
+#include "sharing.h"
 
 namespace nas {
 
@@ -53,15 +54,23 @@ void recoverAndTell(Service& service, const Place& place, bool overwrite, const 
         {Action::Recovered, place.entry.isFolder, placeOf(former, place.name), "", author});
 }
 
-// Only the file manager keeps jobs that ended until they are cleared.
-int startJob(Service& service, const Request& request, const std::string& name, Jobs::Work work) {
-    const bool keep = request.endpoint == Endpoint::ManagerCgi;
-    return service.jobs().start(request.userName, name, keep, std::move(work));
+// The sharing client's: at once, and shared folders stay shared.
+Answer moveShared(Service& service, Request& request, const Fields& form) {
+    try {
+        requireSameSession(request, form);
+        const Haul haul = planMove(service, request, form);
+        carryAndTell(service, haul, authorOf(request), [](int64_t, int64_t) {});
+        followFolder(service, request.userName, placeOf(haul.place.folder, haul.place.name),
+                     placeOf(haul.target, haul.place.name));
+        return doneWithZero(haul.place.name + " at once");
+    } catch (const StatusError& error) {
+        return sharedRefusal(error);
+    }
 }
 
 Answer move(Service& service, Request& request, httplib::Response&) {
-    static const std::vector<Shape> shapes =
-        withProfile({"source_file", "source_total=1", "source_path", "dest_path", "mode=0"});
+    static const Shape plain = {"source_file", "source_total=1", "source_path", "dest_path", "mode=0"};
+    static const Shape shared = {"source_file", "source_total=1", "source_path", "dest_path", "mode=1", "sn"};
     bool atOnce = false;
     if (hasField(request.query, "no_fork")) {
         const std::string& noFork = field(request.query, "no_fork");
@@ -71,7 +80,14 @@ Answer move(Service& service, Request& request, httplib::Response&) {
         atOnce = noFork == "1";
     }
     Fields form = readForm(request);
-    requireShape(form, shapes, "form");
+    if (hasField(form, "sn") && !hasField(request.query, "no_fork")) {
+        requireShape(form, {shared}, "form");
+        return moveShared(service, request, form);
+    }
+    if (request.endpoint == Endpoint::SyncCgi && !hasField(request.query, "no_fork")) {
+        throw Refusal("query key \"no_fork\" is missing");
+    }
+    requireShape(form, withProfile(plain), "form");
     auto haul = std::make_shared<Haul>(planMove(service, request, form));
     const Author author = authorOf(request);
     nlohmann::json reply = {{"status", number(Status::Ok)}, {"success", "true"}};
@@ -162,6 +178,11 @@ Answer daemonList(Service& service, Request& request, httplib::Response&) {
 
 }  // namespace
 
+int startJob(Service& service, const Request& request, const std::string& name, Jobs::Work work) {
+    const bool keep = request.endpoint == Endpoint::ManagerCgi;
+    return service.jobs().start(request.userName, name, keep, std::move(work));
+}
+
 void addJobCalls(std::vector<Call>& calls) {
     // The file manager always moves as a job.
     calls.push_back({"move",
@@ -169,7 +190,7 @@ void addJobCalls(std::vector<Call>& calls) {
                      "POST",
                      BodyKind::Form,
                      true,
-                     {{"func=move", "sid", "no_fork"}},
+                     {{"func=move", "sid", "no_fork"}, {"func=move", "sid"}},
                      move,
                      understood});
     calls.push_back({"move",

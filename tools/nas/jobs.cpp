@@ -135,6 +135,12 @@ size_t Jobs::count() {
     return jobs_.size();
 }
 
+void takeTime(const Progress& progress) {
+    for (int step = 0; step <= 100; ++step) {
+        progress(step, 100);
+    }
+}
+
 void Jobs::forget(std::map<int64_t, std::shared_ptr<Job>>::iterator job) {
     job->second->dropped = true;
     forgotten_.push_back(job->second);

@@ -62,4 +62,7 @@ private:
     int lastPid_ = 0;
 };
 
+// For work that has no measure of its own: it takes the time that a job takes.
+void takeTime(const Progress& progress);
+
 }  // namespace nas

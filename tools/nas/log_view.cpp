@@ -51,11 +51,13 @@ std::string withoutLastSlash(std::string path) {
 
 LogView::LogView(Service& service, const User& user) : log_(&service.changeLog()), shares_(true) {
     folders_.emplace_back(kHomes + "/" + user.name, "/home");
-    for (const Team& team : service.options().teams.all()) {
-        if (team.receivers.count(user.name)) {
+    const auto book = service.shares().read();
+    for (const Share& share : book->shares) {
+        const Event* part = book->partIn(share.id, user.name);
+        const User* owner = service.options().users.find(share.owner);
+        if (part && part->part == Part::Accepted && owner && share.nas == service.shares().nas()) {
             try {
-                const User& owner = *service.options().users.find(team.owner);
-                folders_.emplace_back(placeOfPath(service, owner, team.path), kScheme + team.id);
+                folders_.emplace_back(placeOfPath(service, *owner, share.path), kScheme + share.team);
             } catch (const StatusError&) {
                 // Its share is gone.
             }

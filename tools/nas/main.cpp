@@ -33,8 +33,9 @@ int serve(const nas::Options& options, const sigset_t& signals) {
     http.start();
     std::thread loop([&] { relay.run(); });
 
-    for (const nas::Team& team : options.teams.all()) {
-        nas::logLine("team folder vtf://" + team.id + "/ is " + team.path + " of " + team.owner);
+    const auto book = service.shares().read();
+    for (const nas::Share& share : book->shares) {
+        nas::logLine("team folder vtf://" + share.team + "/ is " + share.path + " of " + share.owner);
     }
     // One line that programs can read.
     std::string ready = "torvi-nas ready http=" + options.address + ":" + std::to_string(port) +

@@ -53,6 +53,9 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> quotas;
     std::vector<std::string> teams;
     std::vector<std::string> volumes;
+    std::vector<std::string> domains;
+    std::vector<std::string> directoryUsers;
+    std::vector<std::string> descriptions;
     std::vector<std::string> faults;
     std::vector<std::string> secondFactors;
     std::vector<std::string> questionTexts;
@@ -89,7 +92,14 @@ int readOptions(int argc, char** argv, Options& options) {
         ->capture_default_str()
         ->check(CLI::Range(1LL, 1000000LL));
     app.add_option("--team", teams,
-                   "owner:/path:receiver[:ro] shares a folder as vtf://<owner>-<leaf>/, repeatable");
+                   "owner:/path:receiver[:ro] shares a folder as vtf://<owner>-<leaf>/ unless it did before, "
+                   "repeatable");
+    app.add_option("--directory", domains, "NETBIOS:domain of a directory service, repeatable");
+    app.add_option(
+        "--directory-user", directoryUsers,
+        "NETBIOS:name of a user whom a directory knows; an account NETBIOS\\name lets them log in, "
+        "repeatable");
+    app.add_option("--description", descriptions, "name:text that user lists tell of somebody, repeatable");
     app.add_option("--second-factor", secondFactors,
                    "name:code=CODE, name:question=NO:TEXT:ANSWER or name:mail=ADDRESS, asked for after the "
                    "password; repeatable, the login asks for a user's first");
@@ -143,6 +153,9 @@ int readOptions(int argc, char** argv, Options& options) {
         options.identity.withoutSync.insert(withoutSync.begin(), withoutSync.end());
         for (const std::string& rule : quotas) options.users.setQuota(rule);
         for (const std::string& rule : teams) options.teams.add(rule);
+        for (const std::string& rule : domains) options.directory.addDomain(rule);
+        for (const std::string& rule : directoryUsers) options.directory.addUser(rule);
+        for (const std::string& rule : descriptions) options.directory.describe(rule);
         for (const std::string& rule : volumes) options.volumes.add(rule);
         for (const std::string& pattern : options.veto) {
             if (pattern.empty() || pattern.find('/') != std::string::npos) {

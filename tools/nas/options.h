@@ -6,6 +6,7 @@
 
 #include "faults.h"
 #include "identity.h"
+#include "people.h"
 #include "second_factor.h"
 #include "teams.h"
 #include "users.h"
@@ -42,6 +43,7 @@ struct Options {
     bool fcgi = true;
     Users users;
     Teams teams;
+    Directory directory;
     Volumes volumes;
     std::vector<std::string> veto;
     long long changesKept = 10000;

@@ -23,6 +23,7 @@ enum class Endpoint : unsigned {
     ManagerBatch = 512,
     ManagerPrepare = 1024,
     AuthLogin = 2048,
+    SharePage = 4096,
 };
 
 // One request on its way through the service.

@@ -7,6 +7,7 @@
 #include "calls.h"
 #include "control.h"
 #include "log.h"
+#include "sharing.h"
 #include "versions.h"
 
 namespace nas {
@@ -31,6 +32,7 @@ struct {
     {"cgi-bin/filemanager/upload.php", Endpoint::ManagerBatch},
     {"cgi-bin/filemanager/torviPrepare.cgi", Endpoint::ManagerPrepare},
     {"cgi-bin/authLogin.cgi", Endpoint::AuthLogin},
+    {"share.cgi", Endpoint::SharePage},
 };
 
 bool isSync(Endpoint endpoint) {
@@ -54,6 +56,8 @@ std::string callName(Endpoint endpoint, const Fields& query) {
             return hasField(query, "func") ? field(query, "func") : "identity";
         case Endpoint::AuthLogin:
             return query.empty() ? "" : query[0].first;
+        case Endpoint::SharePage:
+            return hasField(query, "func") ? field(query, "func") : "share";
         default:
             return query.empty() ? "version" : hasField(query, "func") ? field(query, "func") : "";
     }
@@ -146,7 +150,7 @@ void drain(const httplib::ContentReader* body) {
     }
 }
 
-Fields readForm(Request& request) {
+Fields readForm(Request& request, const std::string& repeating) {
     std::string text;
     bool whole = request.body && (*request.body)([&](const char* data, size_t length) {
                      if (text.size() <= kLongestForm) {
@@ -160,13 +164,14 @@ Fields readForm(Request& request) {
     if (text.size() > kLongestForm) {
         throw Refusal("form body too long", 413);
     }
-    return decodeFields(text, "form");
+    return decodeFields(text, "form", repeating);
 }
 
 Service::Service(const Options& options, Faults& faults)
     : options_(options),
       faults_(faults),
-      tree_(options.root, options.users, options.teams),
+      shares_(options.root, options.sessionFolder, options.slaveId),
+      tree_(options.root, options.users, shares_),
       sessions_(options.sessionTtl, options.sessionFolder),
       secondSteps_(options.tryLimit),
       mailbox_(options.mailFolder),
@@ -178,6 +183,7 @@ Service::Service(const Options& options, Faults& faults)
       locks_(options.lockTtl),
       jobs_(options.jobDelay) {
     Version::dropOld(*this, options.partialMaxAge);
+    addTeams(*this, options.teams);
 }
 
 void Service::setPorts(int http, int tls) {
@@ -211,7 +217,7 @@ Endpoint Service::findEndpoint(const std::string& path) const {
     }
     std::string rest = path.substr(1);
     bool prefixed = false;
-    if (rest.rfind("cgi-bin/", 0) != 0) {
+    if (rest.rfind("cgi-bin/", 0) != 0 && rest != "share.cgi") {
         size_t slash = rest.find('/');
         std::string prefix = rest.substr(0, slash);
         if (slash == std::string::npos || options_.slaveId.empty() || prefix != options_.slaveId) {
@@ -227,7 +233,9 @@ Endpoint Service::findEndpoint(const std::string& path) const {
         bool offered = ((options_.sync && !booting_) || !isSync(known.endpoint)) &&
                        (options_.fcgi || known.endpoint != Endpoint::SyncFcgi);
         bool mayBePrefixed = known.endpoint == Endpoint::SyncCgi || known.endpoint == Endpoint::SyncFcgi ||
-                             known.endpoint == Endpoint::SyncBatch || known.endpoint == Endpoint::SyncPrepare;
+                             known.endpoint == Endpoint::SyncBatch ||
+                             known.endpoint == Endpoint::SyncPrepare ||
+                             known.endpoint == Endpoint::ManagerCgi || known.endpoint == Endpoint::SharePage;
         if (!offered) {
             throw Refusal("this server doesn't have " + rest, 404);
         }
@@ -257,7 +265,12 @@ void Service::serveCall(Request& request, httplib::Response& response, LedgerEnt
     entry.func = callName(request.endpoint, request.query);
     const Call& call = findCall(request);
     entry.known = true;
-    checkHeaders(request, call);
+    if (request.endpoint == Endpoint::ManagerCgi && !call.prefix) {
+        requireNoPrefix(request);
+    }
+    if (!call.anybody) {
+        checkHeaders(request, call);
+    }
     requireShape(request.query, call.shapes, "query");
     if (options_.redirectTls && sendToTls(request, call, response)) {
         entry.http = response.status;

@@ -17,6 +17,7 @@
 #include "request.h"
 #include "second_factor.h"
 #include "sessions.h"
+#include "shares.h"
 #include "sync_runs.h"
 #include "tree.h"
 
@@ -34,6 +35,7 @@ public:
     void serve(const httplib::Request& http, httplib::Response& response, const httplib::ContentReader* body);
 
     const Options& options() const { return options_; }
+    Shares& shares() { return shares_; }
     const Tree& tree() const { return tree_; }
     Sessions& sessions() { return sessions_; }
     SecondSteps& secondSteps() { return secondSteps_; }
@@ -66,6 +68,7 @@ private:
 
     const Options& options_;
     Faults& faults_;
+    Shares shares_;
     Tree tree_;
     Sessions sessions_;
     SecondSteps secondSteps_;
@@ -86,7 +89,7 @@ private:
 // Reads the rest of a body and drops it, so that the reply isn't lost in a reset.
 void drain(const httplib::ContentReader* body);
 
-// Reads a form body and decodes it.
-Fields readForm(Request& request);
+// Reads a form body and decodes it. One key may come more than once, if it is named here.
+Fields readForm(Request& request, const std::string& repeating = {});
 
 }  // namespace nas

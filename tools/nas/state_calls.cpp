@@ -64,7 +64,7 @@ Answer folderList(Service& service, Request& request, httplib::Response&) {
 
 nlohmann::json foldersOf(Service& service, const Node& node, const User& user) {
     static const Users nobody;
-    static const Teams none;
+    static const Shares none;
     nlohmann::json folders = nlohmann::json::array();
     std::vector<Entry> entries;
     if (node.slaveId == service.options().slaveId) {
@@ -170,19 +170,12 @@ std::vector<Shape> listForms(const std::string& func) {
 }  // namespace
 
 void addStateCalls(std::vector<Call>& calls) {
-    const auto add = [&](unsigned endpoints, std::vector<Shape> shapes,
-                         Answer (*serve)(Service&, Request&, httplib::Response&),
-                         void (*refusal)(nlohmann::json&)) {
-        const std::string func = shapes[0][0];
-        calls.push_back({func.substr(func.find('=') + 1), endpoints, "GET", BodyKind::None, true,
-                         std::move(shapes), serve, refusal});
-    };
-    add(kBothCgis, listForms("func=nubo_get_syncing_folder_list"), folderList, notSuccess);
-    add(on(Endpoint::SyncCgi), listForms("func=nubo_get_cluster_node_list"), nodeList, notSuccess);
-    add(kBothCgis, {{"func=nubo_sync_start", "channel", "sid"}}, syncStart, understood);
-    add(kBothCgis, {{"func=nubo_sync_done", "sid", "number"}}, syncDone, understood);
-    add(kBothCgis, {{"func=nubo_get_last_modify_time", "sid"}}, lastModified, notSuccess);
-    add(kBothCgis, {{"func=nubo_get_veto_files", "sid"}}, vetoFiles, notSuccess);
+    addGet(calls, kBothCgis, listForms("func=nubo_get_syncing_folder_list"), folderList, notSuccess);
+    addGet(calls, on(Endpoint::SyncCgi), listForms("func=nubo_get_cluster_node_list"), nodeList, notSuccess);
+    addGet(calls, kBothCgis, {{"func=nubo_sync_start", "channel", "sid"}}, syncStart, understood);
+    addGet(calls, kBothCgis, {{"func=nubo_sync_done", "sid", "number"}}, syncDone, understood);
+    addGet(calls, kBothCgis, {{"func=nubo_get_last_modify_time", "sid"}}, lastModified, notSuccess);
+    addGet(calls, kBothCgis, {{"func=nubo_get_veto_files", "sid"}}, vetoFiles, notSuccess);
 }
 
 }  // namespace nas

@@ -30,20 +30,7 @@ void Teams::add(const std::string& rule) {
             return;
         }
     }
-    std::string id = owner + "-" + leaf;
-    for (int n = 2; find(id); ++n) {
-        id = owner + "-" + leaf + "-" + std::to_string(n);
-    }
-    teams_.push_back({id, owner, path, {{receiver, readOnly}}});
-}
-
-const Team* Teams::find(const std::string& id) const {
-    for (const Team& team : teams_) {
-        if (team.id == id) {
-            return &team;
-        }
-    }
-    return nullptr;
+    teams_.push_back({owner, path, {{receiver, readOnly}}});
 }
 
 }  // namespace nas

@@ -6,9 +6,8 @@
 
 namespace nas {
 
-// A folder of one user that others reach as vtf://<id>/.
+// A folder that the command line shares.
 struct Team {
-    std::string id;
     std::string owner;
     std::string path;                       // as the owner names it, "/home/Plans"
     std::map<std::string, bool> receivers;  // name, and whether for reading only
@@ -18,7 +17,6 @@ class Teams {
 public:
     // "owner:/path:receiver" or "owner:/path:receiver:ro". Throws std::invalid_argument.
     void add(const std::string& rule);
-    const Team* find(const std::string& id) const;
     const std::vector<Team>& all() const { return teams_; }
 
 private:

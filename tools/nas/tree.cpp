@@ -78,7 +78,8 @@ void checkName(const std::string& name) {
     }
 }
 
-Tree::Tree(const std::string& root, const Users& users, const Teams& teams) : users_(users), teams_(teams) {
+Tree::Tree(const std::string& root, const Users& users, const Shares& shares)
+    : users_(users), shares_(shares) {
     root_.reset(::open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!root_) {
         throw std::runtime_error("cannot open the root " + root + ": " + std::strerror(errno));
@@ -87,19 +88,18 @@ Tree::Tree(const std::string& root, const Users& users, const Teams& teams) : us
     for (const auto& [name, user] : users.all()) {
         makeFolderAt(homes_.get(), name);
     }
-    for (const Team& team : teams.all()) {
-        const User* owner = users.find(team.owner);
-        if (!owner) {
-            throw std::runtime_error("team folder of an unknown user: " + team.owner);
+}
+
+Folder Tree::make(const User& user, const std::string& path) const {
+    Folder at;
+    at.shares = true;
+    for (const std::string& piece : pieces(path)) {
+        if (!at.shares) {
+            makeFolderAt(at.fd.get(), piece);
         }
-        Folder at;
-        at.shares = true;
-        std::vector<std::string> path = pieces(team.path);
-        for (size_t i = 0; i < path.size(); ++i) {
-            at.fd = i > 0 ? makeFolderAt(at.fd.get(), path[i]) : openChild(*owner, at, path[i]);
-            at.shares = false;
-        }
+        at = down(user, at, piece);
     }
+    return at;
 }
 
 Fd Tree::openShare(const User& user, const std::string& name) const {
@@ -134,17 +134,20 @@ bool Tree::homeExists(const User& user) const {
 
 Folder Tree::openTeam(const User& user, const std::string& rest) const {
     size_t slash = std::min(rest.find('/'), rest.size());
-    const Team* team = teams_.find(rest.substr(0, slash));
-    if (!team) {
+    const auto book = shares_.read();
+    const Share* share = book->findTeam(shares_.nas(), rest.substr(0, slash));
+    const User* owner = share ? users_.find(share->owner) : nullptr;
+    if (!owner) {
         throw StatusError(Status::Missing, "no team folder vtf://" + rest.substr(0, slash));
     }
-    auto receiver = team->receivers.find(user.name);
-    if (user.name != team->owner && receiver == team->receivers.end()) {
+    const bool own = user.name == owner->name;
+    const Event* part = own ? nullptr : book->partIn(share->id, user.name);
+    if (!own && (!part || part->part != Part::Accepted)) {
         throw StatusError(Status::Denied,
-                          "team folder vtf://" + team->id + " isn't shared with " + user.name);
+                          "team folder vtf://" + share->team + " isn't shared with " + user.name);
     }
-    Folder folder = open(*users_.find(team->owner), team->path);
-    folder.readOnly = user.name != team->owner && receiver->second;
+    Folder folder = open(*owner, share->path);
+    folder.readOnly = !own && part->readOnly;
     for (const std::string& piece : pieces(rest.substr(slash))) {
         folder = down(user, folder, piece);
     }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "fd.h"
+#include "shares.h"
 #include "status.h"
-#include "teams.h"
 #include "users.h"
 
 namespace nas {
@@ -51,9 +51,11 @@ struct Folder {
 // following symbolic links, so no path, and no race, leads out of the root.
 class Tree {
 public:
-    Tree(const std::string& root, const Users& users, const Teams& teams);
+    Tree(const std::string& root, const Users& users, const Shares& shares);
 
     Folder open(const User& user, const std::string& path) const;
+    // The same with the folders made that aren't there yet, but for the share.
+    Folder make(const User& user, const std::string& path) const;
     Fd openHome(const std::string& name) const;
     // A share, whoever asks.
     Fd openRootFolder(const std::string& name) const;
@@ -75,7 +77,7 @@ private:
     Entry describe(const Folder& folder, int fd, const std::string& name) const;
 
     const Users& users_;
-    const Teams& teams_;
+    const Shares& shares_;
     Fd root_;
     Fd homes_;
 };

@@ -100,7 +100,26 @@ bool validUtf8(const std::string& text) {
     return true;
 }
 
-Fields decodeFields(const std::string& raw, const std::string& what) {
+std::string lowerCase(std::string text) {
+    for (char& c : text) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return text;
+}
+
+std::string decodeTwice(const std::string& value, const std::string& what) {
+    std::string out;
+    for (size_t i = 0; i < value.size(); ++i) {
+        // What lies beyond ASCII is left as it is.
+        const bool plain = unreserved(value[i]) || static_cast<unsigned char>(value[i]) >= 0x80;
+        const size_t length = plain ? 1 : 3;
+        out += plain ? value.substr(i, 1) : decodeValue(value.substr(i, length), what);
+        i += length - 1;
+    }
+    return out;
+}
+
+Fields decodeFields(const std::string& raw, const std::string& what, const std::string& repeating) {
     Fields fields;
     if (raw.empty()) {
         return fields;
@@ -114,7 +133,7 @@ Fields decodeFields(const std::string& raw, const std::string& what) {
             throw Refusal(what + " has a piece without key and value: " + quoted(pair));
         }
         std::string key = decodeValue(pair.substr(0, equals), what);
-        if (hasField(fields, key)) {
+        if (key != repeating && hasField(fields, key)) {
             throw Refusal(what + " names the key " + quoted(key) + " twice");
         }
         std::string value = decodeValue(pair.substr(equals + 1), what + " key " + quoted(key));

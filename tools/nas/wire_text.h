@@ -15,7 +15,7 @@ using Fields = std::vector<std::pair<std::string, std::string>>;
 using Shape = std::vector<std::string>;
 
 // "a=b&c=d" with percent-encoding. Refuses anything that the protocol's encoders would not have written.
-Fields decodeFields(const std::string& raw, const std::string& what);
+Fields decodeFields(const std::string& raw, const std::string& what, const std::string& repeating = {});
 
 // Refuses fields that match none of the shapes, naming the first difference to the nearest one.
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what);
@@ -29,5 +29,11 @@ int64_t numberField(const Fields& fields, const std::string& key);
 std::string decodeBase64(const std::string& text, const std::string& what);
 
 bool validUtf8(const std::string& text);
+
+// The letters A to Z made small.
+std::string lowerCase(std::string text);
+
+// Undoes the percent-encoding that a client put into a value before the form encoded it once more.
+std::string decodeTwice(const std::string& value, const std::string& what);
 
 }  // namespace nas

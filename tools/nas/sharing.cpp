@@ -1,0 +1,192 @@
+#include "sharing.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <future>
+#include <memory>
+
+#include "change_log.h"
+
+namespace nas {
+
+namespace {
+
+constexpr int kDeniedToSharing = -3;
+
+int startShareJob(Service& service, const Request& request, const std::string& name,
+                  std::function<void(ShareBook&)> act, std::shared_ptr<std::promise<void>> over) {
+    return startJob(service, request, name,
+                    [&service, act = std::move(act), over = std::move(over)](const Progress& progress) {
+                        // However it ends.
+                        const std::shared_ptr<void> end(nullptr, [&](void*) { over->set_value(); });
+                        takeTime(progress);
+                        service.shares().change(act);
+                    });
+}
+
+}  // namespace
+
+void addTeams(Service& service, const Teams& teams) {
+    const std::string& nas = service.shares().nas();
+    for (const Team& team : teams.all()) {
+        const User* owner = service.options().users.find(team.owner);
+        if (!owner) {
+            throw std::runtime_error("team folder of an unknown user: " + team.owner);
+        }
+        for (const auto& [receiver, readOnly] : team.receivers) {
+            const std::string rule =
+                nas + " " + team.owner + ":" + team.path + ":" + receiver + (readOnly ? ":ro" : "");
+            if (service.shares().read()->rules.count(rule)) {
+                continue;
+            }
+            const Folder folder = service.tree().make(*owner, team.path);
+            service.shares().change([&, name = receiver, reading = readOnly](ShareBook& book) {
+                const Share share =
+                    book.share(nas, owner->name, pathFor(owner->name, placeOf(folder, "")), markOf(folder));
+                book.invite(share, name, reading);
+                const Event& event = *book.partIn(share.id, name);
+                if (event.part == Part::Waiting) {
+                    book.accept(event.id, "");
+                }
+                book.rules.insert(rule);
+            });
+        }
+    }
+}
+
+const User& userHere(Service& service, Request& request, const std::string& sid) {
+    requireNoPrefix(request);
+    return service.authenticate(request, sid);
+}
+
+const User& userHere(Service& service, Request& request) {
+    return userHere(service, request, field(request.query, "sid"));
+}
+
+std::string markOf(const Folder& folder) {
+    struct stat info {};
+    if (folder.shares || ::fstat(folder.fd.get(), &info) != 0) {
+        return "";
+    }
+    return std::to_string(info.st_dev) + ":" + std::to_string(info.st_ino);
+}
+
+std::string pathFor(const std::string& user, const std::string& place) {
+    const std::string home = "homes/" + user;
+    return liesBelow(place, home) ? "/home" + place.substr(home.size()) : "/" + place;
+}
+
+bool isThere(Service& service, const Share& share) {
+    if (share.nas != service.shares().nas()) {
+        return true;
+    }
+    const User* owner = service.options().users.find(share.owner);
+    try {
+        return owner && markOf(service.tree().open(*owner, share.path)) == share.folder;
+    } catch (const StatusError&) {
+        return false;
+    }
+}
+
+std::string teamAreaPath(const Event& event) {
+    return "/home/.Torvi/" + event.display;
+}
+
+std::vector<Shape> withNas(const Shape& shape) {
+    Shape more = shape;
+    more.emplace_back("nas_id");
+    return {shape, more};
+}
+
+void requireNas(const Share& share, const Fields& fields) {
+    if (hasField(fields, "nas_id") && field(fields, "nas_id") != share.nas) {
+        throw StatusError(Status::Missing, "share " + share.id + " is on another node");
+    }
+}
+
+const Share& ownShare(const ShareBook& book, const User& user, const Fields& fields) {
+    const std::string& id = field(fields, "share_id");
+    if (id.empty()) {
+        throw Refusal("key \"share_id\" is empty");
+    }
+    const Share* share = book.find(id);
+    const bool own = share && share->owner == user.name;
+    if (!share || (!own && !book.partIn(id, user.name))) {
+        throw StatusError(Status::Missing, "no share " + id);
+    }
+    if (!own) {
+        throw StatusError(Status::Denied, "share " + id + " is " + share->owner + "'s");
+    }
+    requireNas(*share, fields);
+    return *share;
+}
+
+void requireInvitable(Service& service, const ShareBook& book, const User& owner, const std::string& name) {
+    if (!service.options().users.find(name)) {
+        throw StatusError(Status::Missing, "no user " + name);
+    }
+    if (name == owner.name) {
+        throw StatusError(Status::Denied, "nobody shares with oneself");
+    }
+    if (book.settingsOf(name).policy == static_cast<int>(Policy::Refuse)) {
+        throw StatusError(Status::Denied, name + " takes no shares");
+    }
+}
+
+nlohmann::json page(const std::vector<nlohmann::json>& all, const Fields& query) {
+    const int64_t lower = numberField(query, "lower");
+    int64_t upper = numberField(query, "upper");
+    if (lower < 0 || upper < -1) {
+        throw Refusal("lower or upper is out of its range");
+    }
+    const auto size = static_cast<int64_t>(all.size());
+    upper = upper == -1 ? size : std::min(upper, size);
+    nlohmann::json items = nlohmann::json::array();
+    for (int64_t i = lower; i < upper; ++i) {
+        items.push_back(all[static_cast<size_t>(i)]);
+    }
+    return items;
+}
+
+Answer startedShareJob(Service& service, const Request& request, const std::string& name,
+                       std::function<void(ShareBook&)> act) {
+    const int pid =
+        startShareJob(service, request, name, std::move(act), std::make_shared<std::promise<void>>());
+    return {{{"status", number(Status::Ok)}, {"pid", std::to_string(pid)}},
+            false,
+            name + " as job " + std::to_string(pid)};
+}
+
+Answer endedShareJob(Service& service, const Request& request, const std::string& name,
+                     std::function<void(ShareBook&)> act) {
+    const auto over = std::make_shared<std::promise<void>>();
+    const int pid = startShareJob(service, request, name, std::move(act), over);
+    if (service.options().jobDelay.count() == 0) {
+        over->get_future().wait();
+    }
+    Answer answer = doneWithZero(name + " as job " + std::to_string(pid));
+    answer.json["pid"] = std::to_string(pid);
+    return answer;
+}
+
+void requireSameSession(const Request& request, const Fields& form) {
+    if (field(form, "sn") != field(request.query, "sid")) {
+        throw Refusal("form key \"sn\" is not the session of the query");
+    }
+}
+
+void followFolder(Service& service, const std::string& user, const std::string& from, const std::string& to) {
+    service.shares().change([&](ShareBook& book) {
+        book.follow(service.shares().nas(), user, pathFor(user, from), pathFor(user, to));
+    });
+}
+
+Answer sharedRefusal(const StatusError& error) {
+    const bool denied = error.status() == Status::Denied;
+    nlohmann::json reply = {{"status", denied ? kDeniedToSharing : number(error.status())}};
+    notDone(reply);
+    return {reply, false, error.what()};
+}
+
+}  // namespace nas
