@@ -15,6 +15,9 @@ nlohmann::json stateOf(Service& service) {
     nlohmann::json teams = nlohmann::json::array();
     const auto book = service.shares().read();
     for (const Share& share : book->shares) {
+        if (share.nas != service.shares().nas()) {
+            continue;
+        }
         nlohmann::json receivers = nlohmann::json::array();
         for (const Event& event : book->events) {
             if (event.share == share.id && event.part == Part::Accepted) {

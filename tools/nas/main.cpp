@@ -35,7 +35,9 @@ int serve(const nas::Options& options, const sigset_t& signals) {
 
     const auto book = service.shares().read();
     for (const nas::Share& share : book->shares) {
-        nas::logLine("team folder vtf://" + share.team + "/ is " + share.path + " of " + share.owner);
+        if (share.nas == service.shares().nas()) {
+            nas::logLine("team folder vtf://" + share.team + "/ is " + share.path + " of " + share.owner);
+        }
     }
     // One line that programs can read.
     std::string ready = "torvi-nas ready http=" + options.address + ":" + std::to_string(port) +
