@@ -20,6 +20,12 @@ namespace {
 
 thread_local bool onLoggerThread = false;
 
+/// By hand: the calendar of QTime::toString() may be gone while a thread still logs in an ending process.
+QString timeOfDay() {
+    const QTime now = QTime::currentTime();
+    return QString::asprintf("%02d:%02d:%02d", now.hour(), now.minute(), now.second());
+}
+
 }  // namespace
 
 /// Ends the logger with the process, for those who never did.
@@ -54,9 +60,8 @@ void Logger::printLog(LogLevel level, const char* format, ...) {
 }
 
 void Logger::vprintLog(LogLevel level, const char* format, va_list arguments) {
-    const QString head = QStringLiteral("[%1] [%2] ")
-                             .arg(QTime::currentTime().toString(m_timeFormat), logLevelToString(level));
-    const QString line = head + LogText(format, arguments);
+    const QString line =
+        QStringLiteral("[%1] [%2] ").arg(timeOfDay(), logLevelToString(level)) + LogText(format, arguments);
     emit updateLog(line);
     post(line);
 }

@@ -84,7 +84,6 @@ private:
     void closeForGood();
 
     std::atomic<int> m_levels{Error};
-    QString m_timeFormat = QStringLiteral("HH:mm:ss");
 
     // Guards the file.
     QMutex m_fileMutex;

@@ -126,31 +126,32 @@ void addLogins(std::vector<CallRow>& rows) {
     rows.push_back(row);
 }
 
+CallRow activation(const char* name, decltype(CallRow::run) run, std::vector<const char*> failure,
+                   const char* refused) {
+    CallRow row = usual(name, std::move(run), std::move(failure), refused);
+    row.refusedStatus = 87;
+    row.timeoutMs = 30000;
+    row.goodReply = R"({"status":1,"servername":"nas","admingroup":"1"})";
+    return row;
+}
+
 void addTokens(std::vector<CallRow>& rows) {
-    CallRow row = usual("TorviActivateSid", activate,
-                        {"[WFM] TorviActivateSid: {word}",
-                         "[WFM] TorviActivateSid(127.0.0.1:{port}) failed dwStatus({status})"},
-                        "[WFM] TorviActivateSid({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER");
-    row.oneService = true;
-    row.refusedStatus = 87;
-    row.timeoutMs = 30000;
-    row.goodReply = R"({"status":1,"servername":"nas","admingroup":"1"})";
-    rows.push_back(row);
+    rows.push_back(activation("TorviActivateSid", activate,
+                              {"[WFM] TorviActivateSid: {word}",
+                               "[WFM] TorviActivateSid(127.0.0.1:{port}) failed dwStatus({status})"},
+                              "[WFM] TorviActivateSid({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER"));
+    rows.back().oneService = true;
 
-    row = usual("TorviActivateSid2", activateToken,
-                {"[WFM] TorviActivateSid2: {word}",
-                 "[WFM] TorviActivateSid2(127.0.0.1:{port}) failed dwStatus({status})"},
-                "[WFM] TorviActivateSid2({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER");
-    row.needsSession = false;
-    row.refusedStatus = 87;
-    row.timeoutMs = 30000;
-    row.goodReply = R"({"status":1,"servername":"nas","admingroup":"1"})";
-    rows.push_back(row);
+    rows.push_back(activation("TorviActivateSid2", activateToken,
+                              {"[WFM] TorviActivateSid2: {word}",
+                               "[WFM] TorviActivateSid2(127.0.0.1:{port}) failed dwStatus({status})"},
+                              "[WFM] TorviActivateSid2({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER"));
+    rows.back().needsSession = false;
 
-    row = usual("WFMGetSystemSid", systemSid,
-                {"[WFMShare] WFMGetSystemSid: {word}",
-                 "[WFMShare] WFMGetSystemSid(127.0.0.1:{port}) failed dwStatus({status})"},
-                "[WFMShare] WFMGetSystemSid({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER");
+    CallRow row = usual("WFMGetSystemSid", systemSid,
+                        {"[WFMShare] WFMGetSystemSid: {word}",
+                         "[WFMShare] WFMGetSystemSid(127.0.0.1:{port}) failed dwStatus({status})"},
+                        "[WFMShare] WFMGetSystemSid({server}:{port}): WFM_PARSE_XML_INVALID_PARAMETER");
     row.goodReply = R"({"status":1,"sid":"abc"})";
     row.proxyWord = "HTTP_STATUS_PROXY_AUTH_REQ";
     rows.push_back(row);

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "activations.h"
+#include "loginproxy.h"
 #include "replies.h"
 #include "support/logcapture.h"
-#include "support/proxy.h"
 
 using namespace wire;
 
@@ -144,19 +144,8 @@ TEST(TorviActivateSid2Wire, AnEmptyAgentIsTheTransports) {
 }
 
 TEST(TorviActivateSid2Wire, TheSessionKeepsItsProxy) {
-    if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
-    RawServer server({Reply::json(kActivated), Reply::json(R"({"status":1,"success":"true"})")});
-    const std::wstring host = proxy.hostAndPort();
-    ActivateToken call(server);
-    call.proxyMode = 2;
-    call.proxyHost = host.c_str();
-    call.proxyUser = L"pu";
-    call.proxyPassword = L"pp";
-    ASSERT_EQ(call.run(), 0u);
-    EXPECT_EQ(TorviLogout(kServer, server.port(), true, call.made), 0u);
-    EXPECT_TRUE(proxy.waitForLog("torvisrvPrepare.cgi"));
-    EXPECT_TRUE(proxy.waitForLog("torvisrv_logout.cgi"));
+    expectSessionKeepsItsProxy<ActivateToken>(kActivated, "torvisrvPrepare.cgi", TorviLogout,
+                                              "torvisrv_logout.cgi");
 }
 
 TEST(TorviActivateSid2Wire, ASessionOfTlsGoesOnWithTls) {

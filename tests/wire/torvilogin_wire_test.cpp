@@ -3,8 +3,8 @@
 #include <functional>
 
 #include "loginargs.h"
+#include "loginproxy.h"
 #include "support/logcapture.h"
-#include "support/proxy.h"
 #include "support/timers.h"
 
 using namespace wire;
@@ -423,20 +423,7 @@ TEST(TorviLoginWire, ASessionOfTlsGoesOnWithTls) {
 }
 
 TEST(TorviLoginWire, ASessionKeepsItsProxy) {
-    if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
-    RawServer server({Reply::json(kGood), Reply::json(R"({"status":1,"success":true})")});
-    const std::wstring host = proxy.hostAndPort();
-    LoginArgs login(server);
-    login.proxyMode = 2;
-    login.proxyHost = host.c_str();
-    login.proxyUser = L"pu";
-    login.proxyPassword = L"pp";
-    ASSERT_EQ(login.run(), 0u);
-    EXPECT_EQ(TorviLogout(kServer, server.port(), false, login.made), 0u);
-    ASSERT_EQ(server.requestCount(), 2u);
-    EXPECT_TRUE(proxy.waitForLog("torvisrv_login.cgi"));
-    EXPECT_TRUE(proxy.waitForLog("torvisrv_logout.cgi"));
+    expectSessionKeepsItsProxy<LoginArgs>(kGood, "torvisrv_login.cgi", TorviLogout, "torvisrv_logout.cgi");
 }
 
 TEST(TorviLoginWire, OnlyASessionWithALocalServerKeepsForWhomItActs) {

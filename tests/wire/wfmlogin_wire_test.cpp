@@ -4,11 +4,11 @@
 
 #include "forms.h"
 #include "loginargs.h"
+#include "loginproxy.h"
 #include "replies.h"
 // What no request shows is read where it lies.
 #include "../../src/core/authcontext.h"
 #include "support/logcapture.h"
-#include "support/proxy.h"
 
 using namespace wire;
 
@@ -132,32 +132,15 @@ TEST(WFMLoginWire, TheSessionKeepsProxyTextsThatFit) {
 }
 
 TEST(WFMLoginWire, TheSessionKeepsItsProxy) {
-    if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
-    RawServer server({Reply::json(kGood), Reply::json(R"({"status":1,"success":"true"})")});
-    const std::wstring host = proxy.hostAndPort();
-    FileManagerLogin login(server);
-    login.proxyMode = 2;
-    login.proxyHost = host.c_str();
-    login.proxyUser = L"pu";
-    login.proxyPassword = L"pp";
-    ASSERT_EQ(login.run(), 0u);
-    EXPECT_EQ(WFMLogout(kServer, server.port(), false, login.made), 0u);
-    EXPECT_EQ(server.requestCount(), 2u);
-    EXPECT_TRUE(proxy.waitForLog("wfm2Login.cgi"));
-    EXPECT_TRUE(proxy.waitForLog("wfm2Logout.cgi"));
+    expectSessionKeepsItsProxy<FileManagerLogin>(kGood, "wfm2Login.cgi", WFMLogout, "wfm2Logout.cgi");
 }
 
 TEST(WFMLoginWire, AProxyThatRefusesIs11) {
     if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
+    const LoginProxy proxy;
     const RawServer server({Reply::json(kGood)});
-    const std::wstring host = proxy.hostAndPort();
     FileManagerLogin login(server);
-    login.proxyMode = 2;
-    login.proxyHost = host.c_str();
-    login.proxyUser = L"pu";
-    login.proxyPassword = L"wrong";
+    proxy.lead(login, L"wrong");
     EXPECT_EQ(login.run(), 11u);
     EXPECT_EQ(login.made, nullptr);
     EXPECT_EQ(server.requestCount(), 0u);
