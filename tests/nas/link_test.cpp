@@ -100,19 +100,21 @@ protected:
     }
 };
 
-class NasLinkMails : public NasLinks {
+/// A base, for the server wants the folder at its start.
+struct Mails {
+    TempDir mails;
+};
+
+class NasLinkMails : Mails, public NasLinks {
 protected:
-    // A member of the base would come too late: the server wants the folder at its start.
-    explicit NasLinkMails(const std::string& folder = TempDir().string())
-        : NasLinks({"--mail-dir", folder}), m_folder(folder) {}
-    ~NasLinkMails() override { std::filesystem::remove_all(m_folder); }
+    NasLinkMails() : NasLinks({"--mail-dir", mails.string()}) {}
 
-    std::string mail(const std::string& name) {
-        std::ifstream in(m_folder + "/" + name);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::string mail(const std::string& name) const { return mails.read(name); }
+};
 
-    std::string m_folder;
+class NasLinkNode : public NasLinks {
+protected:
+    NasLinkNode() : NasLinks({"--slave-id", "node2"}) {}
 };
 
 TEST_F(NasLinks, ALinkOpensForAnybody) {
@@ -173,6 +175,60 @@ TEST_F(NasLinks, ASelectionIsOneLink) {
     EXPECT_EQ(0, get("/share.cgi?func=get_list&ssid=unknown").json()["total"].asInt());
 }
 
+TEST_F(NasLinks, AFolderIsALinkToAllThatItHolds) {
+    write("homes/anna/Photos/Old/p", "picture");
+    write("homes/anna/Photos.txt", "beside it");
+    const std::string id = ssid({"forever", "", "", "", "Photos"});
+    EXPECT_EQ(1, get("/share.cgi?func=get_list&ssid=" + id).json()["datas"][0]["isfolder"].asInt());
+    const Json::Value below = open(id).json();
+    ASSERT_EQ(1, below["total"].asInt());
+    EXPECT_EQ("Photos/Old", below["datas"][0]["filename"].asString());
+    EXPECT_EQ("Photos/Old/p", open(id, "&file=Photos%2FOld").json()["datas"][0]["filename"].asString());
+    EXPECT_EQ("picture", open(id, "&file=Photos%2FOld%2Fp").body);
+    for (const char* file :
+         {"a.txt", "Photos.txt", "Photos%2F..%2Fa.txt", "Photos%2Fmissing", "%2Fhome", ""}) {
+        EXPECT_EQ(404, open(id, std::string("&file=") + file).http) << file;
+    }
+}
+
+TEST_F(NasLinks, ANewShareHasANameAndNoFolder) {
+    write("Public/c.txt", "content of c");
+    LinkForm form = {{"valid_duration", "forever"},
+                     {"access_code", ""},
+                     {"ht", "11"},
+                     {"ssl", "false"},
+                     {"file_name", "a.txt"},
+                     {"file_name", "/Public/c.txt"},
+                     {"link_name", "Letters"},
+                     {"new_share", "1"},
+                     {"expire_time", ""},
+                     {"c", "1"},
+                     {"file_total", "2"}};
+    const Json::Value one = call("get_share_link", form).json();
+    const std::string id = one["ssid"].asString();
+    EXPECT_EQ("Letters", one["link_name"].asString());
+    EXPECT_EQ("content of a", open(id, "&file=a.txt").body);
+    EXPECT_EQ("content of c", open(id, "&file=%2FPublic%2Fc.txt").body);
+    EXPECT_NE(id, call("get_share_link", form).json()["ssid"].asString());
+    form[2].second = "10";
+    EXPECT_EQ(400, call("get_share_link", form).http);
+}
+
+TEST_F(NasLinkNode, AddressesLeadToTheNodeOfTheFile) {
+    const Json::Value one = link({});
+    const std::string id = one["ssid"].asString();
+    EXPECT_THAT(one["link_url"].asString(), EndsWith("/node2/share.cgi?ssid=" + id));
+    EXPECT_EQ("content of a", get("/node2/share.cgi?ssid=" + id).body);
+    LinkForm form = selectionForm({"a.txt"});
+    form[2] = {"ht", "10"};
+    form.insert(form.begin() + 3, {"hostname", "nas.example.test:81/node2"});
+    EXPECT_EQ("https://nas.example.test:81/node2/share.cgi?ssid=" + id,
+              run(NasRequest::form("/node2" + manager("func=get_share_link&sid=" + sid), form))
+                  .json()["link_url"]
+                  .asString());
+    EXPECT_EQ(404, get("/node1/share.cgi?ssid=" + id).http);
+}
+
 TEST_F(NasLinks, OnlyWhatIsThereCanBeLinked) {
     EXPECT_EQ(5, call("get_share_link", getForm({"forever", "", "", "", "c.txt"})).status());
     EXPECT_EQ(5, call("get_share_link", getForm({}), benSid).status());
@@ -210,6 +266,7 @@ TEST_F(NasLinks, ALinkIsDeletedByIdOrByItsAddress) {
     const Json::Value other = link({});
     const std::string address =
         "&filename=" + encoded("/home/a.txt") + "&download_link=" + encoded(other["link_url"].asString());
+    EXPECT_EQ(400, remove(sid, "&filename=" + encoded("/home/a.txt") + "&download_link=").http);
     EXPECT_EQ(0, remove(sid, address).status());
     EXPECT_EQ(0, list(sid)["total"].asInt());
 }
@@ -247,6 +304,9 @@ TEST_F(NasLinks, FormsAreExact) {
     EXPECT_EQ(400, call("get_share_link", form).http);
     form = getForm({});
     form[0].second = "other";
+    EXPECT_EQ(400, call("get_share_link", form).http);
+    form = getForm({});
+    form[3].second = "sesame";
     EXPECT_EQ(400, call("get_share_link", form).http);
     form = selectionForm({"a.txt"});
     form.back().second = "2";

@@ -70,8 +70,9 @@ TEST_F(NasProcess, BadCommandLineEndsWithAnError) {
 TEST_F(NasProcess, HelpExplainsTheOptions) {
     const ProcessResult result = runProcess(TORVI_NAS_PATH, {"--help"});
     EXPECT_EQ(0, result.exitCode);
-    for (const char* option : {"--root", "--port", "--tls-port", "--user", "--slave-id", "--team", "--fail",
-                               "--second-factor", "--firmware", "--redirect-tls"}) {
+    for (const char* option :
+         {"--root", "--port", "--tls-port", "--user", "--slave-id", "--team", "--fail", "--second-factor",
+          "--firmware", "--redirect-tls", "--directory", "--mail-dir"}) {
         EXPECT_THAT(result.out, testing::HasSubstr(option));
     }
 }

@@ -103,6 +103,12 @@ TEST_F(NasSharedMove, ASharedFolderThatIsRenamedStaysShared) {
     EXPECT_EQ(5, refused.status());
     EXPECT_EQ("false", refused.json()["success"].asString());
     EXPECT_EQ(400, renamed("/home", "Albums", "More", benSid).http);
+    // Whoever renames it, and by whichever path.
+    std::filesystem::create_directory(disk("homes/ben/Notes"));
+    const NasReply job = shareTo(benSid, "home/Notes", {"anna"});
+    ASSERT_TRUE(finished(job, benSid));
+    ASSERT_EQ("true", renamed("/homes/ben", "Notes", "Letters", sid).json()["success"].asString());
+    EXPECT_EQ("/home/Letters", folder(benSid, 4, "Letters")["path"].asString());
 }
 
 TEST_F(NasSharedMove, ASharedFolderThatIsMovedStaysShared) {

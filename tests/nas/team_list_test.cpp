@@ -125,6 +125,29 @@ TEST_F(NasTeamList, FindsOwnSharesAtOrBelowAPathWhateverItsCase) {
     EXPECT_EQ(3, get(manager("func=nubo_find_share&sid=x&file=a&lower=0&upper=1")).status());
 }
 
+TEST_F(NasTeamList, ListingsTellWhatIsShared) {
+    const auto entry = [&](const std::string& session, const std::string& path, const std::string& name) {
+        return named(get(cgi(listQuery(session, path))).json()["datas"], "filename", name);
+    };
+    std::filesystem::create_directories(nas.folder().path() / "homes/anna/Photos/2026");
+    share({"ben"}, "home/Photos/2026");
+    const std::string id = folder(sid, 4, "2026")["share_id"].asString();
+    EXPECT_EQ(4, entry(sid, "/home/Photos", "2026")["nubo_type"].asInt());
+    EXPECT_EQ(id, entry(sid, "/home/Photos", "2026")["nubo_share_id"].asString());
+    EXPECT_EQ(0, entry(sid, "/home", "Photos")["nubo_type"].asInt());
+    EXPECT_EQ("---", entry(sid, "/home", "Photos")["nubo_share_id"].asString());
+
+    shareWithBen();
+    // Within one team folder another that waits.
+    EXPECT_EQ(0, entry(benSid, "vtf://anna-Photos", "2026")["nubo_type"].asInt());
+    ASSERT_EQ(0, accept(benSid, id, "2026").status());
+    EXPECT_EQ(8, entry(benSid, "vtf://anna-Photos", "2026")["nubo_type"].asInt());
+    EXPECT_EQ(id, entry(benSid, "vtf://anna-Photos", "2026")["nubo_share_id"].asString());
+    const Json::Value itself = get(cgi(statQuery(benSid, "vtf://anna-Photos", ""))).json()["datas"][0];
+    EXPECT_EQ(8, itself["nubo_type"].asInt());
+    EXPECT_EQ(photosId(), itself["nubo_share_id"].asString());
+}
+
 TEST_F(NasTeamInfo, OfAnOwnFolder) {
     share({"ben"});
     const Json::Value found = info(sid, "/home/Photos");

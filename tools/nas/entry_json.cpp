@@ -9,9 +9,7 @@ nlohmann::json entryJson(const Entry& entry) {
                            {"isfolder", entry.isFolder ? 1 : 0},
                            {"filesize", std::to_string(entry.size)},
                            {"exist", 1},
-                           {"privilege", entry.privilege()},
-                           {"nubo_type", 0},
-                           {"nubo_share_id", "---"}};
+                           {"privilege", entry.privilege()}};
     if (entry.mtime > std::numeric_limits<int32_t>::max() ||
         entry.mtime < std::numeric_limits<int32_t>::min()) {
         json["epochmt"] = std::to_string(entry.mtime);

@@ -62,7 +62,7 @@ Answer renameIn(Service& service, Request& request, const Fields& form) {
     service.changeLog().add({Action::Renamed, place.entry.isFolder, placeOf(place.folder, name),
                              placeOf(place.folder, place.name), authorOf(request)});
     if (hasField(form, "sn")) {
-        followFolder(service, user.name, placeOf(place.folder, place.name), placeOf(place.folder, name));
+        followFolder(service, placeOf(place.folder, place.name), placeOf(place.folder, name));
     }
     return done(place.name + " to " + name);
 }

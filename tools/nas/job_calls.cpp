@@ -60,7 +60,7 @@ Answer moveShared(Service& service, Request& request, const Fields& form) {
         requireSameSession(request, form);
         const Haul haul = planMove(service, request, form);
         carryAndTell(service, haul, authorOf(request), [](int64_t, int64_t) {});
-        followFolder(service, request.userName, placeOf(haul.place.folder, haul.place.name),
+        followFolder(service, placeOf(haul.place.folder, haul.place.name),
                      placeOf(haul.target, haul.place.name));
         return doneWithZero(haul.place.name + " at once");
     } catch (const StatusError& error) {

@@ -5,8 +5,11 @@
 
 namespace nas {
 
-LinkItem openItem(Service& service, const User& owner, const std::string& path, const std::string& item) {
-    const std::string whole = item.find('/') == std::string::npos ? path + "/" + item : item;
+std::string wholePath(const Link& link, const std::string& item) {
+    return item.find('/') == std::string::npos ? link.path + "/" + item : item;
+}
+
+LinkItem openItem(Service& service, const User& owner, const std::string& whole) {
     const size_t slash = whole.rfind('/');
     LinkItem found;
     if (slash == std::string::npos || slash == 0) {
@@ -83,7 +86,14 @@ int64_t expiryOf(const Fields& form) {
     return std::mktime(&parts);
 }
 
-std::string urlOf(Service& service, const Request& request, const Fields& form, const std::string& ssid) {
+// 10 stands for a host as it is written, 11 for none.
+void requireHostKind(const Fields& form) {
+    if (hasField(form, "ht")) {
+        requireOneOf(form, "ht", {hasField(form, "hostname") ? "10" : "11"});
+    }
+}
+
+std::string urlOf(Service& service, const Request& request, const Fields& form, const Link& link) {
     const bool secure = flag(form, "ssl");
     std::string host =
         hasField(form, "hostname") ? field(form, "hostname") : request.http.get_header_value("Host");
@@ -93,7 +103,10 @@ std::string urlOf(Service& service, const Request& request, const Fields& form, 
     if (host.find(':') == std::string::npos) {
         host += ":" + std::to_string(secure ? service.tlsPort() : service.httpPort());
     }
-    return (secure ? "https://" : "http://") + host + "/share.cgi?ssid=" + ssid;
+    // Some clients name the node themselves.
+    const bool named = link.nas.empty() || host.find('/') != std::string::npos;
+    return (secure ? "https://" : "http://") + host + (named ? "" : "/" + link.nas) +
+           "/share.cgi?ssid=" + link.ssid;
 }
 
 std::vector<std::string> valuesOf(const Fields& form, const std::string& key) {
@@ -111,7 +124,8 @@ Link linkOf(Service& service, const User& user, const Fields& form) {
     Link link;
     link.owner = user.name;
     link.nas = service.shares().nas();
-    link.path = hasField(form, "path") ? field(form, "path") : "";
+    // A new share names no folder: what isn't a whole path lies in the home.
+    link.path = hasField(form, "path") ? field(form, "path") : "/home";
     link.files = valuesOf(form, "file_name");
     link.name = hasField(form, "link_name") ? field(form, "link_name") : "";
     link.code = field(form, "access_code");
@@ -120,7 +134,7 @@ Link linkOf(Service& service, const User& user, const Fields& form) {
         throw StatusError(Status::Missing, "a link needs a file");
     }
     for (const std::string& file : link.files) {
-        const LinkItem item = openItem(service, user, link.path, file);
+        const LinkItem item = openItem(service, user, wholePath(link, file));
         if (item.folder.shares || !item.entry.readable()) {
             throw StatusError(Status::Denied, file + " can't be linked");
         }
@@ -140,7 +154,7 @@ void keep(Service& service, const Request& request, const Fields& form, Link& li
             known = same && reuse ? &other : known;
         }
         link.ssid = known ? known->ssid : randomHex(8);
-        link.url = urlOf(service, request, form, link.ssid);
+        link.url = urlOf(service, request, form, link);
         if (known) {
             *known = link;
         } else {
@@ -230,8 +244,12 @@ void requireTypes(const Fields& form) {
     if (hasField(form, "network_type")) {
         requireOneOf(form, "network_type", {"internet", "local"});
     }
-    if (flag(form, "include_access_code") != flag(form, "access_enabled")) {
+    const bool coded = flag(form, "access_enabled");
+    if (flag(form, "include_access_code") != coded) {
         throw Refusal("form keys \"include_access_code\" and \"access_enabled\" differ");
+    }
+    if (hasField(form, "access_code") && coded == field(form, "access_code").empty()) {
+        throw Refusal("form keys \"access_code\" and \"access_enabled\" contradict each other");
     }
 }
 
@@ -240,6 +258,7 @@ Answer getLink(Service& service, Request& request, httplib::Response&) {
     const Fields form = readForm(request, "file_name");
     const bool selection = hasField(form, "new_share");
     requireShape(form, {selection ? selectionShape(form) : oneLinkShape(form)}, "form");
+    requireHostKind(form);
     if (selection) {
         requireOneOf(form, "new_share", {"0", "1"});
         requireCount(form, valuesOf(form, "file_name").size());
@@ -377,6 +396,8 @@ Shape updateShape(const Fields& form) {
 Answer updateLinks(Service& service, Request& request, httplib::Response&) {
     const Fields form = readForm(request);
     requireShape(form, {updateShape(form)}, "form");
+    requireHostKind(form);
+    requireOneOf(form, "option", {"1", "3"});
     // Without a host only the name changes, and the rest may be anything.
     const bool nameOnly = !hasField(form, "hostname") && hasField(form, "ht");
     if (!nameOnly) {
@@ -399,7 +420,7 @@ Answer updateLinks(Service& service, Request& request, httplib::Response&) {
             if (!nameOnly) {
                 link.code = field(form, "access_code");
                 link.expires = expires;
-                link.url = urlOf(service, request, form, link.ssid);
+                link.url = urlOf(service, request, form, link);
             }
             first = link.ssid == links[0].ssid ? link.url : first;
         }
@@ -414,6 +435,9 @@ Answer deleteLinks(Service& service, Request& request, httplib::Response&) {
     if (hasField(query, "ssids")) {
         ssids = splitIds(field(query, "ssids"));
     } else {
+        if (field(query, "filename").empty() || field(query, "download_link").empty()) {
+            throw Refusal("query key \"filename\" or \"download_link\" is empty");
+        }
         const auto book = service.shares().read();
         for (const Link& link : book->links) {
             if (link.owner == user.name && link.url == field(query, "download_link")) {
@@ -434,7 +458,7 @@ Answer deleteLinks(Service& service, Request& request, httplib::Response&) {
 
 bool holdsFolder(Service& service, const User& user, const Link& link) {
     try {
-        return openItem(service, user, link.path, link.files[0]).entry.isFolder;
+        return openItem(service, user, wholePath(link, link.files[0])).entry.isFolder;
     } catch (const StatusError&) {
         return false;
     }

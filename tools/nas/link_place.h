@@ -12,10 +12,12 @@ struct LinkItem {
     Entry entry;
 };
 
-// By the owner's eyes. An item is a name in the folder of the link, or a whole path. Throws Missing.
-LinkItem openItem(Service& service, const User& owner, const std::string& path, const std::string& item);
+// An item is a name in the folder of the link, or a whole path.
+std::string wholePath(const Link& link, const std::string& item);
+// By the owner's eyes. Throws Missing.
+LinkItem openItem(Service& service, const User& owner, const std::string& whole);
 
-// The link of this node; null for an unknown one.
+// Of whatever node; null for an unknown one.
 const Link* findLink(const ShareBook& book, const std::string& ssid);
 
 }  // namespace nas

@@ -1,7 +1,9 @@
 #include <algorithm>
 
 #include "calls.h"
+#include "change_log.h"
 #include "entry_json.h"
+#include "shared_folders.h"
 
 namespace nas {
 
@@ -42,10 +44,12 @@ Answer getList(Service& service, Request& request, httplib::Response&) {
             return a.mtime != b.mtime ? a.mtime > b.mtime : a.name < b.name;
         });
     }
+    const SharedFolders shared(*service.shares().read(), service.shares().nas(), user.name);
     nlohmann::json datas = nlohmann::json::array();
     for (int64_t i = start; i < static_cast<int64_t>(entries.size()) && i - start < limit; ++i) {
         const Entry& entry = entries[static_cast<size_t>(i)];
         nlohmann::json json = entryJson(entry);
+        shared.tell(placeOf(folder, entry.name), json);
         if (hasField(query, "check_child")) {
             json["have_child"] = service.tree().hasChild(user, folder, entry.name) ? 1 : 0;
         }

@@ -109,15 +109,17 @@ int readOptions(int argc, char** argv, Options& options) {
                    "Wrong second steps that lock an account until a control request; -1 for no limit")
         ->capture_default_str()
         ->check(CLI::Range(-1, 1000000));
-    app.add_option("--mail-dir", options.mailFolder, "Folder that mails are written to");
+    app.add_option("--mail-dir", options.mailFolder,
+                   "Folder that mails are written to, of links and second steps: 0001.eml and so on");
     auto* slaveId = app.add_option("--slave-id", options.slaveId, "This node's id in a cluster");
     auto* clusterStatus = app.add_option("--cluster-status", options.clusterStatus,
                                          "Cluster status told at login; 1 with --slave-id, else 0");
     app.add_option("--session-ttl", ttl, "Seconds of rest after which a session is gone")
         ->capture_default_str()
         ->check(CLI::Range(1LL, 31536000LL));
-    app.add_option("--session-dir", options.sessionFolder,
-                   "Keep sessions here, shared by the nodes of a cluster");
+    app.add_option(
+        "--session-dir", options.sessionFolder,
+        "Keep sessions here, shared by the nodes of a cluster, and with --slave-id the shares and links too");
     app.add_option("--job-delay", jobDelay, "Milliseconds that a job takes at least")
         ->capture_default_str()
         ->check(CLI::Range(0LL, 86400000LL));

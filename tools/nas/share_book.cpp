@@ -53,6 +53,26 @@ std::string leafOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+std::string pathFor(const std::string& user, const std::string& place) {
+    const std::string home = "homes/" + user;
+    return liesBelow(place, home) ? "/home" + place.substr(home.size()) : "/" + place;
+}
+
+std::string placeFor(const std::string& user, const std::string& path) {
+    const std::string home = "/home";
+    return liesBelow(path, home) ? "homes/" + user + path.substr(home.size()) : path.substr(1);
+}
+
+Role Event::roleOf(const std::string& user) const {
+    if (!live()) {
+        return Role::Ended;
+    }
+    if (owner == user) {
+        return Role::Owner;
+    }
+    return part == Part::Waiting ? Role::Invited : Role::Receiver;
+}
+
 const Share* ShareBook::find(const std::string& id) const {
     return firstOf(shares, [&](const Share& share) { return share.id == id; });
 }
@@ -192,13 +212,11 @@ void ShareBook::relocate(const std::string& id, const std::string& path, const s
     }
 }
 
-void ShareBook::follow(const std::string& nas, const std::string& user, const std::string& from,
-                       const std::string& to) {
-    for (Share& share : shares) {
-        // Paths of homes mean another folder to each user.
-        const bool same = share.owner == user || !liesBelow(share.path, "/home");
-        if (same && share.nas == nas && liesBelow(share.path, from)) {
-            relocate(share.id, to + share.path.substr(from.size()), share.folder);
+void ShareBook::follow(const std::string& nas, const std::string& from, const std::string& to) {
+    for (const Share& share : shares) {
+        const std::string place = placeFor(share.owner, share.path);
+        if (share.nas == nas && liesBelow(place, from)) {
+            relocate(share.id, pathFor(share.owner, to + place.substr(from.size())), share.folder);
         }
     }
 }

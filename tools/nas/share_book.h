@@ -24,6 +24,9 @@ struct Share {
     std::string folder;  // which folder that is, whatever it is called
 };
 
+// What a share is to a user; the "type", "event_type" and "nubo_type" of the wire.
+enum class Role { Invited = 1, Ended = 2, Owner = 4, Receiver = 8 };
+
 // An invitation, and what came of it.
 struct Event {
     int64_t id = 0;
@@ -39,6 +42,7 @@ struct Event {
 
     // The receiver is a member or may become one.
     bool live() const { return part == Part::Waiting || part == Part::Accepted; }
+    Role roleOf(const std::string& user) const;
 };
 
 // What a user does with what others share.
@@ -81,9 +85,8 @@ struct ShareBook {
     void forget(int64_t event, const std::string& user);
     // The shared folder is now another one, or somewhere else.
     void relocate(const std::string& id, const std::string& path, const std::string& folder);
-    // Shares at or below a folder that moved.
-    void follow(const std::string& nas, const std::string& user, const std::string& from,
-                const std::string& to);
+    // Shares at or below a folder that moved from one place below the root to another.
+    void follow(const std::string& nas, const std::string& from, const std::string& to);
 
 private:
     bool displayTaken(const std::string& user, const std::string& display) const;
@@ -94,5 +97,8 @@ void to_json(nlohmann::json& json, const ShareBook& book);
 void from_json(const nlohmann::json& json, ShareBook& book);
 
 std::string leafOf(const std::string& path);
+// The path by which a user names something that lies at a place below the root, and back.
+std::string pathFor(const std::string& user, const std::string& place);
+std::string placeFor(const std::string& user, const std::string& path);
 
 }  // namespace nas

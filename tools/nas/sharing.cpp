@@ -18,10 +18,17 @@ int startShareJob(Service& service, const Request& request, const std::string& n
                   std::function<void(ShareBook&)> act, std::shared_ptr<std::promise<void>> over) {
     return startJob(service, request, name,
                     [&service, act = std::move(act), over = std::move(over)](const Progress& progress) {
-                        // However it ends.
-                        const std::shared_ptr<void> end(nullptr, [&](void*) { over->set_value(); });
-                        takeTime(progress);
-                        service.shares().change(act);
+                        try {
+                            takeTime(progress);
+                            service.shares().change(act);
+                        } catch (const std::exception&) {
+                            over->set_exception(std::current_exception());
+                            throw;
+                        } catch (...) {
+                            over->set_value();  // dropped
+                            throw;
+                        }
+                        over->set_value();
                     });
 }
 
@@ -70,11 +77,6 @@ std::string markOf(const Folder& folder) {
         return "";
     }
     return std::to_string(info.st_dev) + ":" + std::to_string(info.st_ino);
-}
-
-std::string pathFor(const std::string& user, const std::string& place) {
-    const std::string home = "homes/" + user;
-    return liesBelow(place, home) ? "/home" + place.substr(home.size()) : "/" + place;
 }
 
 bool isThere(Service& service, const Share& share) {
@@ -163,7 +165,7 @@ Answer endedShareJob(Service& service, const Request& request, const std::string
     const auto over = std::make_shared<std::promise<void>>();
     const int pid = startShareJob(service, request, name, std::move(act), over);
     if (service.options().jobDelay.count() == 0) {
-        over->get_future().wait();
+        over->get_future().get();
     }
     Answer answer = doneWithZero(name + " as job " + std::to_string(pid));
     answer.json["pid"] = std::to_string(pid);
@@ -171,15 +173,16 @@ Answer endedShareJob(Service& service, const Request& request, const std::string
 }
 
 void requireSameSession(const Request& request, const Fields& form) {
+    if (request.endpoint != Endpoint::ManagerCgi) {
+        requireNoPrefix(request);
+    }
     if (field(form, "sn") != field(request.query, "sid")) {
         throw Refusal("form key \"sn\" is not the session of the query");
     }
 }
 
-void followFolder(Service& service, const std::string& user, const std::string& from, const std::string& to) {
-    service.shares().change([&](ShareBook& book) {
-        book.follow(service.shares().nas(), user, pathFor(user, from), pathFor(user, to));
-    });
+void followFolder(Service& service, const std::string& from, const std::string& to) {
+    service.shares().change([&](ShareBook& book) { book.follow(service.shares().nas(), from, to); });
 }
 
 Answer sharedRefusal(const StatusError& error) {

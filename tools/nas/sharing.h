@@ -20,8 +20,6 @@ constexpr const char* kNoShare = "--------";
 
 // Which folder it is, also when it was renamed.
 std::string markOf(const Folder& folder);
-// The path by which a user names something that lies at a place below the root.
-std::string pathFor(const std::string& user, const std::string& place);
 // Whether the shared folder is where the book says. Of another node's nothing else is known.
 bool isThere(Service& service, const Share& share);
 // The receiver's path: clients show team folders side by side there.
@@ -43,14 +41,14 @@ nlohmann::json page(const std::vector<nlohmann::json>& all, const Fields& query)
 Answer startedShareJob(Service& service, const Request& request, const std::string& name,
                        std::function<void(ShareBook&)> act);
 // The same for a call whose reply has no process id that clients read: unless jobs are slowed down, the reply
-// waits for the end.
+// waits for the end and tells how it went.
 Answer endedShareJob(Service& service, const Request& request, const std::string& name,
                      std::function<void(ShareBook&)> act);
 
-// The sharing client names the session in the form as well.
+// The sharing client names the session in the form as well, and no node.
 void requireSameSession(const Request& request, const Fields& form);
 // Shares at or below a place stay shared where they went.
-void followFolder(Service& service, const std::string& user, const std::string& from, const std::string& to);
+void followFolder(Service& service, const std::string& from, const std::string& to);
 // The sharing client reads "success", and -3 as the word for what is denied.
 Answer sharedRefusal(const StatusError& error);
 

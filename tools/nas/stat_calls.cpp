@@ -1,5 +1,7 @@
 #include "calls.h"
+#include "change_log.h"
 #include "entry_json.h"
+#include "shared_folders.h"
 
 namespace nas {
 
@@ -46,6 +48,8 @@ Answer stat(Service& service, Request& request, httplib::Response&) {
     if (entry) {
         entry->name = shown;
         json = entryJson(*entry);
+        const SharedFolders shared(*service.shares().read(), service.shares().nas(), user.name);
+        shared.tell(placeOf(folder, name), json);
     } else {
         json = {{"filename", shown}, {"isfolder", 0}, {"filesize", "0"}, {"epochmt", 0}, {"exist", 0}};
     }

@@ -8,19 +8,8 @@ namespace nas {
 
 namespace {
 
-// What a share or event is to the user who asks; "event_type" asks for any of them by the sum, 0 for all.
-enum class Role { Invited = 1, Ended = 2, Owner = 4, Receiver = 8 };
+// "event_type" asks for any of the roles by their sum, for all by 0.
 constexpr int64_t kAllRoles = 15;
-
-Role roleOf(const Event& event, const std::string& user) {
-    if (!event.live()) {
-        return Role::Ended;
-    }
-    if (event.owner == user) {
-        return Role::Owner;
-    }
-    return event.part == Part::Waiting ? Role::Invited : Role::Receiver;
-}
 
 int64_t wantedRoles(const Fields& query) {
     const int64_t roles = numberField(query, "event_type");
@@ -61,7 +50,7 @@ nlohmann::json receiversOf(const ShareBook& book, const Share& share) {
 
 nlohmann::json folderJson(Service& service, const ShareBook& book, const Share& share, const Event* part) {
     const bool received = part && part->part == Part::Accepted;
-    const Role role = part ? roleOf(*part, part->receiver) : Role::Owner;
+    const Role role = part ? part->roleOf(part->receiver) : Role::Owner;
     nlohmann::json receivers = receiversOf(book, share);
     return {{"type", static_cast<int>(role)},
             {"status", isThere(service, share) ? 1 : 0},
@@ -107,7 +96,7 @@ Answer teamFolders(Service& service, Request& request, httplib::Response&) {
     for (const Share& share : book->shares) {
         const Event* part = book->partIn(share.id, user.name);
         const bool own = share.owner == user.name;
-        if ((!own && !part) || !wanted(roles, own ? Role::Owner : roleOf(*part, user.name))) {
+        if ((!own && !part) || !wanted(roles, own ? Role::Owner : part->roleOf(user.name))) {
             continue;
         }
         if (hasField(query, "target_user") && !concerns(*book, share, field(query, "target_user"))) {
@@ -139,7 +128,7 @@ Answer events(Service& service, Request& request, httplib::Response&) {
     std::vector<nlohmann::json> events;
     for (const Event& event : book->events) {
         const bool own = event.owner == user.name;
-        const Role role = roleOf(event, user.name);
+        const Role role = event.roleOf(user.name);
         if ((!own && event.receiver != user.name) || event.removedBy.count(user.name) ||
             !wanted(roles, role)) {
             continue;

@@ -110,8 +110,9 @@ std::string lowerCase(std::string text) {
 std::string decodeTwice(const std::string& value, const std::string& what) {
     std::string out;
     for (size_t i = 0; i < value.size(); ++i) {
-        // What lies beyond ASCII is left as it is.
-        const bool plain = unreserved(value[i]) || static_cast<unsigned char>(value[i]) >= 0x80;
+        // Clients leave what lies beyond ASCII as it is, and encode the tilde.
+        const bool plain =
+            (unreserved(value[i]) && value[i] != '~') || static_cast<unsigned char>(value[i]) >= 0x80;
         const size_t length = plain ? 1 : 3;
         out += plain ? value.substr(i, 1) : decodeValue(value.substr(i, length), what);
         i += length - 1;
