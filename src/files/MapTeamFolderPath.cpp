@@ -50,6 +50,11 @@ int32_t IndexOfTeamFolder(const _WFM_AUTH_CONTEXT& context, const std::wstring& 
     return -1;
 }
 
+std::wstring SlaveOfTeamFolder(const _WFM_AUTH_CONTEXT& context, const std::wstring& path) {
+    const auto found = Find(context, path);
+    return found ? found->slaveID : std::wstring();
+}
+
 RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& parent,
                              const std::wstring& name) {
     const auto found = Find(context, WithTrailingSlash(parent) + name);

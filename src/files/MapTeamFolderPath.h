@@ -25,6 +25,9 @@ bool HasTeamFolders(const _WFM_AUTH_CONTEXT& context);
 /// prefix of the path counts, not the longest.
 int32_t IndexOfTeamFolder(const _WFM_AUTH_CONTEXT& context, const std::wstring& path);
 
+/// The node of the team folder that holds a path, whether or not its place is known.
+std::wstring SlaveOfTeamFolder(const _WFM_AUTH_CONTEXT& context, const std::wstring& path);
+
 /// Where a path of the client's tree lies on the server. A path that no team folder holds stays as it is.
 RemotePath MapTeamFolderPath(const _WFM_AUTH_CONTEXT& context, const std::wstring& parent,
                              const std::wstring& name);

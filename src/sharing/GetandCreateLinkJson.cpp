@@ -7,19 +7,22 @@ using namespace Lattice;
 namespace {
 
 constexpr size_t kLongestText = 4096;
+constexpr size_t kIDCapacity = 260;
 
 std::wstring LinkText(const Json::Value& json, const char* key) {
     std::wstring text = JsonLongText(json, key);
     return text.size() < kLongestText ? text : std::wstring();
 }
 
-/// The URL of the link with that id. A query that the server wrote gives way to the id alone.
-std::wstring LinkOf(const Json::Value& links, const std::wstring& ssid) {
+/// The URL of the link with that id, byte by byte. A query that the server wrote gives way to the id alone.
+std::wstring LinkOf(const Json::Value& links, const std::string& ssid) {
     for (const Json::Value& link : links) {
-        if (!link.isObject() || LinkText(link, "ssid") != ssid) continue;
+        if (!link.isObject() || link["ssid"].asString() != ssid) continue;
         const std::wstring url = LinkText(link, "link_url");
         const size_t question = url.find(L'?');
-        return question == std::wstring::npos ? url : url.substr(0, question + 1) + L"ssid=" + ssid;
+        return question == std::wstring::npos
+                   ? url
+                   : url.substr(0, question + 1) + L"ssid=" + LinkText(link, "ssid");
     }
     return {};
 }
@@ -35,10 +38,11 @@ int CGetandCreateLinkJson::Parser(char* text) {
         expireTime = LinkText(root, "expire_time");
         multiple = JsonGetFlag(root, "multiple", false);
         ssid = LinkText(root, "ssid");
+        if (ssid.size() >= kIDCapacity) ssid.clear();
         if (ssid.empty()) return 1;
         if (IsPresent(root, "links")) {
             if (!root["links"].isArray()) return -1;
-            linkURL = LinkOf(root["links"], ssid);
+            linkURL = LinkOf(root["links"], root["ssid"].asString());
         }
         if (linkURL.empty()) {
             const std::wstring protocol = LinkText(root, "protocol");

@@ -12,13 +12,13 @@ int CShareGetEventJson::Parser(char* text) {
         if (status != 0)
             LogLine(Logger::Error, "[WFMShare] CShareGetEventJson: Status(%d) m_nStatus(%d)",
                     JsonGetInt(root, "status", 0), status);
-        const int number = JsonGetInt(root, "total", 0);
-        if (number < 1) return 1;
-        total = static_cast<uint32_t>(number);
+        const int told = JsonGetInt(root, "total", 0);
+        if (told < 1) return 1;
+        total = static_cast<uint32_t>(told);
         if (!IsPresent(root, "event")) return 1;
         if (!root["event"].isArray()) return -1;
         for (const Json::Value& json : root["event"]) {
-            if (!json.isObject()) continue;
+            if (!json.isObject() || number++ >= room) continue;
             _WFM_TORVI_EVENT_INFORMATION event{};
             event.nEventID = JsonGetInt(json, "event_id", 0);
             CopyTextCut(event.szTargetName, JsonText(json, "target_name"));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "WebFileManShareAPI.h"
@@ -12,5 +13,8 @@ public:
 
     int32_t status = -1;
     uint32_t total = 0;
+    /// How many records are kept; those beyond only count. A reply may hold more than memory does.
+    uint32_t room = UINT32_MAX;
+    uint32_t number = 0;
     std::vector<_WFM_TORVI_EVENT_INFORMATION> events;
 };

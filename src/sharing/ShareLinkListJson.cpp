@@ -1,21 +1,22 @@
 #include "sharing/ShareLinkListJson.h"
 
-#include "core/replyfields.h"
+#include <algorithm>
+
+#include "sharing/shareid.h"
 
 using namespace Lattice;
 
 int CShareLinkListJson::Parser(char* text) {
-    constexpr int kNoLinks = -3;
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
         status = JsonGetInt(root, "status", status);
-        if (status == kNoLinks) return 1;
+        if (status == kQuestionFailed) return 1;
         maxShareFile = JsonGetInt(root, "max_share_file", 0);
-        total = JsonGetInt(root, "total", 0);
+        total = std::max(0, JsonGetInt(root, "total", 0));
         if (!IsPresent(root, "datas")) return 1;
         if (!root["datas"].isArray()) return -1;
         for (const Json::Value& json : root["datas"]) {
-            if (!json.isObject()) continue;
+            if (!json.isObject() || number++ >= room) continue;
             _WFM_SHARE_LINK_INFO link{};
             CopyText(link.szSsid, JsonText(json, "ssid"));
             CopyTextCut(link.szFileName, JsonText(json, "filename"));

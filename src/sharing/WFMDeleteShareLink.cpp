@@ -15,7 +15,7 @@ uint32_t WFMDeleteShareLink(_WFM_AUTH_CONTEXT* context, const wchar_t* server, u
     call.begin(resultWord);
 
     // The path is sent as it stands; where it is mapped to tells the node only.
-    call.route(slaveID, MapTeamFolderPath(*context, path).slaveID);
+    call.route(slaveID, SlaveOfTeamFolder(*context, path));
     if (IsGiven(ssids))
         call.get(L"func=delete_share&sid=%ls&ssids=%ls&file_total=%d", call.sid(), Encoded(ssids), 1);
     else

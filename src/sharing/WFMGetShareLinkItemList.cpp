@@ -22,13 +22,14 @@ uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* serv
     *total = *count = 0;
 
     // The path tells the node only; the request is the link's public one, without the session.
-    call.route(slaveID, MapTeamFolderPath(*context, TextOf(path)).slaveID);
+    call.route(slaveID, SlaveOfTeamFolder(*context, TextOf(path)));
     call.get(L"func=get_list&ssid=%ls", Encoded(ssid));
     CShareLinkItemListJson reply;
+    reply.room = capacity;
     if (!call.ask(reply)) return call.end();
 
     *total = reply.total;
-    if (capacity < reply.items.size()) {
+    if (reply.number > capacity) {
         call.failAs(WFM_PARSE_XML_BUFFER_NOT_ENOUGH, "WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
         return call.end();
     }

@@ -1,9 +1,22 @@
+#include <algorithm>
+#include <iterator>
+
 #include "WebFileManShareAPI.h"
 #include "core/callframe.h"
 #include "sharing/ShareLinkListJson.h"
 #include "sharing/linkplace.h"
 
 using namespace Lattice;
+
+namespace {
+
+/// The reserved text stays the caller's.
+void Fill(_WFM_SHARE_LINK_INFO& place, _WFM_SHARE_LINK_INFO link) {
+    std::copy(std::begin(place.szReserved), std::end(place.szReserved), link.szReserved);
+    place = link;
+}
+
+}  // namespace
 
 uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
                              const wchar_t* slaveID, int32_t limit, void* /*reserved*/, int32_t* start,
@@ -18,10 +31,11 @@ uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, 
     call.get(L"func=get_share_list&sid=%ls&dir=ASC&limit=%d&sort=filename&start=%d", call.sid(), limit,
              *start);
     CShareLinkListJson reply;
+    reply.room = capacity;
     if (!call.ask(reply)) return call.end();
 
     *start = reply.total;
-    if (capacity < reply.links.size()) {
+    if (reply.number > capacity) {
         call.failAs(WFM_PARSE_XML_BUFFER_NOT_ENOUGH, "WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
         return call.end();
     }
@@ -31,7 +45,7 @@ uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const wchar_t* server, 
         if (link.szFileName[0] == L'\0') continue;
         while (entry < capacity && list[entry] == nullptr) ++entry;
         if (entry == capacity) break;
-        *list[entry++] = link;
+        Fill(*list[entry++], link);
         ++*count;
     }
     return call.end();

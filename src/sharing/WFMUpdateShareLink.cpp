@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <cwchar>
-
 #include "sharing/WebFileManCreateLinkXml.h"
 #include "sharing/linkform.h"
 #include "sharing/linkplace.h"

@@ -20,13 +20,14 @@ uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
     call.get(L"func=nubo_get_my_event&sid=%ls&event_type=%d&lower=%d&upper=%d", call.sid(), eventType, lower,
              upper);
     CShareGetEventJson reply;
+    reply.room = capacity;
     if (!call.ask(reply)) return call.end();
 
     call.setResult(reply.GetStatus());
     if (reply.GetStatus() != 0) return call.end();
     *total = reply.total;
     // Those that are dropped below count, too.
-    if (capacity < reply.events.size())
+    if (reply.number > capacity)
         return call.fail(WFM_PARSE_XML_BUFFER_NOT_ENOUGH,
                          "[WFMShare] WebFileManGetMyEvent: WFM_PARSE_XML_BUFFER_NOT_ENOUGH");
     for (const _WFM_TORVI_EVENT_INFORMATION& event : reply.events) {

@@ -25,7 +25,7 @@ uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, const wchar_t* ser
         if (members[i] == nullptr) continue;
         const std::string index = std::to_string(told++);
         if (!call.usesSyncService()) call.field(("event_id" + index).c_str(), members[i]->dwEventID);
-        // Encoded once more than a form's fields are; the server decodes twice.
+        // Encoded once more than a form's fields are; the server decodes names twice.
         call.field(("user" + index).c_str(), Encoded(members[i]->szName));
         call.field(("action" + index).c_str(), members[i]->dwAction);
     }
