@@ -68,10 +68,11 @@
 /// | 34           | on another node               | 1244         | the session has ended                   |
 /// | 50           | not supported                 | 5003         | the new name exists already             |
 /// | 53           | the server can't be reached   | 87           | a number or a path is invalid           |
+/// |              |                               | 122          | the list or the buffer is too small     |
 ///
 /// Each call uses client codes or system-style numbers, never both for the same thing; its table says which.
 /// A few have numbers of their own: 8 of WFMGetDomainIPList, 14 and 16 to 19 of the logins that may want a
-/// second step.
+/// second step, 6 (mail) and 7 (time) of the calls that make and change links.
 ///
 /// @section arguments Arguments that are the same everywhere
 ///
@@ -134,8 +135,8 @@
 ///     for (uint32_t i = 0; i < count; ++i) delete list[i];
 ///     delete[] list;
 ///
-/// Texts in records are always terminated, but for some of _WFM_TORVI_TEAM_FOLDER_INFORMATION. A text from the
-/// server never overruns its field.
+/// Texts in records are always terminated, but for some of _WFM_TORVI_TEAM_FOLDER_INFORMATION. A text from
+/// the server never overruns its field.
 
 #ifndef WEBFILEMANAPI_H
 #define WEBFILEMANAPI_H

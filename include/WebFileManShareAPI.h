@@ -118,10 +118,11 @@ struct _WFM_SHARE_LINK_INFO {
     wchar_t szLinkName[260];
     bool bIsFolder;
     bool bMultiple;           ///< it holds more than one item: WFMGetShareLinkItemList
-    wchar_t szReserved[260];  ///< empty
+    wchar_t szReserved[260];  ///< left as it is
 };
 
-/// One item of a link, from WFMGetShareLinkItemList.
+/// One item of a link, from WFMGetShareLinkItemList. One with a name of 2048 characters or more counts as
+/// without a name.
 struct _WFM_SHARE_LINK_ITEM_INFO {
     wchar_t szFileName[2048];  ///< terminated, never empty
     bool bIsFolder;
@@ -411,7 +412,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviFindShare(_WFM_AUTH_CONTEXT* context, const wch
 /// | 0        | 0           | 0          | it is there and shared: `information` is filled                |
 /// | 0        | 0           | 2          | it is gone: `information` is filled with what the server still |
 /// |          |             |            | says                                                           |
-/// | 0        | 0           | 13         | the reply lacks what it must have, or the folder isn't shared  |
+/// | 0        | 0           | 13         | the reply lacks what it must have, or the folder isn't shared: |
+/// |          |             |            | `information` stays zero                                       |
 /// | 0        | client code | -1         | refused: the server's status                                   |
 /// | 8        | -1          | -1         | nothing sent: sync service, and the path lies in a team folder |
 /// |          |             |            | that this user has received, by WFMUpdateTeamFolderInfo        |
@@ -427,7 +429,8 @@ TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* co
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param targetCount  number of users, not 0
 /// @param targets      their names, none of them null; not null
-/// @param path         the folder; not null or empty. The "/" in front of "/home/" isn't sent
+/// @param path         the folder; not null or empty. The "/" in front of "/home/" isn't sent, in whatever
+///                     case "home" is written
 /// @param capacity     wide characters in `pid`, not 0; 260 is always enough
 /// @param reserved     null
 /// @param pid          receives the job's process id if the server names one, otherwise untouched: begin with
@@ -679,8 +682,8 @@ TORVIAPI_EXPORT uint32_t WebFileManSetShareMember(_WFM_AUTH_CONTEXT* context, co
 ///     for (uint32_t i = 0; i < entries; ++i)
 ///         if (list[i] != nullptr) delete[] std::exchange(list[i]->pszDescription, nullptr);
 ///
-/// Users without a name aren't handed out. Twice: safe, once the descriptions are freed; set `count` to what
-/// the list holds before each call. Next: the following page, or WebFileManShareTo.
+/// Users for whom the server sends no name aren't handed out. Twice: safe, once the descriptions are freed;
+/// set `count` to what the list holds before each call. Next: the following page, or WebFileManShareTo.
 TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                uint32_t port, uint32_t userType, const wchar_t* domain,
                                                const wchar_t* netbios, const wchar_t* filter, uint32_t lower,
@@ -884,7 +887,8 @@ TORVIAPI_EXPORT uint32_t WFMFixTeamFolderLink(_WFM_AUTH_CONTEXT* context, const 
 /// @name Public links
 /// A link is a URL under which the server hands a file or folder to whoever opens it. The server names it by
 /// an id, the ssid. Links belong to the web file manager: these calls ask its CGI in a session of either
-/// service; in one of the sync service `slaveID` counts as elsewhere.
+/// service; in one of the sync service `slaveID` counts as elsewhere. In one of the web file manager it
+/// doesn't route, but where the host text of a link and `szSlaveID` name a node, they name it all the same.
 ///
 /// | Call                     | Makes a link    | The URL goes to | Too small a buffer or list                    |
 /// |--------------------------|-----------------|-----------------|-----------------------------------------------|
@@ -978,7 +982,8 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, con
 /// @param reserved      null
 /// @param linkCapacity  in: wide characters in `link`. Out: what it must be, at 9; otherwise unchanged. Not
 ///                      null, also without a link buffer
-/// @param link          receives the URL; null: not wanted. 2048 is always enough. **A URL of exactly
+/// @param link          receives the URL, empty if the server tells none or one of 2048 bytes or more; null:
+///                      not wanted. 2048 is always enough. **A URL of exactly
 ///                      `linkCapacity` characters is copied without a terminator**: pass one less than the
 ///                      buffer has, and terminate it before the call
 /// @param expireTimeOut receives when the link ends, as the server writes it, maybe empty; **it must hold
@@ -1032,6 +1037,7 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar
 /// | 0        | client code | refused: the client code of the server's status           |
 /// | 8        | untouched   | no record; without newShare no hostname or no list        |
 /// | 8        | -1          | without newShare the first path of the list has no folder |
+/// |          |             | or the list names none                                    |
 ///
 /// The team folders themselves ("/home/.Torvi/<name>") may be listed together if one node holds them; the
 /// request then names their places on the server. Twice: the same link, with newShare up to the server. Next:
@@ -1103,7 +1109,8 @@ TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wc
 /// @param linkName      the new name; null or empty: stays
 /// @param further       not null or empty; not sent
 /// @param nameOnly      true: hostname, expireTime, further, linkCapacity and link may be null, the type
-///                      numbers may be anything, and no host is sent
+///                      numbers may be anything, and no host is sent. All else goes out as given: no
+///                      access code takes the old one away. A link buffer is filled all the same
 /// @param reserved      null
 /// @param linkCapacity  in: wide characters in `link`. Out: what it must be, at 7; otherwise unchanged
 /// @param link          receives the changed URL; 260 is always enough, a longer URL is cut
@@ -1136,7 +1143,8 @@ TORVIAPI_EXPORT uint32_t WFMUpdateShareLink(_WFM_AUTH_CONTEXT* context, const wc
 /// @param path          the path that was shared; not null or empty, also with ids. If it lies in a team
 ///                      folder, that folder's node is asked; it is sent as given, and only without ids
 /// @param downloadLink  the link's URL; may be null if there are ids
-/// @param ssids         the ids, in the server's own notation; null or empty: by path and URL
+/// @param ssids         the ids, in the server's own notation; null or empty: by path and URL. They stand in
+///                      a URL, which is cut at 2047 characters: some fifty at a time
 /// @param reserved      null
 /// @param resultWord    not null
 /// @return `dwStatus`
