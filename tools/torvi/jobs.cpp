@@ -2,6 +2,7 @@
 
 #include <WebFileManShareAPI.h>
 
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -14,6 +15,27 @@ namespace torvi {
 namespace {
 
 constexpr int kBetweenQuestionsMs = 250;
+constexpr qint64 kPatienceMs = 60000;
+
+void waitUntilDone(const JobWait& wait) {
+    if (wait.done()) return;
+    const Activity activity(wait.label, wait.quiet);
+    QElapsedTimer clock;
+    clock.start();
+    do {
+        if (clock.elapsed() > kPatienceMs) {
+            throw Failure(
+                Exit::Refused,
+                QStringLiteral("%1: the server agreed, but hasn't done it in a minute").arg(wait.what));
+        }
+        pause(kBetweenQuestionsMs);
+        if (interrupted()) {
+            Progress::endLine();
+            throw Failure(Exit::Cancelled,
+                          QStringLiteral("%1: cancelled, but the server goes on with it").arg(wait.what));
+        }
+    } while (!wait.done());
+}
 
 }  // namespace
 
@@ -58,6 +80,10 @@ void waitForJob(const Session& session, const JobWait& wait) {
                                                .arg(wait.what, wait.pid));
         }
     }
+}
+
+void waitForEnd(const Session& session, const JobWait& wait) {
+    wait.pid.isEmpty() ? waitUntilDone(wait) : waitForJob(session, wait);
 }
 
 void pause(int milliseconds) {

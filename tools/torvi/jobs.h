@@ -35,6 +35,8 @@ struct JobWait {
 
 /// Asks until the job has ended, with a bar. Throws if it fails.
 void waitForJob(const Session& session, const JobWait& wait);
+/// The same for a job that the server may not have named: then until `done` says so, and a minute at most.
+void waitForEnd(const Session& session, const JobWait& wait);
 /// Lets this thread's timers run for a while.
 void pause(int milliseconds);
 

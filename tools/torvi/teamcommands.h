@@ -1,0 +1,11 @@
+#pragma once
+
+#include "options.h"
+
+namespace torvi {
+
+// The commands below `torvi team`, by who gives them.
+void addTeamReceiverCommands(const Commands& commands);
+void addTeamOwnerCommands(const Commands& commands);
+
+}  // namespace torvi
