@@ -118,6 +118,7 @@ TEST_F(NasTeamList, FindsOwnSharesAtOrBelowAPathWhateverItsCase) {
     EXPECT_EQ("/home/Photos/", found["event"][0]["file"].asString());
     EXPECT_EQ(photosId(), found["event"][0]["share_id"].asString());
     EXPECT_EQ(3, find("/home/")["total"].asInt());
+    EXPECT_EQ(3, find("/")["total"].asInt());
     EXPECT_EQ(2, find("/home/plans")["event"][0]["event_status"].asInt());
     EXPECT_EQ(0, find("/home/Phot")["total"].asInt());
     EXPECT_EQ(400, get(cgi("func=nubo_find_share&sid=" + sid + "&file=&lower=0&upper=1")).http);

@@ -161,7 +161,8 @@ Answer findShare(Service& service, Request& request, httplib::Response&) {
     if (file.empty()) {
         throw Refusal("query key \"file\" is empty");
     }
-    const std::string top = lowerCase(withoutLastSlash(file));
+    // Below the root lies everything.
+    const std::string top = file == "/" ? "" : lowerCase(withoutLastSlash(file));
     const auto book = service.shares().read();
     std::vector<nlohmann::json> found;
     for (const Share& share : book->shares) {
