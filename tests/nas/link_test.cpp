@@ -120,6 +120,7 @@ protected:
 TEST_F(NasLinks, ALinkOpensForAnybody) {
     const Json::Value reply = link({});
     const std::string id = reply["ssid"].asString();
+    EXPECT_THAT(call("get_share_link", getForm({})).body, HasSubstr("\\/share.cgi?ssid="));
     EXPECT_EQ("http://nas.example.test:" + std::to_string(nas.port()) + "/share.cgi?ssid=" + id,
               reply["link_url"].asString());
     EXPECT_EQ("", reply["expire_time"].asString());
@@ -151,7 +152,7 @@ TEST_F(NasLinks, ALinkThatHasExpiredIsShut) {
     EXPECT_EQ(410, open(ssid({"specific_time", "2001/02/03 04:05", "", "", "a.txt"})).http);
     EXPECT_EQ(410, open(ssid({"period_of_time", "", "0", "", "a.txt"})).http);
     const Json::Value later = link({"specific_time", "2101/02/03 04:05", "", "", "a.txt"});
-    EXPECT_EQ("2101/02/03 04:05", later["expire_time"].asString());
+    EXPECT_EQ("2101-02-03T04:05", later["expire_time"].asString());
     EXPECT_EQ(200, open(later["ssid"].asString()).http);
     EXPECT_EQ(1, call("share_file", createForm({"period_of_time", "", "0", "", "a.txt"}))
                      .json()["time_error"]
@@ -164,6 +165,7 @@ TEST_F(NasLinks, ASelectionIsOneLink) {
     const NasReply reply = call("get_share_link", selectionForm({"a.txt", "b.txt"}));
     ASSERT_EQ(1, reply.status()) << reply.body;
     EXPECT_EQ(1, reply.json()["multiple"].asInt());
+    EXPECT_EQ("a.txt", reply.json()["link_name"].asString());
     const std::string id = reply.json()["ssid"].asString();
     EXPECT_EQ(id, reply.json()["links"][0]["ssid"].asString());
     const Json::Value items = get("/share.cgi?func=get_list&ssid=" + id).json();

@@ -7,6 +7,11 @@ using testing::HasSubstr;
 class NasShare : public NasSharing {
 protected:
     using NasSharing::NasSharing;
+
+    static std::vector<std::string> sorted(std::vector<std::string> names) {
+        std::sort(names.begin(), names.end());
+        return names;
+    }
 };
 
 class NasStuckShare : public NasShare {
@@ -54,6 +59,38 @@ TEST_F(NasShare, TheFileManagerAnswersByEvents) {
     EXPECT_EQ(2, event(benSid, 8, "/home/.Torvi/Photos")["event_status"].asInt());
     EXPECT_EQ("ben", event(sid, 4, "/home/Photos")["target_name"].asString());
     EXPECT_EQ(1, reach(benSid));
+}
+
+TEST_F(NasShare, TheFileManagerShowsTheTeamArea) {
+    write("homes/ben/.Torvi/own", "1");
+    shareWithBen();
+    const auto area = [&](const std::string& session) {
+        return get(manager(listQuery(session, "/home/.Torvi"))).json()["datas"];
+    };
+    EXPECT_EQ((std::vector<std::string>{"Pictures", "Plans", "Rules", "own"}), sorted(names(area(benSid))));
+    EXPECT_EQ(8, named(area(benSid), "filename", "Pictures")["nubo_type"].asInt());
+    EXPECT_EQ(photosId(), named(area(benSid), "filename", "Pictures")["nubo_share_id"].asString());
+    EXPECT_EQ(0U, area(carlSid).size());
+
+    const std::string inside = "/home/.Torvi/Pictures";
+    ASSERT_EQ(1, run(NasRequest::upload(manager(uploadQuery(benSid, inside)), "p", "picture")).status());
+    EXPECT_EQ("picture", nas.folder().read("homes/anna/Photos/p"));
+    EXPECT_EQ(4,
+              run(NasRequest::upload(manager(uploadQuery(benSid, "/home/.Torvi/Rules")), "p", "x")).status());
+    EXPECT_EQ(
+        1,
+        get(manager(statQuery(benSid, "/home/.Torvi", "Pictures"))).json()["datas"][0]["isfolder"].asInt());
+    EXPECT_EQ("7", get(manager("func=properties&sid=" + benSid + "&path=" + encoded("/home/.Torvi") +
+                               "&total=1&name=Pictures"))
+                       .json()["size"]
+                       .asString());
+    EXPECT_EQ(
+        4, post(manager("func=nubo_share_to"), shareForm(benSid, "home/.Torvi/Pictures", {"carl"})).status());
+    // Clients of the sync service know where the folder is.
+    EXPECT_EQ(5, get(cgi(listQuery(benSid, inside))).status());
+    ASSERT_EQ(0, byShare("nubo_team_folder_leave_share", benSid, photosId()).status());
+    EXPECT_EQ(5, get(manager(listQuery(benSid, inside))).status());
+    EXPECT_EQ(5, get(manager(statQuery(benSid, inside, "p"))).status());
 }
 
 TEST_F(NasShare, TeamFoldersOfOneUserHaveDifferentNames) {

@@ -70,7 +70,7 @@ int64_t expiryOf(const Fields& form) {
         return Link::kNever;
     }
     if (kind == "period_of_time") {
-        constexpr int64_t kMostHours = 1000000;
+        constexpr int64_t kMostHours = 200000000;
         const int64_t hours = numberField(form, "expire_time");
         if (hours < 0 || hours > kMostHours) {
             throw Refusal("form key \"expire_time\" is out of its range");
@@ -189,6 +189,21 @@ bool mail(Service& service, const Fields& form, const std::vector<Link>& links) 
     return true;
 }
 
+// Clients search this text for its keys and know each slash by the backslash before it, so that it holds
+// nothing that a user may choose freely, and the end of the link in a form without slashes and blanks.
+Answer toldAsText(const Link& link, httplib::Response& response) {
+    const nlohmann::json reply = {{"status", number(Status::Ok)},
+                                  {"ssid", link.ssid},
+                                  {"link_url", link.url},
+                                  {"expire_time", link.expireText("%Y-%m-%dT%H:%M")}};
+    std::string text;
+    for (const char c : reply.dump()) {
+        text += c == '/' ? "\\/" : std::string(1, c);
+    }
+    response.set_content(text, "application/json");
+    return {reply, true, link.ssid};
+}
+
 Answer told(const Link& link) {
     const nlohmann::json one = {{"ssid", link.ssid}, {"link_url", link.url}};
     return {{{"status", number(Status::Ok)},
@@ -254,7 +269,7 @@ void requireTypes(const Fields& form) {
 }
 
 // The link of a selection: the one that is there, or a new one.
-Answer getLink(Service& service, Request& request, httplib::Response&) {
+Answer getLink(Service& service, Request& request, httplib::Response& response) {
     const Fields form = readForm(request, "file_name");
     const bool selection = hasField(form, "new_share");
     requireShape(form, {selection ? selectionShape(form) : oneLinkShape(form)}, "form");
@@ -271,7 +286,7 @@ Answer getLink(Service& service, Request& request, httplib::Response&) {
     if (hasField(form, "addressee")) {
         mail(service, form, {link});
     }
-    return told(link);
+    return selection ? told(link) : toldAsText(link, response);
 }
 
 Answer result(const std::string& url, bool mailed, bool inTime) {

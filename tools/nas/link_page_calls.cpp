@@ -6,7 +6,7 @@ namespace nas {
 namespace {
 
 const User& ownerOf(Service& service, const Link& link) {
-    const User* owner = service.options().users.find(link.owner);
+    const User* owner = service.findUser(Endpoint::SharePage, link.owner);
     if (!owner) {
         throw Refusal("the owner of the link is gone", 404);
     }

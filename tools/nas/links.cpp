@@ -8,7 +8,7 @@ bool Link::over() const {
     return expires != kNever && expires <= std::time(nullptr);
 }
 
-std::string Link::expireText() const {
+std::string Link::expireText(const char* format) const {
     if (expires == kNever) {
         return "";
     }
@@ -16,7 +16,7 @@ std::string Link::expireText() const {
     struct tm parts {};
     char text[32] = "";
     ::localtime_r(&when, &parts);
-    std::strftime(text, sizeof text, "%Y/%m/%d %H:%M", &parts);
+    std::strftime(text, sizeof text, format, &parts);
     return text;
 }
 

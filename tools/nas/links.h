@@ -21,8 +21,8 @@ struct Link {
 
     static constexpr int64_t kNever = -1;
     bool over() const;
-    // "2026/12/31 18:00", empty for never.
-    std::string expireText() const;
+    // "2026/12/31 18:00" or another format, empty for never.
+    std::string expireText(const char* format = "%Y/%m/%d %H:%M") const;
 };
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Link, ssid, owner, nas, path, files, name, url, code, expires)

@@ -29,7 +29,7 @@ Answer getList(Service& service, Request& request, httplib::Response&) {
         entries = service.tree().list(user, folder);
     } catch (const StatusError& error) {
         // The team area is there for everyone, though no folder need stand for it.
-        bool teamArea = path == "/home/.Torvi" || path == "/home/.Torvi/";
+        const bool teamArea = path == kTeamArea || path == std::string(kTeamArea) + "/";
         if (!teamArea || error.status() != Status::Missing || !service.tree().homeExists(user)) {
             throw;
         }

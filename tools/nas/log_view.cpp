@@ -13,6 +13,11 @@ bool isTeamPath(const std::string& path) {
     return path.rfind(kScheme, 0) == 0;
 }
 
+// Of the user's own team area, for those who see it.
+bool inTeamArea(const User& user, const std::string& path) {
+    return user.seesTeamArea && liesBelow(path, kTeamArea);
+}
+
 // Of a folder that may be gone: where the nearest one above it lies, and the steps from there.
 std::string placeOfPath(Service& service, const User& user, const std::string& path) {
     std::string gone;
@@ -52,10 +57,9 @@ std::string withoutLastSlash(std::string path) {
 LogView::LogView(Service& service, const User& user) : log_(&service.changeLog()), shares_(true) {
     folders_.emplace_back(kHomes + "/" + user.name, "/home");
     const auto book = service.shares().read();
-    for (const Share& share : book->shares) {
-        const Event* part = book->partIn(share.id, user.name);
-        const User* owner = service.options().users.find(share.owner);
-        if (part && part->part == Part::Accepted && owner && share.nas == service.shares().nas()) {
+    for (const Event* part : book->receivedBy(service.shares().nas(), user.name)) {
+        const Share& share = *book->find(part->share);
+        if (const User* owner = service.options().users.find(share.owner)) {
             try {
                 folders_.emplace_back(placeOfPath(service, *owner, share.path), kScheme + share.team);
             } catch (const StatusError&) {
@@ -72,7 +76,8 @@ LogView::LogView(Service& service, const User& user, const std::string& folder) 
         return;
     }
     const std::string place = placeOfPath(service, user, path);
-    if (!isTeamPath(path) && liesBelow(place, kHomes) && !liesBelow(place, kHomes + "/" + user.name)) {
+    if (!isTeamPath(path) && !inTeamArea(user, path) && liesBelow(place, kHomes) &&
+        !liesBelow(place, kHomes + "/" + user.name)) {
         throw StatusError(Status::Denied, "the log of other homes is for their users");
     }
     folders_.emplace_back(place, path);

@@ -169,6 +169,7 @@ Fields readForm(Request& request, const std::string& repeating) {
 
 Service::Service(const Options& options, Faults& faults)
     : options_(options),
+      managerUsers_(options.users.asSeenByManager()),
       faults_(faults),
       shares_(options.root, options.sessionFolder, options.slaveId),
       tree_(options.root, options.users, shares_),
@@ -191,8 +192,12 @@ void Service::setPorts(int http, int tls) {
     tlsPort_ = tls;
 }
 
+const User* Service::findUser(Endpoint endpoint, const std::string& name) const {
+    return (isSync(endpoint) ? options_.users : managerUsers_).find(name);
+}
+
 const User& Service::authenticate(Request& request, const std::string& sid) {
-    const User* user = options_.users.find(sessions_.use(sid));
+    const User* user = findUser(request.endpoint, sessions_.use(sid));
     if (!user) {
         throw StatusError(Status::NotAuthenticated, "no such session");
     }

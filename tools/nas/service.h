@@ -52,6 +52,9 @@ public:
     int httpPort() const { return httpPort_; }
     int tlsPort() const { return tlsPort_; }
 
+    // As the user comes by way of this endpoint; null for an unknown name.
+    const User* findUser(Endpoint endpoint, const std::string& name) const;
+
     // While it boots, the sync service isn't there yet.
     bool booting() const { return booting_; }
     void endBoot() { booting_ = false; }
@@ -67,6 +70,7 @@ private:
     bool sendToTls(const Request& request, const Call& call, httplib::Response& response) const;
 
     const Options& options_;
+    const Users managerUsers_;
     Faults& faults_;
     Shares shares_;
     Tree tree_;

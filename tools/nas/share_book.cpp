@@ -53,6 +53,10 @@ std::string leafOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+std::string teamAreaPath(const Event& event) {
+    return std::string(kTeamArea) + "/" + event.display;
+}
+
 std::string pathFor(const std::string& user, const std::string& place) {
     const std::string home = "homes/" + user;
     return liesBelow(place, home) ? "/home" + place.substr(home.size()) : "/" + place;
@@ -83,6 +87,16 @@ const Share* ShareBook::findTeam(const std::string& nas, const std::string& team
 
 const Event* ShareBook::findEvent(int64_t id) const {
     return firstOf(events, [&](const Event& event) { return event.id == id; });
+}
+
+std::vector<const Event*> ShareBook::receivedBy(const std::string& nas, const std::string& user) const {
+    std::vector<const Event*> received;
+    for (const Event& event : events) {
+        if (event.part == Part::Accepted && event.receiver == user && find(event.share)->nas == nas) {
+            received.push_back(&event);
+        }
+    }
+    return received;
 }
 
 const Event* ShareBook::partIn(const std::string& share, const std::string& user) const {

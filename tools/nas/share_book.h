@@ -65,6 +65,8 @@ struct ShareBook {
     const Share* find(const std::string& id) const;
     const Share* findTeam(const std::string& nas, const std::string& team) const;
     const Event* findEvent(int64_t id) const;
+    // What the user received and accepted on that node.
+    std::vector<const Event*> receivedBy(const std::string& nas, const std::string& user) const;
     // The live event of that user; null if there is none.
     const Event* partIn(const std::string& share, const std::string& user) const;
     ShareSettings settingsOf(const std::string& user) const;
@@ -97,6 +99,9 @@ void to_json(nlohmann::json& json, const ShareBook& book);
 void from_json(const nlohmann::json& json, ShareBook& book);
 
 std::string leafOf(const std::string& path);
+// The receiver's path: clients show team folders side by side there.
+constexpr const char* kTeamArea = "/home/.Torvi";
+std::string teamAreaPath(const Event& event);
 // The path by which a user names something that lies at a place below the root, and back.
 std::string pathFor(const std::string& user, const std::string& place);
 std::string placeFor(const std::string& user, const std::string& path);

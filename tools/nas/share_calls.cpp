@@ -200,7 +200,7 @@ Answer shareTo(Service& service, Request& request, httplib::Response&) {
     const std::vector<std::string> targets = targetsOf(form);
     const std::string path = sharedPath(field(form, "file"));
     const User& user = userHere(service, request, field(form, "sid"));
-    if (path.rfind("vtf://", 0) == 0) {
+    if (path.rfind("vtf://", 0) == 0 || liesBelow(path, kTeamArea)) {
         throw StatusError(Status::Denied, "nobody shares what was shared with them");
     }
     const Folder folder = service.tree().open(user, path);

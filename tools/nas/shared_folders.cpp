@@ -3,17 +3,16 @@
 namespace nas {
 
 SharedFolders::SharedFolders(const ShareBook& book, const std::string& nas, const std::string& user) {
+    for (const Event* part : book.receivedBy(nas, user)) {
+        const Share& share = *book.find(part->share);
+        const Found found = {Role::Receiver, share.id};
+        folders_[placeFor(share.owner, share.path)] = found;
+        folders_[placeFor(user, teamAreaPath(*part))] = found;
+    }
+    // What is one's own share as well is that first.
     for (const Share& share : book.shares) {
-        if (share.nas != nas) {
-            continue;
-        }
-        const std::string place = placeFor(share.owner, share.path);
-        const Event* part = book.partIn(share.id, user);
-        if (share.owner == user) {
-            folders_[place] = {Role::Owner, share.id};
-        } else if (part && part->part == Part::Accepted) {
-            // A folder that is one's own share as well is that first.
-            folders_.insert({place, {Role::Receiver, share.id}});
+        if (share.nas == nas && share.owner == user) {
+            folders_[placeFor(user, share.path)] = {Role::Owner, share.id};
         }
     }
 }

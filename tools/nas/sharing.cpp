@@ -91,10 +91,6 @@ bool isThere(Service& service, const Share& share) {
     }
 }
 
-std::string teamAreaPath(const Event& event) {
-    return "/home/.Torvi/" + event.display;
-}
-
 std::vector<Shape> withNas(const Shape& shape) {
     Shape more = shape;
     more.emplace_back("nas_id");

@@ -22,8 +22,6 @@ constexpr const char* kNoShare = "--------";
 std::string markOf(const Folder& folder);
 // Whether the shared folder is where the book says. Of another node's nothing else is known.
 bool isThere(Service& service, const Share& share);
-// The receiver's path: clients show team folders side by side there.
-std::string teamAreaPath(const Event& event);
 
 // The shape, and with the node of the share at its end.
 std::vector<Shape> withNas(const Shape& shape);

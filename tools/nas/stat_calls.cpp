@@ -32,7 +32,7 @@ Answer stat(Service& service, Request& request, httplib::Response&) {
     const std::string shown = shownName(path, name);
     Folder folder = service.tree().open(user, path);
     if (hasField(query, "settime")) {
-        if (!folder.shares && !name.empty()) {
+        if (folder.fd && !folder.shares && !name.empty()) {
             service.locks().requireFree(user.name, folder, name);
         }
         service.tree().setTime(user, folder, name, numberField(query, "mtime"));

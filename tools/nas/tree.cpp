@@ -154,6 +154,56 @@ Folder Tree::openTeam(const User& user, const std::string& rest) const {
     return folder;
 }
 
+Folder Tree::openTeamArea(const User& user) const {
+    Folder area;
+    area.teamArea = true;
+    area.share = kHomes;
+    area.home = user.name;
+    area.below = {leafOf(kTeamArea)};
+    try {
+        area.fd = openFolderAt(openHome(user.name).get(), area.below[0]);
+    } catch (const StatusError& error) {
+        if (error.status() != Status::Missing) {
+            throw;
+        }
+    }
+    return area;
+}
+
+std::optional<Folder> Tree::received(const User& user, const std::string& display) const {
+    const auto book = shares_.read();
+    for (const Event* part : book->receivedBy(shares_.nas(), user.name)) {
+        if (part->display == display) {
+            return openTeam(user, book->find(part->share)->team);
+        }
+    }
+    return std::nullopt;
+}
+
+void Tree::listTeamArea(const User& user, std::vector<Entry>& out) const {
+    const auto book = shares_.read();
+    for (const Event* part : book->receivedBy(shares_.nas(), user.name)) {
+        try {
+            const Folder folder = openTeam(user, book->find(part->share)->team);
+            out.push_back(describe(folder, folder.fd.get(), part->display));
+        } catch (const StatusError&) {
+            // The owner's folder is gone.
+        }
+    }
+}
+
+std::optional<Entry> Tree::lookupInTeamArea(const User& user, const Folder& area,
+                                            const std::string& name) const {
+    if (name.empty()) {
+        return area.fd ? describe(area, area.fd.get(), name) : Entry{name, true, 0, 0, 0555};
+    }
+    checkName(name);
+    if (const std::optional<Folder> team = received(user, name)) {
+        return describe(*team, team->fd.get(), name);
+    }
+    return area.fd ? lookupThere(area, name) : std::nullopt;
+}
+
 Folder Tree::open(const User& user, const std::string& path) const {
     if (startsWith(path, kScheme)) {
         return openTeam(user, path.substr(std::strlen(kScheme)));
@@ -170,6 +220,18 @@ Folder Tree::open(const User& user, const std::string& path) const {
 }
 
 Folder Tree::down(const User& user, const Folder& from, const std::string& name) const {
+    const bool home = from.below.empty() && from.home == user.name;
+    if (user.seesTeamArea && home && name == leafOf(kTeamArea)) {
+        return openTeamArea(user);
+    }
+    if (from.teamArea) {
+        if (std::optional<Folder> team = received(user, name)) {
+            return std::move(*team);
+        }
+        if (!from.fd) {
+            throw StatusError(Status::Missing, "no team folder " + name);
+        }
+    }
     Folder folder;
     folder.fd = openChild(user, from, name);
     folder.readOnly = from.readOnly;
@@ -212,6 +274,12 @@ std::vector<Entry> Tree::list(const User& user, const Folder& folder) const {
         });
         return out;
     }
+    if (folder.teamArea) {
+        listTeamArea(user, out);
+        if (!folder.fd) {
+            return out;
+        }
+    }
     if (!describe(folder, folder.fd.get(), "folder").readable()) {
         throw StatusError(Status::Denied, "the folder may not be read");
     }
@@ -239,6 +307,9 @@ bool Tree::hasChild(const User& user, const Folder& folder, const std::string& n
 }
 
 std::optional<Entry> Tree::lookup(const User& user, const Folder& folder, const std::string& name) const {
+    if (folder.teamArea) {
+        return lookupInTeamArea(user, folder, name);
+    }
     if (name.empty() && !folder.shares) {
         return describe(folder, folder.fd.get(), name);
     }
@@ -253,6 +324,10 @@ std::optional<Entry> Tree::lookup(const User& user, const Folder& folder, const 
             throw;
         }
     }
+    return lookupThere(folder, name);
+}
+
+std::optional<Entry> Tree::lookupThere(const Folder& folder, const std::string& name) const {
     struct stat info {};
     if (::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno == ENOENT) {
@@ -274,13 +349,16 @@ int64_t Tree::totalSize(const User& user, const Folder& folder, const std::strin
     if (!entry->isFolder) {
         return entry->size;
     }
-    return name.empty() ? sumBelow(folder.fd.get()) : sumBelow(openChild(user, folder, name).get());
+    if (!name.empty()) {
+        return sumBelow(down(user, folder, name).fd.get());
+    }
+    return folder.fd ? sumBelow(folder.fd.get()) : 0;
 }
 
 Fd Tree::openFile(const Folder& folder, const std::string& name) const {
     checkName(name);
-    if (folder.shares) {
-        throw StatusError(Status::Missing, "no files beside the shares");
+    if (folder.shares || !folder.fd) {
+        throw StatusError(Status::Missing, "no files beside the shares or team folders");
     }
     // Not blocking: a fifo in the folder must not hold the thread.
     Fd fd(::openat(folder.fd.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
@@ -308,7 +386,10 @@ void Tree::setTime(const User& user, const Folder& folder, const std::string& na
     timespec times[2] = {{0, UTIME_OMIT}, {static_cast<time_t>(mtime), 0}};
     Fd share;
     int result = 0;
-    if (folder.shares || name.empty()) {
+    const std::optional<Folder> team = folder.teamArea ? received(user, name) : std::nullopt;
+    if (team) {
+        result = ::futimens(team->fd.get(), times);
+    } else if (folder.shares || name.empty()) {
         share = folder.shares ? openShare(user, name) : Fd();
         result = ::futimens(share ? share.get() : folder.fd.get(), times);
     } else {

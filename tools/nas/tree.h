@@ -38,6 +38,8 @@ struct Folder {
     std::string share;                    // the folder of the root in which it lies
     std::string home;                     // whose home it lies in, if it is one
     std::vector<std::string> below = {};  // the steps down from that home or share
+    // Team folders stand in it beside what is really there; it may be no real folder at all.
+    bool teamArea = false;
 
     // The folder of all homes, whose children come and go with the users.
     bool holdsHomes() const;
@@ -47,8 +49,9 @@ struct Folder {
 };
 
 // The folder that is served, seen through one user's eyes: "/home" is the user's own folder, the other top
-// folders are shares, and "vtf://<id>/" is a team folder. Every step down is taken by openat without
-// following symbolic links, so no path, and no race, leads out of the root.
+// folders are shares, and "vtf://<id>/" is a team folder, which also stands in the team area of who sees
+// that. Every step down is taken by openat without following symbolic links, so no path, and no race, leads
+// out of the root.
 class Tree {
 public:
     Tree(const std::string& root, const Users& users, const Shares& shares);
@@ -74,6 +77,13 @@ private:
     Fd openChild(const User& user, const Folder& folder, const std::string& name) const;
     Folder down(const User& user, const Folder& from, const std::string& name) const;
     Folder openTeam(const User& user, const std::string& rest) const;
+    Folder openTeamArea(const User& user) const;
+    // The team folder that the user calls so.
+    std::optional<Folder> received(const User& user, const std::string& display) const;
+    std::optional<Entry> lookupThere(const Folder& folder, const std::string& name) const;
+    std::optional<Entry> lookupInTeamArea(const User& user, const Folder& area,
+                                          const std::string& name) const;
+    void listTeamArea(const User& user, std::vector<Entry>& out) const;
     Entry describe(const Folder& folder, int fd, const std::string& name) const;
 
     const Users& users_;

@@ -51,6 +51,14 @@ void Users::addSecondFactor(const std::string& rule) {
     it->second.second.add(rule.substr(colon + 1));
 }
 
+Users Users::asSeenByManager() const {
+    Users users = *this;
+    for (auto& [name, user] : users.users_) {
+        user.seesTeamArea = true;
+    }
+    return users;
+}
+
 const User* Users::find(const std::string& name) const {
     auto it = users_.find(name);
     return it == users_.end() ? nullptr : &it->second;

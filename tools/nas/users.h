@@ -13,6 +13,8 @@ struct User {
     std::string password;
     bool admin = false;
     int64_t quota = -1;  // bytes that the home may hold; -1 is no limit
+    // By way of the file manager, whose clients leave paths of the team area as they are.
+    bool seesTeamArea = false;
     SecondFactor second;
 };
 
@@ -27,6 +29,9 @@ public:
     void setQuota(const std::string& rule);
     // "name:" and what SecondFactor takes.
     void addSecondFactor(const std::string& rule);
+
+    // The same users, who come by way of the file manager.
+    Users asSeenByManager() const;
 
     const User* find(const std::string& name) const;
     // The user, if the password is right.
