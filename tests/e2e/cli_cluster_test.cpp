@@ -1,46 +1,21 @@
-#include <fstream>
-#include <set>
-#include <sstream>
+#include "cli_cluster.h"
 
-#include "cli_support.h"
-#include "support/nginx.h"
+#include <set>
 
 using testing::HasSubstr;
 using Json = nlohmann::json;
 
 namespace {
 
-/// Two nodes behind a front end; a folder that ben shares with anna lies on the second one.
-class CliCluster : public testing::Test {
+/// A folder that ben shares with anna lies on the second node.
+class CliCluster : public CliClusterTest {
 protected:
-    CliCluster() { cli.goThrough(front.port()); }
+    CliCluster() : CliClusterTest({"--team", "ben:/home/Plans:anna"}) {}
 
-    static Nas::Options node(const TempDir& sessions, const std::string& id) {
-        Nas::Options options;
-        options.arguments = {"--slave-id",          id,       "--session-dir",
-                             sessions.file("sids"), "--team", "ben:/home/Plans:anna"};
-        return options;
-    }
-    static std::string templateText() {
-        std::ifstream in(NGINX_CLUSTER_TEMPLATE);
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
     ProcessResult run(std::vector<std::string> arguments) const {
         arguments.insert(arguments.end(), {"--team", "/home/.Torvi/Plans=vtf://ben-Plans@node2"});
         return cli.run(std::move(arguments));
     }
-
-    TempDir sessions;
-    Nas master{node(sessions, "master")};
-    Nas other{node(sessions, "node2")};
-    Nginx front{templateText(),
-                {{"MASTER", "127.0.0.1:" + std::to_string(master.port())},
-                 {"MASTER_ID", "master"},
-                 {"NODE", "127.0.0.1:" + std::to_string(other.port())},
-                 {"NODE_ID", "node2"}}};
-    Cli cli{master};
 };
 
 }  // namespace
@@ -89,4 +64,28 @@ TEST_F(CliCluster, AKeptSessionStaysThatOfItsNode) {
     const ProcessResult logout = cli.runWithoutPassword({"logout", "--json"});
     EXPECT_EQ(Json::parse(logout.out)["sessionsEnded"], 1) << logout.err;
     EXPECT_EQ(master.requestCount("logout"), 1);
+}
+
+TEST_F(CliCluster, ALinkIsKeptAndOpenedByTheNodeThatHasTheFile) {
+    other.folder().write("homes/ben/Plans/plan", "the plan");
+    other.folder().write("homes/ben/Plans/map", "the map");
+    const auto json = [this](std::vector<std::string> arguments) {
+        arguments.push_back("--json");
+        const ProcessResult result = run(std::move(arguments));
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        return Json::parse(result.out, nullptr, false);
+    };
+    const Json one = json({"link", "create", "/home/.Torvi/Plans/plan"});
+    EXPECT_EQ(visit(one["url"]).body, "the plan");
+    const Json both = json({"link", "create", "/home/.Torvi/Plans/plan", "/home/.Torvi/Plans/map"});
+    EXPECT_EQ(visit(both["url"].get<std::string>() + "&file=map").body, "the map");
+    EXPECT_EQ(json({"link", "list"})["count"], 0);
+    EXPECT_EQ(json({"link", "list", "--node", "node2"})["count"], 2);
+    json({"link", "update", one["id"], "--code", "sesame", "--expires", "never", "--node", "node2"});
+    EXPECT_EQ(visit(one["url"]).status, 403);
+    EXPECT_EQ(visit(one["url"].get<std::string>() + "&access_code=sesame").body, "the plan");
+    EXPECT_EQ(json({"link", "delete", one["id"], "--node", "node2"})["deleted"], true);
+    EXPECT_EQ(visit(one["url"]).status, 404);
+    EXPECT_EQ(master.requestCount("share"), 0);
+    EXPECT_EQ(other.requestCount("refused"), 2) << other.log();
 }

@@ -115,6 +115,14 @@ private:
     TempDir m_state, m_work;
 };
 
+/// Runs a command that must succeed, and gives its document.
+inline nlohmann::json jsonOf(const Cli& who, std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--json", "--quiet"});
+    const ProcessResult result = who.run(arguments);
+    EXPECT_EQ(result.exitCode, 0) << arguments[0] << ": " << result.err;
+    return nlohmann::json::parse(result.out, nullptr, false);
+}
+
 /// A server with these options, too.
 inline Nas::Options nasWith(std::vector<std::string> arguments) {
     Nas::Options options;
@@ -136,13 +144,7 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 
-    /// Runs a command that must succeed, and gives its document.
-    nlohmann::json runJson(std::vector<std::string> arguments) {
-        arguments.insert(arguments.end(), {"--json", "--quiet"});
-        const ProcessResult result = cli.run(arguments);
-        EXPECT_EQ(result.exitCode, 0) << arguments[0] << ": " << result.err;
-        return nlohmann::json::parse(result.out, nullptr, false);
-    }
+    nlohmann::json runJson(std::vector<std::string> arguments) { return jsonOf(cli, std::move(arguments)); }
     /// The next request for that func gets this reply, and isn't served.
     int answer(const std::string& func, const std::string& reply) {
         const nlohmann::json fault = {{"name", "reply"}, {"match", func}, {"content", reply}};
