@@ -7,9 +7,11 @@ bin=$(readlink -f "$1")
 megabytes=${2:-200}
 scratch=$(mktemp -d)
 nas_root=$scratch/nas
+nginx_template=$(dirname "$(readlink -f "$0")")/nas/nginx-cluster.conf.in
 nas_log=$scratch/nas.log
 local_files=$scratch/mine
 nas=
+cluster=()
 
 stop_nas() {
     [ -n "$nas" ] || return 0
@@ -18,10 +20,18 @@ stop_nas() {
     nas=
 }
 
+stop_cluster() {
+    [ ${#cluster[@]} -gt 0 ] || return 0
+    kill "${cluster[@]}" 2>/dev/null || true
+    wait "${cluster[@]}" 2>/dev/null || true
+    cluster=()
+}
+
 clean_up() {
     local status=$?
     trap - EXIT
     stop_nas
+    stop_cluster
     rm -rf "$scratch"
     exit "$status"
 }
@@ -72,17 +82,57 @@ start_nas() {
     "$bin/torvi-nas" --root "$nas_root" --user alice:wonderland --user bob:builder --user carol:singer \
         --port 0 --tls-port 0 "$@" >"$nas_log" 2>&1 </dev/null &
     nas=$!
-    local ready=
-    for _ in $(seq 200); do
-        ready=$(grep -m 1 '^torvi-nas ready' "$nas_log" || true)
-        [ -z "$ready" ] || break
-        kill -0 "$nas" 2>/dev/null || break
-        sleep 0.05
-    done
-    [ -n "$ready" ] || { cat "$nas_log" >&2; die "the NAS did not start"; }
+    local ready
+    ready=$(ready_line "$nas_log" "$nas")
     http_port=$(sed -n 's/.* http=[^ ]*:\([0-9]*\).*/\1/p' <<<"$ready")
     tls_port=$(sed -n 's/.* tls=[^ ]*:\([0-9]*\).*/\1/p' <<<"$ready")
     printf '%s\n' "${ready/$nas_root/nas}"
+}
+
+# What the NAS of that log and process says once it takes requests.
+ready_line() {
+    local ready=
+    for _ in $(seq 200); do
+        ready=$(grep -m 1 '^torvi-nas ready' "$1" || true)
+        [ -z "$ready" ] || break
+        kill -0 "$2" 2>/dev/null || break
+        sleep 0.05
+    done
+    [ -n "$ready" ] || { cat "$1" >&2; die "the NAS did not start"; }
+    printf '%s\n' "$ready"
+}
+
+# A node of a cluster; its port becomes node_port.
+start_node() {
+    typed "torvi-nas --root $1 --slave-id $1 --session-dir common --user alice:... --user bob:... &"
+    "$bin/torvi-nas" --root "$scratch/$1" --slave-id "$1" --session-dir "$scratch/common" --user alice:wonderland \
+        --user bob:builder --port 0 >"$scratch/$1.log" 2>&1 </dev/null &
+    cluster+=($!)
+    node_port=$(ready_line "$scratch/$1.log" $! | sed -n 's/.* http=[^ ]*:\([0-9]*\).*/\1/p')
+}
+
+# nginx before the nodes at these ports, on a port that is free: front_port.
+start_front_end() {
+    local nginx
+    nginx=$(PATH=$PATH:/usr/sbin command -v nginx)
+    typed "nginx -c cluster.conf &"
+    mkdir -p "$scratch/front"
+    for _ in $(seq 20); do
+        front_port=$((20000 + RANDOM % 12000))
+        sed -e "s|@DIR@|$scratch/front|; s|@PORT@|$front_port|; s|@MASTER@|127.0.0.1:$1|; s|@MASTER_ID@|north|" \
+            -e "s|@NODE@|127.0.0.1:$2|; s|@NODE_ID@|south|" "$nginx_template" >"$scratch/front/cluster.conf"
+        "$nginx" -p "$scratch/front" -e stderr -c "$scratch/front/cluster.conf" 2>"$scratch/front.log" &
+        local pid=$!
+        while kill -0 "$pid" 2>/dev/null; do
+            if (exec 3<>"/dev/tcp/127.0.0.1/$front_port") 2>/dev/null && kill -0 "$pid" 2>/dev/null; then
+                cluster+=("$pid")
+                return
+            fi
+            sleep 0.05
+        done
+    done
+    cat "$scratch/front.log" >&2
+    die "nginx did not start"
 }
 
 digest() { sha256sum <"$1" | cut -d ' ' -f 1; }
@@ -95,7 +145,7 @@ cd "$local_files"
 step "A NAS: the stand-in server on a scratch folder, over HTTP and TLS"
 fill_nas
 # One upload in slices will break off; jobs take a while, so that there is something to see.
-start_nas --team alice:/home/Archive:bob --quota carol:5000000 --second-factor carol:code=271828 --job-delay 1500 \
+start_nas --mail-dir mails --quota carol:5000000 --second-factor carol:code=271828 --job-delay 1500 \
     --fail "cut-upload,match=chunked_upload,bytes=$((megabytes * 400000))"
 
 step "Who is there? The questions that need no login"
@@ -150,6 +200,7 @@ say "Sent in two runs, and every byte the same."
 
 step "Make folders, rename, and move a folder: a job on the server, watched from the side"
 shown torvi mkdir -p /home/Trips/2024/Iceland
+shown torvi mkdir /home/Archive
 shown torvi mv /home/film.mov /home/iceland.mov
 shown torvi mv /home/iceland.mov /home/Trips/2024/Iceland/
 typed "torvi mv --check /home/Trips /home/Archive/ &"
@@ -191,14 +242,52 @@ shown torvi get "/home/@Versions/$version/content" before.txt --quiet
 say "before: $(cat before.txt)"
 say "now:    $(cat one.txt)"
 
-step "A team folder: alice shares /home/Archive, bob sees it as /home/.Torvi/Archive"
-as_bob=(--user bob --team /home/.Torvi/Archive=vtf://alice-Archive)
+step "Two users: alice shares a folder, bob is asked, accepts, and works in it"
+shown torvi users
+shown torvi team share /home/Archive bob
 export TORVI_PASSWORD=builder
+shown torvi team list --user bob
+shown torvi team accept Archive --user bob
+as_bob=(--user bob --team /home/.Torvi/Archive=vtf://alice-Archive)
 printf 'From Bob\n' >greeting.txt
 shown torvi put greeting.txt /home/.Torvi/Archive/ --quiet "${as_bob[@]}"
 shown torvi ls /home/.Torvi/Archive "${as_bob[@]}"
 unset TORVI_PASSWORD
 shown torvi stat /home/Archive/greeting.txt
+say "Now bob may only read, and then not even that:"
+shown torvi team set-member Archive bob=read
+shown torvi team members Archive
+TORVI_PASSWORD=builder refused 6 torvi rm /home/.Torvi/Archive/greeting.txt "${as_bob[@]}"
+shown torvi team unshare Archive --dry-run
+shown torvi team unshare Archive
+TORVI_PASSWORD=builder refused 5 torvi ls /home/.Torvi/Archive "${as_bob[@]}"
+
+step "A public link: whoever has the address and the code opens it, without an account"
+visit() { curl --silent --insecure --noproxy '*' "$@"; }
+must_show() { [ "$1" = "$2" ] || die "the link showed '$2', not '$1'"; }
+printf 'Come on Friday\n' >invitation.txt
+shown torvi put invitation.txt /home/Archive/ --quiet
+shown torvi link create /home/Archive/invitation.txt --code sesame --expires 7d
+link=$(torvi link list --json | sed -n 's/.*"url": "\(.*\)".*/\1/p')
+say "Without the code, then with it:"
+typed "curl '$link' -w '%{http_code}'"
+must_show 403 "$(visit "$link" -o refusal.txt -w '%{http_code}' | tee /dev/stderr)"
+printf '\n'
+typed "curl '$link&access_code=sesame'"
+visit "$link&access_code=sesame" | tee from-the-link.txt
+cmp invitation.txt from-the-link.txt
+shown torvi link mail "$link" --to dora@example.test --text 'You are invited:' --code sesame
+say "What the server mailed:"
+sed -n '/^To:/p; /^Subject:/p; /^\r*$/,$p' mails/0001.eml | tr -d '\r' | sed 's/^/   /'
+shown torvi link update "$link" --no-code --expires 2001-01-01
+must_show 410 "$(visit "$link" -o refusal.txt -w '%{http_code}')"
+say "It has ended: HTTP 410 for everybody."
+shown torvi link delete "$link"
+must_show 404 "$(visit "$link" -o refusal.txt -w '%{http_code}')"
+
+step "What a user can set of sharing"
+shown torvi settings
+shown torvi settings policy accept
 
 step "What the server recorded of it: the last changes, with what made them"
 shown torvi log --last 8
@@ -224,6 +313,29 @@ step "Log out: the session ends on the server, too"
 shown torvi logout
 requests=$(grep -c 'cgi-bin' "$nas_log" || true)
 stop_nas
+
+step "Two nodes of a cluster: what alice shares on one of them, bob receives by way of the other"
+mkdir -p "$scratch/south/homes/alice/Harvest"
+printf 'Apples, pears\n' >"$scratch/south/homes/alice/Harvest/list.txt"
+start_node north
+north_port=$node_port
+start_node south
+south_port=$node_port
+start_front_end "$north_port" "$south_port"
+export TORVI_SERVER=127.0.0.1 TORVI_PASSWORD=wonderland
+shown torvi team share /home/Harvest bob --port "$south_port" --user alice
+export TORVI_PASSWORD=builder
+shown torvi team accept Harvest --port "$front_port" --user bob
+shown torvi get /home/.Torvi/Harvest/list.txt --port "$front_port" --user bob --quiet \
+    --team /home/.Torvi/Harvest=vtf://alice-Harvest@south
+cmp list.txt "$scratch/south/homes/alice/Harvest/list.txt"
+say "The bytes came from the other node:"
+grep 'func=download' "$scratch/south.log" | tail -n 1 | sed 's/^/   /'
+shown torvi team leave Harvest --port "$front_port" --user bob
+unset TORVI_SERVER
+export TORVI_PASSWORD=wonderland
+requests=$((requests + $(cat "$scratch/north.log" "$scratch/south.log" | grep -c 'cgi-bin' || true)))
+stop_cluster
 
 step "The same folder on an old server: the older service is found by itself"
 nas_log=$scratch/old-nas.log
