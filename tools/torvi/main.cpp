@@ -38,6 +38,13 @@ void startLog(bool verbose) {
     }
 }
 
+/// Whether a command stands wherever one must.
+bool namesCommand(const CLI::App& app) {
+    if (app.get_require_subcommand_min() == 0) return true;
+    const auto chosen = app.get_subcommands();
+    return !chosen.empty() && namesCommand(*chosen.front());
+}
+
 int run(const torvi::GlobalOptions& global, const torvi::Action& action) {
     using namespace torvi;
     const InterruptWatch watch([&global] {
@@ -92,11 +99,15 @@ int main(int argc, char** argv) {
     torvi::addTrashCommands(commands);
     torvi::addJobCommand(commands);
     torvi::addVersionCommands(commands);
+    torvi::addTeamCommands(commands);
+    torvi::addUsersCommand(commands);
+    torvi::addLinkCommand(commands);
+    torvi::addSettingsCommand(commands);
     torvi::addFooter(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& help) {
-        if (app.remaining_size() == 0 || !app.get_subcommands().empty()) return app.exit(help);
+        if (app.remaining_size() == 0 || namesCommand(app)) return app.exit(help);
         std::fprintf(stderr, "torvi: %s: no such command\nRun torvi --help for more information.\n",
                      app.remaining().front().c_str());
         return static_cast<int>(torvi::Exit::Usage);

@@ -60,6 +60,10 @@ void addMoveCommand(const Commands& commands);
 void addTrashCommands(const Commands& commands);
 void addJobCommand(const Commands& commands);
 void addVersionCommands(const Commands& commands);
+void addTeamCommands(const Commands& commands);
+void addUsersCommand(const Commands& commands);
+void addLinkCommand(const Commands& commands);
+void addSettingsCommand(const Commands& commands);
 
 /// Adds a command whose one argument is a path on the server.
 void addPathCommand(const Commands& commands, const char* name, const char* help,

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <string>
+
+namespace torvi {
+
+/// How long a link is good, as the calls take it.
+struct LinkEnd {
+    uint32_t durationType = 1;  ///< of gValidDurationTypes
+    std::wstring date;          ///< for type 2, by the server's clock
+    std::wstring hours = L"0";  ///< for type 3; some calls want it in any case
+
+    /// "" for a link that stays.
+    QString text() const;
+};
+
+/// The same for an end as the server writes it; its calls have different ways.
+QString endText(QString server);
+
+/// never, a period such as 12h, 7d or 2w, or a date with or without a time. Throws the usage failure of
+/// `what`.
+LinkEnd parseLinkEnd(const QString& what, const QString& text);
+
+}  // namespace torvi
