@@ -1,10 +1,8 @@
-#include <fstream>
-#include <sstream>
+#include "lib_cluster.h"
 
 #include "WebFileManShareAPI.h"
 #include "lib_login.h"
 #include "lib_state.h"
-#include "support/nginx.h"
 #include "support/progress.h"
 
 using namespace e2e;
@@ -12,25 +10,11 @@ using testing::ElementsAre;
 
 namespace {
 
-/// The front end of the stand-in server's own cluster, which listens with TLS as well.
-std::string templateText() {
-    std::ifstream in(NGINX_CLUSTER_TEMPLATE);
-    std::ostringstream text;
-    text << in.rdbuf();
-    const std::string listen = "listen 127.0.0.1:@PORT@;";
-    std::string result = text.str();
-    return result.replace(result.find(listen), listen.size(),
-                          listen +
-                              " listen 127.0.0.1:@TLS_PORT@ ssl; ssl_certificate @CERT@; "
-                              "ssl_certificate_key @KEY@;");
-}
-
 /// Two nodes with one set of sessions, behind a front end that knows them by their ids.
 class LibCluster : public testing::TestWithParam<Road> {
 protected:
-    static std::vector<std::string> node(const TempDir& sessions, const std::string& id) {
-        return {"--slave-id",          id,       "--server-name",       "host of " + id, "--session-dir",
-                sessions.file("sids"), "--team", "ben:/home/Plans:anna"};
+    static Nas::Options node(const TempDir& sessions, const std::string& id) {
+        return nodeOptions(sessions, id, {"--team", "ben:/home/Plans:anna"});
     }
     Login loginAtTheFront() {
         Login login;
@@ -52,16 +36,12 @@ protected:
             return TorviActivateSid(kServer, client.port(), client.context(), node, result);
         });
     }
-    std::uint16_t frontPort() const { return GetParam().tls ? front.tlsPort() : front.port(); }
+    std::uint16_t frontPort() const { return portOf(front, GetParam()); }
 
     TempDir sessions;
-    Nas master{withArguments(node(sessions, "master"))};
-    Nas other{withArguments(node(sessions, "node2"))};
-    Nginx front{templateText(),
-                {{"MASTER", "127.0.0.1:" + std::to_string(master.port())},
-                 {"MASTER_ID", "master"},
-                 {"NODE", "127.0.0.1:" + std::to_string(other.port())},
-                 {"NODE_ID", "node2"}}};
+    Nas master{node(sessions, kMaster)};
+    Nas other{node(sessions, kOther)};
+    Nginx front = frontEnd({master, kMaster}, {other, kOther});
 };
 
 }  // namespace
