@@ -47,14 +47,15 @@ case $check in
         done
         ;;
     FindPackageBuildsAProgramThatRuns) with_find_package "$PREFIX" ;;
-    TheExampleListsAFolder)
+    TheExamplesSayWhatTheServerHas)
         nas=$BUILD_DIR/bin/torvi-nas
         [ -x "$nas" ] || { echo "torvi-nas isn't built"; exit 0; }
         mkdir -p "$work/nas/Public" "$work/example"
         touch "$work/nas/Public/first file" "$work/nas/Public/second"
-        "$nas" --root "$work/nas" --port 0 --user ann:secret >"$work/ready" 2>"$work/nas.log" &
+        "$nas" --root "$work/nas" --port 0 --user ann:secret --user bob:hidden --description "bob:Bob of sales" \
+            --team ann:/home/Plans:bob >"$work/ready" 2>"$work/nas.log" &
         trap 'kill $!' EXIT
-        # It is the README's word for word, but for the port: the server takes one that is free.
+        # They are as they stand in the documentation, but for the port: the server takes one that is free.
         cp "$here"/../../docs/example/* "$work/example"
         CXXFLAGS="$CXXFLAGS -Wall -Wextra -Werror" build_against "$PREFIX" "$work/example"
         until grep -q '^torvi-nas ready' "$work/ready"; do
@@ -62,11 +63,16 @@ case $check in
             sleep 0.1
         done
         port=$(sed -n 's/^torvi-nas ready http=127\.0\.0\.1:\([0-9]*\) .*/\1/p' "$work/ready")
-        sed -i "s/8080/$port/g" "$work/example/example.cpp"
+        sed -i "s/8080/$port/g" "$work"/example/*.cpp
         "$CMAKE" --build "$work/cmake"
-        "$work/cmake/example" >"$work/said"
-        printf '%s\n' 'dwStatus 0, result word 0' 'first file' second | sort >"$work/expected"
-        sort "$work/said" | diff "$work/expected" - || fail "it says: $(cat "$work/said")"
+        says() {
+            local program=$1
+            shift
+            "$work/cmake/$program" >"$work/said"
+            printf '%s\n' "$@" | sort | diff - <(sort "$work/said") || fail "$program says: $(cat "$work/said")"
+        }
+        says example 'dwStatus 0, result word 0' 'first file' second
+        says sharing 'user ann (-)' 'user bob (Bob of sales)' 'team folder Plans for bob' 'share /home/Plans/'
         ;;
     PkgConfigBuildsAProgramThatRuns) with_pkg_config "$PREFIX" ;;
     MovedPrefixStillServesBoth)
