@@ -264,26 +264,32 @@ TORVI_PASSWORD=builder refused 5 torvi ls /home/.Torvi/Archive "${as_bob[@]}"
 
 step "A public link: whoever has the address and the code opens it, without an account"
 visit() { curl --silent --insecure --noproxy '*' "$@"; }
-must_show() { [ "$1" = "$2" ] || die "the link showed '$2', not '$1'"; }
+# The HTTP status of the link.
+must_be() {
+    local code
+    code=$(visit "$link" -o refusal.txt -w '%{http_code}')
+    printf '%s\n' "$code"
+    [ "$code" = "$1" ] || die "the link answered $code, not $1"
+}
 printf 'Come on Friday\n' >invitation.txt
 shown torvi put invitation.txt /home/Archive/ --quiet
 shown torvi link create /home/Archive/invitation.txt --code sesame --expires 7d
 link=$(torvi link list --json | sed -n 's/.*"url": "\(.*\)".*/\1/p')
 say "Without the code, then with it:"
-typed "curl '$link' -w '%{http_code}'"
-must_show 403 "$(visit "$link" -o refusal.txt -w '%{http_code}' | tee /dev/stderr)"
-printf '\n'
-typed "curl '$link&access_code=sesame'"
+typed "curl -k '$link' -w '%{http_code}'"
+must_be 403
+typed "curl -k '$link&access_code=sesame'"
 visit "$link&access_code=sesame" | tee from-the-link.txt
 cmp invitation.txt from-the-link.txt
 shown torvi link mail "$link" --to dora@example.test --text 'You are invited:' --code sesame
 say "What the server mailed:"
 sed -n '/^To:/p; /^Subject:/p; /^\r*$/,$p' mails/0001.eml | tr -d '\r' | sed 's/^/   /'
 shown torvi link update "$link" --no-code --expires 2001-01-01
-must_show 410 "$(visit "$link" -o refusal.txt -w '%{http_code}')"
-say "It has ended: HTTP 410 for everybody."
+typed "curl -k '$link' -w '%{http_code}'"
+must_be 410
 shown torvi link delete "$link"
-must_show 404 "$(visit "$link" -o refusal.txt -w '%{http_code}')"
+typed "curl -k '$link' -w '%{http_code}'"
+must_be 404
 
 step "What a user can set of sharing"
 shown torvi settings

@@ -91,7 +91,7 @@ TEST_P(CliLink, AnybodyOpensItWhoKnowsTheCode) {
     EXPECT_EQ(link["paths"], Json({"/home/plan.txt"}));
     EXPECT_THAT(url(link), StartsWith(address() + "share.cgi?ssid="));
     EXPECT_EQ(visit(url(link)).status, 403);
-    EXPECT_EQ(visit(url(link) + "&access_code=Sesame+%26+1").status, 403);
+    EXPECT_EQ(visit(url(link) + "&access_code=Sesame%20%26%201").status, 403);
     const Visit with = visit(url(link) + "&access_code=sesame%20%26%201");
     EXPECT_EQ(with.status, 200);
     EXPECT_EQ(with.body, "the plan");
@@ -218,11 +218,19 @@ TEST_P(CliLinkEdges, TheAddressNamesWhatItIsTold) {
 }
 
 TEST_P(CliLinkEdges, MoreLinksThanComeAtOnceAreAllListed) {
-    for (int i = 0; i < 101; ++i) serve("f" + std::to_string(i), "x");
-    for (int i = 0; i < 101; ++i)
-        ASSERT_EQ(cli.run({"link", "get", "/home/f" + std::to_string(i), "-q"}).exitCode, 0);
-    EXPECT_EQ(runJson({"link", "list"})["count"], 101);
-    EXPECT_EQ(nas.requestCount("get_share_list"), 2);
+    const auto page = [](int links) {
+        Json datas = Json::array();
+        for (int i = 0; i < links; ++i)
+            datas.push_back({{"ssid", std::to_string(i)}, {"filename", "f" + std::to_string(i)}});
+        return Json{{"status", 1}, {"total", 103}, {"datas", datas}}.dump();
+    };
+    answer("get_share_list", page(100));
+    answer("get_share_list", page(3));
+    EXPECT_EQ(runJson({"link", "list"})["count"], 103);
+    EXPECT_TRUE(nas.waitForLog("start=100"));
+    // A server that promises more than it has.
+    answer("get_share_list", page(100));
+    EXPECT_EQ(runJson({"link", "list"})["count"], 100);
 }
 
 TEST_P(CliLinkEdges, WhatIsNotThereIsNotLinked) {
@@ -260,6 +268,7 @@ TEST_P(CliLinkEdges, WrongUsageSendsNothing) {
     for (const char* end : {"tomorrow", "0d", "12", "2031-02-30", "2031-12-31 25:00"})
         EXPECT_EQ(fails({"link", "create", "/home/plan.txt", "--expires", end}, "--expires"), 2) << end;
     EXPECT_EQ(fails({"link", "create", "/home/plan.txt", "/home/sub/map.txt"}, "one folder"), 2);
+    EXPECT_EQ(fails({"link", "create", "/home"}, "only what is in it"), 2);
     EXPECT_EQ(runJson({"link", "list"})["count"], 1);
 }
 

@@ -19,7 +19,14 @@ QStringList remotePaths(const std::vector<std::string>& given) {
     return paths;
 }
 
-/// The request names one folder, and a list of what is in it.
+/// The request names a folder, and what is in it.
+void requireFolder(const QString& what, const QString& path) {
+    if (parentOf(path) != QLatin1String("/")) return;
+    throw Failure(Exit::Usage,
+                  QStringLiteral("%1: %2 can't be linked as a whole, only what is in it").arg(what, path));
+}
+
+/// It names one folder, and a list of what is in it.
 void requireOneFolder(const QString& what, const QStringList& paths) {
     for (const QString& path : paths) {
         if (parentOf(path) != parentOf(paths.front()))
@@ -48,7 +55,10 @@ LinkMaker::LinkMaker(const Session& session, const QString& what, const LinkRequ
       m_terms(session, request.terms, parseLinkEnd(what, QString::fromStdString(request.terms.expires)),
               m_node) {
     if (m_paths.size() > 1) requireOneFolder(m_what, m_paths);
-    for (const QString& path : m_paths) require(m_session, m_what, path);
+    for (const QString& path : m_paths) {
+        requireFolder(m_what, path);
+        require(m_session, m_what, path);
+    }
 }
 
 MadeLink LinkMaker::create() const {

@@ -24,6 +24,7 @@ Examples:
   torvi mv /home/report.pdf /home/2024/                 move into another folder
   torvi rm -r /home/drafts --dry-run                    show all that would go
   torvi log --follow                                    changes on the server as they come
+  torvi link create /home/report.pdf --expires 7d       an address that anybody can open
   torvi ls /home --json | jq '.entries[].name'          for scripts
 
 Exit codes:
