@@ -7,6 +7,7 @@
 
 /// The records of public links, each as one line of text; a zeroed one is empty.
 
+/// Without the reserved text, which is the caller's.
 inline std::string describe(const _WFM_SHARE_LINK_INFO& record) {
     return RecordWords()
         .text("ssid", record.szSsid)
@@ -16,7 +17,6 @@ inline std::string describe(const _WFM_SHARE_LINK_INFO& record) {
         .text("name", record.szLinkName)
         .flag("folder", record.bIsFolder)
         .flag("multiple", record.bMultiple)
-        .text("reserved", record.szReserved)
         .joined();
 }
 

@@ -49,24 +49,41 @@ TEST(CGetandCreateLinkJson, AMissingStatusIsASuccessAndAnyOtherEndsTheParse) {
     EXPECT_EQ(read("").GetStatus(), 0);
     EXPECT_EQ(read(R"("status":null,"ssid":"s1")").ssid, L"s1");
     EXPECT_EQ(read(R"("status":"1","ssid":"s1")").ssid, L"s1");
-    const std::pair<const char*, int> rows[] = {{"0", -2},  {"2", -15}, {"3", -29},
-                                                {"4", -3},  {"-3", -4}, {"99", -1}};
+    const std::pair<const char*, int> rows[] = {{"0", -2}, {"2", -15}, {"3", -29},
+                                                {"4", -3}, {"-3", -4}, {"99", -1}};
     for (const auto& [status, code] : rows)
-        expectNothing(read(R"("ssid":"s1","link_name":"n","multiple":1,"links":5,"status":)" +
-                           std::string(status)),
-                      code);
+        expectNothing(
+            read(R"("ssid":"s1","link_name":"n","multiple":1,"links":5,"status":)" + std::string(status)),
+            code);
 }
 
 TEST(CGetandCreateLinkJson, WithoutAnIdThereIsNoUrl) {
     for (const char* ssid : {"", R"("ssid":"",)", R"("ssid":null,)"}) {
-        const CGetandCreateLinkJson reply =
-            read(ssid + std::string(R"("link_name":"n","links":[{"ssid":"","link_url":"http://a/"}],)") +
-                 kPlace);
+        const CGetandCreateLinkJson reply = read(
+            ssid + std::string(R"("link_name":"n","links":[{"ssid":"","link_url":"http://a/"}],)") + kPlace);
         EXPECT_EQ(reply.GetStatus(), 0);
         EXPECT_EQ(reply.linkName, L"n");
         EXPECT_EQ(reply.linkURL, L"");
     }
-    EXPECT_EQ(read(R"("ssid":")" + std::string(4096, 's') + "\"," + kPlace).linkURL, L"");
+}
+
+TEST(CGetandCreateLinkJson, AnIdHasUpTo259Characters) {
+    const std::string longest(259, 's');
+    EXPECT_EQ(read(R"("ssid":")" + longest + "\"," + kPlace).ssid, std::wstring(259, L's'));
+    for (const std::string& id : {longest + "s", std::string(4096, 's')}) {
+        const CGetandCreateLinkJson reply = read(R"("ssid":")" + id + R"(","links":[{"ssid":")" + id +
+                                                 R"(","link_url":"http://a/"}],)" + kPlace);
+        EXPECT_EQ(reply.ssid + reply.linkURL, L"");
+    }
+}
+
+TEST(CGetandCreateLinkJson, IdsAreComparedByteByByte) {
+    const auto linked = [](const std::string& id) {
+        return read("\"ssid\":\"s\xFF\",\"links\":[{\"ssid\":\"" + id + "\",\"link_url\":\"http://a/\"}]")
+            .linkURL;
+    };
+    EXPECT_EQ(linked("s\xFF"), L"http://a/");
+    EXPECT_EQ(linked("s\xFE"), L"");
 }
 
 TEST(CGetandCreateLinkJson, TheFirstLinkWithTheIdGivesTheUrl) {
@@ -96,10 +113,10 @@ TEST(CGetandCreateLinkJson, WithoutAUrlItIsMadeOfProtocolHostAndPort) {
     EXPECT_EQ(urlOf(R"("links":[],)" + kPlace), made);
     EXPECT_EQ(urlOf(R"("links":[{"ssid":"s2","link_url":"http://a/"}],)" + kPlace), made);
     EXPECT_EQ(urlOf(R"("protocol":"http","host":"h","port":80)"), L"http://h:80/share.cgi?ssid=s1");
-    for (const char* keys : {R"("host":"h","port":80)", R"("protocol":"http","port":80)",
-                             R"("protocol":"http","host":"h")", R"("protocol":"","host":"h","port":80)",
-                             R"("protocol":"http","host":"","port":80)",
-                             R"("protocol":"http","host":"h","port":"")"})
+    for (const char* keys :
+         {R"("host":"h","port":80)", R"("protocol":"http","port":80)", R"("protocol":"http","host":"h")",
+          R"("protocol":"","host":"h","port":80)", R"("protocol":"http","host":"","port":80)",
+          R"("protocol":"http","host":"h","port":"")"})
         EXPECT_EQ(urlOf(keys), L"") << keys;
 }
 

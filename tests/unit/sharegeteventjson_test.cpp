@@ -41,6 +41,14 @@ TEST(CShareGetEventJson, ReadsEachFieldFromItsKey) {
                      "id=8 type=2", ""}));
 }
 
+TEST(CShareGetEventJson, WhatHasNoRoomIsCountedAlone) {
+    CShareGetEventJson reply;
+    reply.room = 2;
+    EXPECT_EQ(parse(reply, listOf(R"({"event_id":1},{},{"event_id":3},{},{})")), 1);
+    EXPECT_EQ(reply.number, 5u);
+    EXPECT_EQ(describeAll(reply.events), (Lines{"id=1", ""}));
+}
+
 TEST(CShareGetEventJson, ARefusalIsLoggedAndTheParseGoesOn) {
     LogCapture log;
     CShareGetEventJson reply;

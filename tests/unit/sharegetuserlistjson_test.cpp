@@ -48,7 +48,8 @@ TEST(CShareGetUserListJson, KeepsTheServersOwnStatusAndADenialEndsTheParse) {
     } rows[] = {{R"("status":1,"total":5)", 1, 5, 1},
                 {R"("status":"4","total":5)", 4, 5, 1},
                 {R"("status":-4,"total":5)", -4, 5, 1},
-                {R"("total":5)", 0, 5, 1},
+                {R"("total":5)", -1, 5, 1},
+                {R"("status":1,"total":-5)", 1, 0, 1},
                 {R"("status":-3,"total":5)", -3, 0, 0},
                 {R"("status":"-3","total":99999999999)", -3, 0, 0}};
     for (const auto& row : rows) {
@@ -87,8 +88,8 @@ TEST(CShareGetUserListJson, OnlyTheDescriptionIsReadWhateverItsLength) {
 TEST(CShareGetUserListJson, RefusesWhatCannotBeRead) {
     expectRefusesAllButObjects<CShareGetUserListJson>(
         {R"({"status":99999999999})", R"({"total":99999999999})", R"({"user":{}})", R"({"user":"x"})",
-         list(R"({"name":[]})"), list(R"({"name":"a","policy":{}})"), list(R"({"name":"a","description":[]})"),
-         list(R"({"name":"a","torviuser":99999999999})")});
+         list(R"({"name":[]})"), list(R"({"name":"a","policy":{}})"),
+         list(R"({"name":"a","description":[]})"), list(R"({"name":"a","torviuser":99999999999})")});
     for (const char* text : {"{}", R"({"user":null})", R"({"total":5,"user":[]})"}) {
         CShareGetUserListJson reply;
         EXPECT_EQ(parse(reply, text), 1);

@@ -46,6 +46,14 @@ TEST(CShareLinkItemListJson, ATotalBelowOneEndsTheParseWithNothing) {
     EXPECT_EQ(parse(reply, R"({"total":0,"datas":5})"), 1);
 }
 
+TEST(CShareLinkItemListJson, WhatHasNoRoomIsCountedAlone) {
+    CShareLinkItemListJson reply;
+    reply.room = 2;
+    EXPECT_EQ(parse(reply, R"({"total":9,"datas":[{"filename":"a"},{},{"filename":"c"},{},{}]})"), 1);
+    EXPECT_EQ(reply.number, 5u);
+    EXPECT_EQ(describeAll(reply.items), (Lines{"file=a", ""}));
+}
+
 TEST(CShareLinkItemListJson, AListMayBeMissing) {
     for (const char* text : {R"({"total":3})", R"({"total":3,"datas":null})", R"({"total":3,"datas":[]})"}) {
         CShareLinkItemListJson reply;

@@ -25,6 +25,7 @@ TEST(CShareLinkListJson, BeginsWithNothingLearnt) {
     EXPECT_EQ(reply.GetStatus(), -1);
     EXPECT_EQ(reply.maxShareFile, 0);
     EXPECT_EQ(reply.total, 0);
+    EXPECT_EQ(reply.number, 0u);
     EXPECT_TRUE(reply.links.empty());
 }
 
@@ -65,6 +66,21 @@ TEST(CShareLinkListJson, Minus3EndsTheParseAndNoOtherStatusDoes) {
     }
 }
 
+TEST(CShareLinkListJson, ANegativeTotalIsNone) {
+    CShareLinkListJson reply;
+    EXPECT_EQ(parse(reply, R"({"status":1,"total":-5,"datas":[{"filename":"a"}]})"), 1);
+    EXPECT_EQ(reply.total, 0);
+    EXPECT_EQ(reply.links.size(), 1u);
+}
+
+TEST(CShareLinkListJson, WhatHasNoRoomIsCountedAlone) {
+    CShareLinkListJson reply;
+    reply.room = 2;
+    EXPECT_EQ(parse(reply, R"({"status":1,"datas":[{"filename":"a"},{},{"filename":"c"},{},{}]})"), 1);
+    EXPECT_EQ(reply.number, 5u);
+    EXPECT_EQ(describeAll(reply.links), (Lines{"file=a", ""}));
+}
+
 TEST(CShareLinkListJson, AListMayBeMissing) {
     for (const char* text : {"{}", R"({"total":3})", R"({"datas":null})", R"({"datas":[]})"}) {
         CShareLinkListJson reply;
@@ -80,10 +96,10 @@ TEST(CShareLinkListJson, TextsAreCutToTheirFieldsAndAnIdThatDoesNotFitIsNone) {
                R"(","creator":")" + text + R"(","link_name":")" + text + "\"}";
     };
     const std::string cut(259, 'x');
-    EXPECT_EQ(linksOf(link(cut)), Lines{"ssid=" + cut + " file=" + cut + " link=" + cut + " creator=" + cut +
-                                        " name=" + cut});
-    EXPECT_EQ(linksOf(link(cut + "x")), Lines{"file=" + cut + "x link=" + cut + "x creator=" + cut +
-                                              " name=" + cut});
+    EXPECT_EQ(linksOf(link(cut)),
+              Lines{"ssid=" + cut + " file=" + cut + " link=" + cut + " creator=" + cut + " name=" + cut});
+    EXPECT_EQ(linksOf(link(cut + "x")),
+              Lines{"file=" + cut + "x link=" + cut + "x creator=" + cut + " name=" + cut});
     EXPECT_EQ(linksOf(link(long2047)),
               Lines{"file=" + long2047 + " link=" + long2047 + " creator=" + cut + " name=" + cut});
     // What the conversion can't take is lost.

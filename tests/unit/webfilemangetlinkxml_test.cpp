@@ -55,7 +55,10 @@ TEST(CWebFileManGetLinkXml, AKeyThatIsMissingOrAtTheVeryStartIsNotFound) {
     // Nor is one that stands there and elsewhere.
     EXPECT_EQ(valueOf("key:1,key:2", "key"), L"none");
     EXPECT_EQ(valueOf("", "key"), L"none");
-    EXPECT_FALSE(CWebFileManGetLinkXml::GetValue(nullptr, "key", nullptr, 10));
+    wchar_t out[10];
+    EXPECT_FALSE(CWebFileManGetLinkXml::GetValue(nullptr, "key", out, 10));
+    EXPECT_FALSE(CWebFileManGetLinkXml::GetValue("{key:1", nullptr, out, 10));
+    EXPECT_FALSE(CWebFileManGetLinkXml::GetValue("{key:1", "key", nullptr, 10));
 }
 
 TEST(CWebFileManGetLinkXml, AValueMustBeShorterThanTheCapacity) {
@@ -82,9 +85,9 @@ TEST(CWebFileManGetLinkXml, OnlyTheTextOneIsASuccess) {
 }
 
 TEST(CWebFileManGetLinkXml, WithoutAStatusNothingIsRead) {
-    for (const char* text : {"", "sorry", "<html/>", "[]", "5", "null", R"("status")", "status:1",
-                             R"({"link_url":"x","expire_time":"y"})",
-                             R"({"status":"","link_url":"x","expire_time":"y"})"})
+    for (const char* text :
+         {"", "sorry", "<html/>", "[]", "5", "null", R"("status")", "status:1",
+          R"({"link_url":"x","expire_time":"y"})", R"({"status":"","link_url":"x","expire_time":"y"})"})
         expectReply(text, -1, L"", L"");
     CWebFileManGetLinkXml reply;
     EXPECT_EQ(reply.Parser(nullptr), 1);

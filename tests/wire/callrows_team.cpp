@@ -1,26 +1,29 @@
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 
+// A session without an id has no clone, so it is copied as it stands.
+#include "../../src/core/authcontext.h"
 #include "WebFileManShareAPI.h"
 #include "callrows.h"
 #include "support/session.h"
 
 namespace {
 
-/// A session of the file manager in place of the given one, for the calls that the sync service doesn't have.
+/// A session of the file manager in place of the given one, whose texts it shares, for the calls that the
+/// sync service doesn't have.
 class AtFileManager {
 public:
     explicit AtFileManager(Context given) {
-        _WFM_AUTH_CONTEXT* clone = nullptr;
-        if (given != nullptr) WFMCloneAuthContext(given, &clone);
-        m_session.reset(clone);
-        if (m_session != nullptr) wire::useFileManager(*m_session);
+        if (given == nullptr) return;
+        m_session = *given;
+        wire::useFileManager(*m_session);
     }
-    Context session() const { return m_session.get(); }
+    Context session() { return m_session ? &*m_session : nullptr; }
 
 private:
-    wire::SessionPtr m_session;
+    std::optional<_WFM_AUTH_CONTEXT> m_session;
 };
 
 uint32_t teamFolders(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
@@ -33,7 +36,7 @@ uint32_t teamFolders(Context context, const wchar_t* server, uint32_t port, uint
 }
 
 uint32_t myEvents(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
-    const AtFileManager fileManager(context);
+    AtFileManager fileManager(context);
     _WFM_TORVI_EVENT_INFORMATION event;
     _WFM_TORVI_EVENT_INFORMATION* list[] = {&event};
     uint32_t total = 0;
@@ -65,7 +68,7 @@ uint32_t shareTo(Context context, const wchar_t* server, uint32_t port, uint32_t
                              nullptr);
 }
 
-uint32_t unshare(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
+uint32_t endShare(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
     wchar_t pid[260];
     return WebFileManUnshare(context, server, port, L"", L"share", 260, nullptr, pid, result);
 }
@@ -88,7 +91,7 @@ uint32_t kickOutMember(Context context, const wchar_t* server, uint32_t port, ui
 }
 
 uint32_t removeEvent(Context context, const wchar_t* server, uint32_t port, uint32_t* result) {
-    const AtFileManager fileManager(context);
+    AtFileManager fileManager(context);
     return WebFileManRemoveEvent(fileManager.session(), server, port, 7, nullptr, result);
 }
 
@@ -146,7 +149,7 @@ void addTeamRows(std::vector<CallRow>& rows) {
 
     const char* const job = R"({"status":1,"pid":"7"})";
     rows.push_back(teamRow("WebFileManShareTo", shareTo, job));
-    rows.push_back(teamRow("WebFileManUnshare", unshare, job));
+    rows.push_back(teamRow("WebFileManUnshare", endShare, job));
     rows.push_back(teamRow("WebFileManSetShareMember", setShareMember, job));
 
     const char* const done = R"({"status":0,"success":"true","file":"/home/a"})";

@@ -19,6 +19,13 @@ inline void expectLinkPost(const std::string& query, const HeaderList& fields, c
     expectPostOnEveryRoute(query, fields, call, {}, routesToFileManager(), file, where);
 }
 
+/// The fields of a form as they stood on the wire.
+inline HeaderList rawFields(const Request& request) {
+    HeaderList fields;
+    for (const Field& field : request.form()) fields.emplace_back(field.rawKey, field.rawValue);
+    return fields;
+}
+
 /// The form of a call's one request; the call is made with good arguments and then changed.
 template <class Call, class Change>
 HeaderList formOf(Change change) {
@@ -26,9 +33,7 @@ HeaderList formOf(Change change) {
     Call call(server);
     change(call);
     call.run();
-    HeaderList fields;
-    for (const Field& field : server.onlyRequest().form()) fields.emplace_back(field.rawKey, field.rawValue);
-    return fields;
+    return rawFields(server.onlyRequest());
 }
 
 /// The value of a field as it stood on the wire; "none" if there isn't one.
@@ -65,8 +70,7 @@ void expectPathIsSplitAndMapped(const std::string& query, const std::string& nam
         const Request request = server.onlyRequest();
         expectRequestLine(request, "POST /" + std::string(route.prefix) +
                                        "cgi-bin/filemanager/utilRequest.cgi?" + query + " HTTP/1.1");
-        HeaderList fields;
-        for (const Field& field : request.form()) fields.emplace_back(field.rawKey, field.rawValue);
+        const HeaderList fields = rawFields(request);
         EXPECT_EQ(valueOf(fields, "path"), route.sent);
         EXPECT_EQ(valueOf(fields, "file_name"), route.sentName);
     }

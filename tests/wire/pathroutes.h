@@ -30,8 +30,9 @@ struct PathRoute {
         options.slaveID = ownSlaveID;
         options.fileManager = fileManager;
         SessionPtr made = makeSession(options);
-        setTeamFolders(
-            *made, {{L"/home/.Torvi/T/", L"vtf://S/", L"n2"}, {L"/home/.Torvi/Own/", L"vtf://O/", L"NODE1"}});
+        setTeamFolders(*made, {{L"/home/.Torvi/T/", L"vtf://S/", L"n2"},
+                               {L"/home/.Torvi/Own/", L"vtf://O/", L"NODE1"},
+                               {L"/home/.Torvi/N/", L"vtf://N/", nullptr}});
         return made;
     }
 };
@@ -57,6 +58,8 @@ inline const std::vector<PathRoute>& pathRoutes() {
         {"a team folder of the own node", "node1", L"n5", L"/home/.Torvi/Own", L"a", "", "vtf%3A%2F%2FO",
          "a"},
         {"a team folder where there is no cluster", "", L"n5", L"/home/.Torvi/T", L"a", "", "vtf%3A%2F%2FS",
+         "a"},
+        {"a team folder of no known node", "node1", L"n5", L"/home/.Torvi/N", L"a", "n5/", "vtf%3A%2F%2FN",
          "a"},
         {"a name that only begins like a team folder", "node1", L"n5", L"/home/.Torvi/TT", L"a", "n5/",
          "%2Fhome%2F.Torvi%2FTT", "a"},

@@ -22,9 +22,7 @@ struct CallersList {
         for (const Garbage<Record>& record : records) all.push_back(record.text());
         return all;
     }
-    bool isUntouched() const {
-        return texts() == std::vector<std::string>(records.size(), "untouched");
-    }
+    bool isUntouched() const { return texts() == std::vector<std::string>(records.size(), "untouched"); }
 
     std::vector<Garbage<Record>> records;
     std::vector<Record*> pointers;

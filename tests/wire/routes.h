@@ -61,8 +61,8 @@ inline std::vector<Route> routesTo(const std::string& cgi, const std::string& fc
     return all;
 }
 
-/// Every way of a call to the web file manager, which a session of the sync service reaches through the node's
-/// front end.
+/// Every way of a call to the web file manager, which a session of the sync service reaches through the
+/// node's front end.
 inline std::vector<Route> routesToFileManager(
     const std::string& place = "/cgi-bin/filemanager/utilRequest.cgi") {
     const std::string node = "/Node";

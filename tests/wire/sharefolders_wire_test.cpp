@@ -24,8 +24,8 @@ struct CallNames {
 using ShareFolderCalls = testing::Types<RenameShareCall, MoveShareCall, UpdateLinkCall>;
 TYPED_TEST_SUITE(ShareFolderWire, ShareFolderCalls, CallNames);
 
-TYPED_TEST(ShareFolderWire, APathWithoutAFolderIs5AndSendsNothing) {
-    const wchar_t* const top[] = {L"/x", L"/x/", L"x", L"x/", L"/", L"//"};
+TYPED_TEST(ShareFolderWire, APathWithoutAFolderOrANameIs5AndSendsNothing) {
+    const wchar_t* const top[] = {L"/x", L"/x/", L"x", L"x/", L"/", L"//", L"/home/d//"};
     for (const wchar_t* path : top)
         for (const bool isSource : {true, false}) {
             SCOPED_TRACE(testing::PrintToString(path) + (isSource ? " as source" : " as destination"));
@@ -58,11 +58,10 @@ TYPED_TEST(ShareFolderWire, TwoPathsWithoutAFolderAre5WhateverTheyAre) {
 TYPED_TEST(ShareFolderWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
-    expectRefusals<TypeParam>(log, session.get(), TypeParam::function(),
-                              {[](TypeParam& call) { call.source = nullptr; },
-                               [](TypeParam& call) { call.source = L""; },
-                               [](TypeParam& call) { call.destination = nullptr; },
-                               [](TypeParam& call) { call.destination = L""; },
-                               [](TypeParam& call) { call.resultWord = nullptr; }},
-                              kSharePrefix);
+    expectRefusals<TypeParam>(
+        log, session.get(), TypeParam::function(),
+        {[](TypeParam& call) { call.source = nullptr; }, [](TypeParam& call) { call.source = L""; },
+         [](TypeParam& call) { call.destination = nullptr; }, [](TypeParam& call) { call.destination = L""; },
+         [](TypeParam& call) { call.resultWord = nullptr; }},
+        kSharePrefix);
 }

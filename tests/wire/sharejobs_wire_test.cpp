@@ -197,6 +197,13 @@ TYPED_TEST(ShareJobWire, WhatCannotBeReadIs14) {
         [](const TypeParam& call) { EXPECT_TRUE(call.pid.isUntouched()); });
 }
 
+TYPED_TEST(ShareJobWire, AFailedCallHandsOutNoProcessId) {
+    RawServer server({Reply::status(503)});
+    TypeParam call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_TRUE(call.pid.isUntouched());
+}
+
 TYPED_TEST(ShareJobWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
@@ -288,6 +295,13 @@ TEST(WebFileManShareToWire, TheSecondNumberIsTheClientCode) {
         EXPECT_EQ(call.run(), row.dwStatus);
         EXPECT_EQ(call.signedStatus(), row.status) << row.reply;
     }
+}
+
+TEST(WebFileManShareToWire, TheSecondNumberOfAFailedCallIsMinus1) {
+    RawServer server({Reply::status(503)});
+    ShareToCall call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_EQ(call.signedStatus(), -1);
 }
 
 TEST(WebFileManShareToWire, TheSecondNumberMayBeLeftOut) {

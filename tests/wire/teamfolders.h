@@ -41,6 +41,11 @@ inline SessionPtr makeTeamSession(const std::string& slaveID = "Own") {
     return makeTeamSession({{L"/home/.Torvi/T/", L"vtf://S/"}}, slaveID);
 }
 
+/// Two on the node "Node": one at a place that is known, the other not.
+inline std::vector<TeamFolder> teamFoldersOfNodes() {
+    return {{L"/home/.Torvi/T/", L"vtf://S/"}, {L"/home/.Torvi/U/", nullptr}};
+}
+
 /// An ordinary one, with an agent, without which nothing can be listed.
 inline SessionPtr makeAgentSession() {
     SessionOptions options;

@@ -121,6 +121,13 @@ TEST(WebFileManAcceptShareWire, WhatCannotBeReadIs14) {
                               [](const AcceptCall& call) { EXPECT_TRUE(call.file.isUntouched()); });
 }
 
+TEST(WebFileManAcceptShareWire, AFailedCallCopiesNothing) {
+    RawServer server({Reply::status(503)});
+    AcceptCall call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_TRUE(call.file.isUntouched());
+}
+
 TEST(WebFileManAcceptShareWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;

@@ -191,6 +191,27 @@ TEST(WebFileManGetMyEventWire, TextsAreCutAndAnIdThatDoesNotFitIsLeftOut) {
     EXPECT_EQ(recordOf("share_id", 260), "file=f");
     EXPECT_EQ(recordOf("date", 260), "file=f date=" + texts(259));
     EXPECT_EQ(recordOf("time", 260), "file=f time=" + texts(259));
+    EXPECT_EQ(recordOf("date", 2048), "file=f");
+    EXPECT_EQ(recordOf("time", 2048), "file=f");
+}
+
+TEST(WebFileManGetMyEventWire, AnEventWhoseFileIsTooLongIsDroppedButCounts) {
+    const std::string longest(2047, 'x');
+    for (const uint32_t capacity : {1u, 2u}) {
+        RawServer server({Reply::json(listOf({longest + "x", longest}))});
+        EventCall call(server);
+        call.count = capacity;
+        EXPECT_EQ(call.run(), capacity == 2 ? 0u : 7u);
+        EXPECT_EQ(call.count, capacity == 2 ? 1u : 0u);
+        EXPECT_EQ(call.events.texts()[0], capacity == 2 ? "id=9 file=" + longest : "untouched");
+    }
+}
+
+TEST(WebFileManGetMyEventWire, AFailedCallLeavesBothNumbersAt0) {
+    RawServer server({Reply::status(503)});
+    EventCall call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_TRUE(call.isCleared());
 }
 
 TEST(WebFileManGetMyEventWire, TheTranslatedStatusIsTheResultAndFillsNothing) {

@@ -281,6 +281,13 @@ TEST(WebFileManGetShareMemberWire, WhatCannotBeReadIs14AndFillsNothing) {
         [](const MemberCall& call) { EXPECT_TRUE(call.isCleared()); });
 }
 
+TEST(WebFileManGetShareMemberWire, AFailedCallLeavesBothNumbersAt0) {
+    RawServer server({Reply::status(503)});
+    MemberCall call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_TRUE(call.isCleared());
+}
+
 TEST(WebFileManGetShareMemberWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;

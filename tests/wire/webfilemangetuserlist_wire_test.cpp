@@ -77,7 +77,8 @@ std::string queryOf(void (*change)(UserListCall&)) {
 
 TEST(WebFileManGetUserListWire, AsksTheSessionsServiceAndNamesNoNode) {
     expectOnEveryRoute(
-        "func=nubo_get_user_list&sid=sid123&user_type=1&all_user=0&refresh=0&lower=0&upper=50&netbios=&domain=&"
+        "func=nubo_get_user_list&sid=sid123&user_type=1&all_user=0&refresh=0&lower=0&upper=50&netbios=&"
+        "domain=&"
         "filter=",
         [](_WFM_AUTH_CONTEXT* session, uint32_t port, const wchar_t*) {
             UserListCall call;
@@ -202,6 +203,18 @@ TEST(WebFileManGetUserListWire, AListThatIsTooSmallIs122WithTheTotalAlone) {
     }
 }
 
+TEST(WebFileManGetUserListWire, AUserWithoutANameNeedsNoRoom) {
+    RawServer server({Reply::json(R"({"total":9,"user":[{"name":"u1"},{"policy":"rw"},{"name":"u2"}]})")});
+    UserListCall call(server);
+    call.count = 2;
+    LogCapture log;
+    EXPECT_EQ(call.run(), 0u);
+    EXPECT_EQ(call.result, 0u);
+    EXPECT_EQ(call.count, 2u);
+    EXPECT_EQ(call.users.texts(), (Lines{"name=u1", "name=u2", "untouched"}));
+    log.expectNoLines();
+}
+
 TEST(WebFileManGetUserListWire, AUserWithoutARecordIsSkipped) {
     RawServer server({Reply::json(listOf(3))});
     UserListCall call(server);
@@ -247,6 +260,7 @@ TEST(WebFileManGetUserListWire, ARefusalLooksLikeAServerWithoutUsers) {
             {listOf(4, R"("status":-3,"total":5)"), 0, 0, {}},
             {"{}", 0, 0, {}},
             {R"({"user":null})", 0, 0, {}},
+            {R"({"status":1,"total":-5,"user":[]})", 0, 0, {}},
             {R"({"user":"none"})",
              14,
              -1,

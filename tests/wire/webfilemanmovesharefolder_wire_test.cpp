@@ -106,11 +106,14 @@ TEST(WebFileManMoveShareFolderWire, AnotherNameIsGivenWhereTheFolderLiesNow) {
     const struct {
         const wchar_t *source, *destination;
         HeaderList rename;
-    } rows[] = {
-        {L"/home/d/old", L"/home/e/new/", {{"path", "%2Fhome%2Fe"}, {"source_name", "old"}, {"dest_name", "new"}}},
-        {L"/home/d/old/", L"/home/d/new", {{"path", "%2Fhome%2Fd"}, {"source_name", "old"}, {"dest_name", "new"}}},
-        {L"/d/\x6587", L"e/Old", {{"path", "e"}, {"source_name", "%E6%96%87"}, {"dest_name", "Old"}}},
-        {L"/d/a", L"/e/A", {{"path", "%2Fe"}, {"source_name", "a"}, {"dest_name", "A"}}}};
+    } rows[] = {{L"/home/d/old",
+                 L"/home/e/new/",
+                 {{"path", "%2Fhome%2Fe"}, {"source_name", "old"}, {"dest_name", "new"}}},
+                {L"/home/d/old/",
+                 L"/home/d/new",
+                 {{"path", "%2Fhome%2Fd"}, {"source_name", "old"}, {"dest_name", "new"}}},
+                {L"/d/\x6587", L"e/Old", {{"path", "e"}, {"source_name", "%E6%96%87"}, {"dest_name", "Old"}}},
+                {L"/d/a", L"/e/A", {{"path", "%2Fe"}, {"source_name", "a"}, {"dest_name", "A"}}}};
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.destination));
         RawServer server({Reply::json(kMoved), Reply::json(R"({"success":"true"})")});
@@ -126,6 +129,18 @@ TEST(WebFileManMoveShareFolderWire, AnotherNameIsGivenWhereTheFolderLiesNow) {
                    joined(row.rename, {{"sn", "sid123"}}));
         log.expectNoLines();
     }
+}
+
+TEST(WebFileManMoveShareFolderWire, TheFileManagerIsAskedForBoth) {
+    RawServer server({Reply::json(kMoved), Reply::json(R"({"success":"true"})")});
+    ToOtherFolder call(server, true);
+    useFileManager(*call.session);
+    EXPECT_EQ(call.run(), 0u);
+    EXPECT_EQ(call.result, 0u);
+    ASSERT_EQ(server.requestCount(), 2u);
+    const std::string cgi = "/cgi-bin/filemanager/utilRequest.cgi";
+    EXPECT_EQ(server.request(0).target(), cgi + "?func=move&sid=sid123");
+    EXPECT_EQ(server.request(1).target(), cgi + "?func=rename&sid=sid123");
 }
 
 TEST(WebFileManMoveShareFolderWire, AMoveThatFailedGivesNoName) {

@@ -73,6 +73,22 @@ TEST(WFMDeleteShareLinkWire, ThePathTellsTheNodeAndIsSentAsGiven) {
     }
 }
 
+TEST(WFMDeleteShareLinkWire, WithIdsThePathTellsTheNodeToo) {
+    for (const TeamFolder& folder : teamFoldersOfNodes()) {
+        SCOPED_TRACE(testing::PrintToString(folder.clientPath));
+        RawServer server({Reply::json(R"({"status":0})")});
+        const SessionPtr session = makeTeamSession(teamFoldersOfNodes());
+        const std::wstring path = folder.clientPath + std::wstring(L"a.txt");
+        DeleteLinkCall call;
+        call.path = path.c_str();
+        call.slaveID = L"Other";
+        EXPECT_EQ(call.run(session.get(), server.port()), 0u);
+        EXPECT_EQ(
+            server.onlyRequest().target(),
+            "/Node/cgi-bin/filemanager/utilRequest.cgi?func=delete_share&sid=sid123&ssids=s1&file_total=1");
+    }
+}
+
 TEST(WFMDeleteShareLinkWire, OnlyAStatusOf0IsASuccess) {
     const auto line = [](const std::string& status) {
         return std::vector<std::string>{"[WFMShare] WFMDeleteShareLink: get error status=" + status};

@@ -40,18 +40,18 @@ struct GetAndCreateCall : SessionCall<GetAndCreateCall> {
 
 const char* const kName = "WFMGetandCreateShareLink";
 const std::string kQuery = "func=get_share_link&sid=sid123";
-const std::string kTarget = "/cgi-bin/filemanager/utilRequest.cgi?" + kQuery;
+const std::string kPlace = "/cgi-bin/filemanager/utilRequest.cgi";
+const std::string kTarget = kPlace + "?" + kQuery;
 
 /// The fields of a request for one file; `host` are "ht" and "hostname".
 HeaderList fieldsOf(const HeaderList& host, const std::string& path = "%2Fhome%2Fd") {
-    return joined(joined({{"valid_duration", "forever"}, {"access_code", ""}}, host),
-                  {{"ssl", "false"},
-                   {"file_name", "a.txt"},
-                   {"path", path},
-                   {"new_share", "0"},
-                   {"expire_time", ""},
-                   {"c", "1"},
-                   {"file_total", "1"}});
+    return joined(joined({{"valid_duration", "forever"}, {"access_code", ""}}, host), {{"ssl", "false"},
+                                                                                       {"file_name", "a.txt"},
+                                                                                       {"path", path},
+                                                                                       {"new_share", "0"},
+                                                                                       {"expire_time", ""},
+                                                                                       {"c", "1"},
+                                                                                       {"file_total", "1"}});
 }
 
 /// "ht" and "hostname" of a link on another node, which name the port of the request.
@@ -66,6 +66,22 @@ std::vector<std::string> namesOf(const wchar_t* fileList) {
          formOf<GetAndCreateCall>([fileList](GetAndCreateCall& call) { call.fileList = fileList; }))
         if (key == "file_name") names.push_back(value);
     return names;
+}
+
+/// What a call on that session sends, and names as the link's node.
+struct Sent {
+    std::string path;
+    HeaderList fields;
+    std::string record;
+    uint32_t port;
+};
+Sent sentBy(_WFM_AUTH_CONTEXT* session, void (*change)(GetAndCreateCall&)) {
+    const RawServer server({Reply::json("{}")});
+    GetAndCreateCall call;
+    change(call);
+    EXPECT_EQ(call.run(session, server.port()), 0u);
+    const Request request = server.onlyRequest();
+    return {request.path(), rawFields(request), call.text(), server.port()};
 }
 
 /// What a reply leaves in the record.
@@ -92,10 +108,10 @@ TEST(WFMGetandCreateShareLinkWire, GoesToTheNodeAndNamesItInTheHost) {
         EXPECT_EQ(call.run(session.get(), server.port()), 0u);
         const std::wstring node = route.slaveID != nullptr ? route.slaveID : L"";
         const bool isOther = route.options.slaveID == "Own" && node == L"Node";
-        expectPost(server, server.onlyRequest(), route.cgi + "?" + kQuery,
-                   fieldsOf(isOther ? hostOn("Node", server.port())
-                                    : HeaderList{{"hostname", "nas.example"}}),
-                   "agent");
+        expectPost(
+            server, server.onlyRequest(), route.cgi + "?" + kQuery,
+            fieldsOf(isOther ? hostOn("Node", server.port()) : HeaderList{{"hostname", "nas.example"}}),
+            "agent");
         const std::string& own = route.options.slaveID;
         const std::string holder = node.empty() ? own : std::string(node.begin(), node.end());
         EXPECT_EQ(call.text(), holder.empty() ? "" : "slave=" + holder);
@@ -143,8 +159,8 @@ TEST(WFMGetandCreateShareLinkWire, AFileNeedsItsSemicolonUnlessItIsAlone) {
     EXPECT_EQ(namesOf(L"/home/a;/home/b"), Names({"a"}));
     EXPECT_EQ(namesOf(L"/home/a;;/home/b;"), Names({"a", "b"}));
     // The folder is that of the first.
-    const HeaderList fields = formOf<GetAndCreateCall>(
-        [](GetAndCreateCall& call) { call.fileList = L"/home/x/a;/home/y/b;"; });
+    const HeaderList fields =
+        formOf<GetAndCreateCall>([](GetAndCreateCall& call) { call.fileList = L"/home/x/a;/home/y/b;"; });
     EXPECT_EQ(valueOf(fields, "path"), "%2Fhome%2Fx");
     EXPECT_EQ(valueOf(fields, "file_total"), "2");
 }
@@ -158,10 +174,10 @@ TEST(WFMGetandCreateShareLinkWire, AFolderInATeamFolderIsNamedAtItsPlaceAndNode)
         call.slaveID = L"Other";
         EXPECT_EQ(call.run(session.get(), server.port()), 0u);
         const bool isDeep = std::wstring(fileList).find(L"/d/e") != std::wstring::npos;
-        expectPost(server, server.onlyRequest(), "/Node" + kTarget,
-                   fieldsOf(hostOn("Node", server.port()),
-                            isDeep ? "vtf%3A%2F%2FS%2Fd%2Fe" : "vtf%3A%2F%2FS"),
-                   "agent");
+        expectPost(
+            server, server.onlyRequest(), "/Node" + kTarget,
+            fieldsOf(hostOn("Node", server.port()), isDeep ? "vtf%3A%2F%2FS%2Fd%2Fe" : "vtf%3A%2F%2FS"),
+            "agent");
         EXPECT_EQ(call.text(), "slave=Node");
     }
 }
@@ -173,19 +189,66 @@ TEST(WFMGetandCreateShareLinkWire, TeamFoldersThemselvesAreNamedWholeAndInRevers
     GetAndCreateCall call;
     call.fileList = L"/home/.Torvi/T;/home/.Torvi/U;";
     EXPECT_EQ(call.run(session.get(), server.port()), 0u);
-    expectPost(server, server.onlyRequest(), "/Node" + kTarget,
-               joined(joined({{"valid_duration", "forever"}, {"access_code", ""}},
-                             hostOn("Node", server.port())),
-                      {{"ssl", "false"},
-                       {"file_name", "vtf%3A%2F%2FV"},
-                       {"file_name", "vtf%3A%2F%2FS"},
-                       {"path", "%2Fhome%2F.Torvi"},
-                       {"new_share", "0"},
-                       {"expire_time", ""},
-                       {"c", "1"},
-                       {"file_total", "2"}}),
-               "agent");
+    expectPost(
+        server, server.onlyRequest(), "/Node" + kTarget,
+        joined(joined({{"valid_duration", "forever"}, {"access_code", ""}}, hostOn("Node", server.port())),
+               {{"ssl", "false"},
+                {"file_name", "vtf%3A%2F%2FV"},
+                {"file_name", "vtf%3A%2F%2FS"},
+                {"path", "%2Fhome%2F.Torvi"},
+                {"new_share", "0"},
+                {"expire_time", ""},
+                {"c", "1"},
+                {"file_total", "2"}}),
+        "agent");
     EXPECT_EQ(call.text(), "slave=Node");
+}
+
+TEST(WFMGetandCreateShareLinkWire, TeamFoldersOnTwoNodesGoToThatOfTheFirstMetAndTheOtherStaysAsItIs) {
+    const SessionPtr session = makeTeamSession(
+        {{L"/home/.Torvi/T/", L"vtf://S/", L"Node"}, {L"/home/.Torvi/U/", L"vtf://V/", L"Node2"}});
+    const Sent sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.fileList = L"/home/.Torvi/T;/home/.Torvi/U;";
+        call.slaveID = L"Other";
+    });
+    EXPECT_EQ(sent.path, "/Node2" + kPlace);
+    EXPECT_EQ(sent.fields,
+              joined(joined({{"valid_duration", "forever"}, {"access_code", ""}}, hostOn("Node2", sent.port)),
+                     {{"ssl", "false"},
+                      {"file_name", "vtf%3A%2F%2FV"},
+                      {"file_name", "%2Fhome%2F.Torvi%2FT"},
+                      {"path", "%2Fhome%2F.Torvi"},
+                      {"new_share", "0"},
+                      {"expire_time", ""},
+                      {"c", "1"},
+                      {"file_total", "2"}}));
+    EXPECT_EQ(sent.record, "slave=Node2");
+}
+
+TEST(WFMGetandCreateShareLinkWire, WhereThereIsNoClusterATeamFoldersNodeIsToldToTheCallerAlone) {
+    const SessionPtr session = makeTeamSession("");
+    const Sent sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.fileList = L"/home/.Torvi/T/a.txt;";
+        call.slaveID = L"Other";
+    });
+    EXPECT_EQ(sent.path, kPlace);
+    EXPECT_EQ(sent.fields, fieldsOf({{"hostname", "nas.example"}}, "vtf%3A%2F%2FS"));
+    EXPECT_EQ(sent.record, "slave=Node");
+}
+
+TEST(WFMGetandCreateShareLinkWire, TheFileManagerMapsNothing) {
+    const SessionPtr session = makeTeamSession();
+    useFileManager(*session);
+    Sent sent =
+        sentBy(session.get(), [](GetAndCreateCall& call) { call.fileList = L"/home/.Torvi/T/a.txt;"; });
+    EXPECT_EQ(sent.path, kPlace);
+    EXPECT_EQ(sent.fields, fieldsOf({{"hostname", "nas.example"}}, "%2Fhome%2F.Torvi%2FT"));
+    EXPECT_EQ(sent.record, "slave=Own");
+    sent = sentBy(session.get(), [](GetAndCreateCall& call) { call.fileList = L"/home/.Torvi/T;"; });
+    EXPECT_EQ(sent.path, kPlace);
+    EXPECT_EQ(valueOf(sent.fields, "file_name"), "T");
+    EXPECT_EQ(valueOf(sent.fields, "path"), "%2Fhome%2F.Torvi");
+    EXPECT_EQ(sent.record, "slave=Own");
 }
 
 TEST(WFMGetandCreateShareLinkWire, ATeamFolderOfTheOwnNodeNeedsNoNode) {
@@ -201,9 +264,9 @@ TEST(WFMGetandCreateShareLinkWire, ATeamFolderOfTheOwnNodeNeedsNoNode) {
 }
 
 TEST(WFMGetandCreateShareLinkWire, ANewShareNeedsNeitherHostNorFiles) {
-    const HeaderList bare = {{"valid_duration", "forever"}, {"access_code", ""}, {"ssl", "false"},
-                             {"new_share", "1"},            {"expire_time", ""}, {"c", "1"},
-                             {"file_total", "0"}};
+    const HeaderList bare = {
+        {"valid_duration", "forever"}, {"access_code", ""}, {"ssl", "false"},   {"new_share", "1"},
+        {"expire_time", ""},           {"c", "1"},          {"file_total", "0"}};
     EXPECT_EQ(formOf<GetAndCreateCall>([](GetAndCreateCall& call) {
                   call.newShare = true;
                   call.hostname = call.fileList = nullptr;
@@ -233,20 +296,65 @@ TEST(WFMGetandCreateShareLinkWire, ANewShareHasANameInPlaceOfAFolder) {
                           {"file_total", "1"}}));
 }
 
-TEST(WFMGetandCreateShareLinkWire, AnEmptyHostWithFilesIsKind11) {
-    EXPECT_EQ(formOf<GetAndCreateCall>([](GetAndCreateCall& call) {
-                  call.newShare = true;
-                  call.hostname = L"";
-              }),
-              (HeaderList{{"valid_duration", "forever"},
-                          {"access_code", ""},
-                          {"ht", "11"},
-                          {"ssl", "false"},
-                          {"file_name", "a.txt"},
-                          {"new_share", "1"},
-                          {"expire_time", ""},
-                          {"c", "1"},
-                          {"file_total", "1"}}));
+TEST(WFMGetandCreateShareLinkWire, AnEmptyHostWithFilesIsKind11OnAnyNode) {
+    const HeaderList fields = {{"valid_duration", "forever"},
+                               {"access_code", ""},
+                               {"ht", "11"},
+                               {"ssl", "false"},
+                               {"file_name", "a.txt"},
+                               {"new_share", "1"},
+                               {"expire_time", ""},
+                               {"c", "1"},
+                               {"file_total", "1"}};
+    const SessionPtr session = makeTeamSession();
+    Sent sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.newShare = true;
+        call.hostname = L"";
+    });
+    EXPECT_EQ(sent.path, kPlace);
+    EXPECT_EQ(sent.fields, fields);
+    sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.newShare = true;
+        call.hostname = nullptr;
+        call.slaveID = L"Other";
+    });
+    EXPECT_EQ(sent.path, "/Other" + kPlace);
+    EXPECT_EQ(sent.fields, fields);
+}
+
+TEST(WFMGetandCreateShareLinkWire, ANewShareMapsTeamFoldersThemselvesAndNotWhatLiesInThem) {
+    const SessionPtr session = makeTeamSession();
+    Sent sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.newShare = true;
+        call.fileList = L"/home/.Torvi/T/a.txt;";
+        call.slaveID = L"Other";
+    });
+    EXPECT_EQ(sent.path, "/Other" + kPlace);
+    EXPECT_EQ(valueOf(sent.fields, "file_name"), "a.txt");
+    EXPECT_EQ(valueOf(sent.fields, "hostname"), hostOn("Other", sent.port)[1].second);
+    EXPECT_EQ(sent.record, "slave=Other");
+
+    sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.newShare = true;
+        call.fileList = L"/home/.Torvi/T;";
+        call.slaveID = L"Other";
+    });
+    EXPECT_EQ(sent.path, "/Node" + kPlace);
+    EXPECT_EQ(valueOf(sent.fields, "file_name"), "vtf%3A%2F%2FS");
+    EXPECT_EQ(valueOf(sent.fields, "hostname"), hostOn("Node", sent.port)[1].second);
+    EXPECT_EQ(sent.record, "slave=Node");
+}
+
+TEST(WFMGetandCreateShareLinkWire, ANodeThatDoesNotFitIsNotToldToTheCaller) {
+    for (const size_t length : {size_t{259}, size_t{260}}) {
+        const std::wstring node(length, L'n');
+        const RawServer server({Reply::json("{}")});
+        const SessionPtr session = makeTeamSession();
+        GetAndCreateCall call;
+        call.slaveID = node.c_str();
+        EXPECT_EQ(call.run(session.get(), server.port()), 0u);
+        EXPECT_EQ(call.text(), length < 260 ? "slave=" + std::string(length, 'n') : "");
+    }
 }
 
 TEST(WFMGetandCreateShareLinkWire, ATimeoutBelowAMinuteIsAMinute) {
@@ -276,16 +384,38 @@ TEST(WFMGetandCreateShareLinkWire, TheRecordIsFilled) {
     EXPECT_EQ(recordOf("{}"), "");
 }
 
-TEST(WFMGetandCreateShareLinkWire, TextsAreCutToTheirFieldsAndAnIdThatDoesNotFitIsNone) {
+TEST(WFMGetandCreateShareLinkWire, TextsAreCutToTheirFields) {
     const std::string text(3000, 'x');
     EXPECT_EQ(recordOf(R"({"link_name":")" + text + R"(","expire_time":")" + text + R"(","ssid":"s1",
                            "links":[{"ssid":"s1","link_url":")" +
                        text + "\"}]}"),
               "link=" + text.substr(0, 2047) + " name=" + text.substr(0, 259) +
                   " expires=" + text.substr(0, 259) + " ssid=s1");
+}
+
+TEST(WFMGetandCreateShareLinkWire, WithAnIdThatDoesNotFitThereIsNoUrl) {
+    const auto linked = [](const std::string& id) {
+        return recordOf(R"({"ssid":")" + id + R"(","links":[{"ssid":")" + id +
+                        R"(","link_url":"http://b/"}]})");
+    };
+    const auto placed = [](const std::string& id) {
+        return recordOf(R"({"protocol":"http","host":"nas","port":"80","ssid":")" + id + "\"}");
+    };
     const std::string longest(259, 's');
-    EXPECT_EQ(recordOf(R"({"ssid":")" + longest + "\"}"), "ssid=" + longest);
-    EXPECT_EQ(recordOf(R"({"ssid":")" + longest + "s\"}"), "");
+    EXPECT_EQ(linked(longest), "link=http://b/ ssid=" + longest);
+    EXPECT_EQ(placed(longest), "link=http://nas:80/share.cgi?ssid=" + longest + " ssid=" + longest);
+    EXPECT_EQ(linked(longest + "s"), "");
+    EXPECT_EQ(placed(longest + "s"), "");
+}
+
+TEST(WFMGetandCreateShareLinkWire, IdsAreComparedByteByByte) {
+    const auto linked = [](const std::string& id) {
+        return recordOf("{\"ssid\":\"s\xFF\",\"links\":[{\"ssid\":\"" + id +
+                        "\",\"link_url\":\"http://b/\"}]}");
+    };
+    const std::string shown = "ssid=s\xEF\xBF\xBD";
+    EXPECT_EQ(linked("s\xFF"), "link=http://b/ " + shown);
+    EXPECT_EQ(linked("s\xFE"), shown);
 }
 
 TEST(WFMGetandCreateShareLinkWire, ARefusalIsTheClientCodeAndFillsNothing) {
@@ -342,12 +472,11 @@ TEST(WFMGetandCreateShareLinkWire, APathWithoutAFolderIs8WithoutARequest) {
 TEST(WFMGetandCreateShareLinkWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
-    expectRefusals<GetAndCreateCall>(
-        log, session.get(), kName,
-        {[](GetAndCreateCall& call) { call.hostname = nullptr; },
-         [](GetAndCreateCall& call) { call.hostname = L""; },
-         [](GetAndCreateCall& call) { call.fileList = nullptr; },
-         [](GetAndCreateCall& call) { call.fileList = L""; },
-         [](GetAndCreateCall& call) { call.informationOut = nullptr; }},
-        kSharePrefix);
+    expectRefusals<GetAndCreateCall>(log, session.get(), kName,
+                                     {[](GetAndCreateCall& call) { call.hostname = nullptr; },
+                                      [](GetAndCreateCall& call) { call.hostname = L""; },
+                                      [](GetAndCreateCall& call) { call.fileList = nullptr; },
+                                      [](GetAndCreateCall& call) { call.fileList = L""; },
+                                      [](GetAndCreateCall& call) { call.informationOut = nullptr; }},
+                                     kSharePrefix);
 }

@@ -104,6 +104,15 @@ TEST(WFMGetShareLinkWire, WithAnAddresseeADateAndACodeTheFormHasAllItsFields) {
         });
 }
 
+TEST(WFMGetShareLinkWire, AnEmptyCodeAndAnEmptyAddresseeAreNone) {
+    const HeaderList bare = formOf<GetLinkCall>([](GetLinkCall&) {});
+    EXPECT_EQ(valueOf(bare, "access_enabled"), "false");
+    EXPECT_EQ(valueOf(bare, "include_access_code"), "false");
+    EXPECT_EQ(valueOf(bare, "addressee") + valueOf(bare, "subject") + valueOf(bare, "content"),
+              "nonenonenone");
+    EXPECT_EQ(formOf<GetLinkCall>([](GetLinkCall& call) { call.addressee = call.accessCode = L""; }), bare);
+}
+
 TEST(WFMGetShareLinkWire, TheTypesAreWordsAndRefusedOutOfRange) {
     expectTypesAreWords<GetLinkCall>("WFMGetShareLink");
 }

@@ -6,44 +6,30 @@
 #include <vector>
 
 #include "links.h"
-#include "lists.h"
+#include "recordlist.h"
 
 using namespace wire;
 
 namespace {
 
 using Lines = std::vector<std::string>;
-using ItemRecord = Garbage<_WFM_SHARE_LINK_ITEM_INFO>;
 
 struct ItemListCall : SessionCall<ItemListCall> {
     const wchar_t* path = nullptr;
     const wchar_t* ssid = L"s1";
     uint32_t total = 0xABCD;
     uint32_t* totalOut = &total;
-    std::vector<ItemRecord> records{3};
-    std::vector<_WFM_SHARE_LINK_ITEM_INFO*> pointers;
     uint32_t count = 3;
     uint32_t* countInOut = &count;
-    _WFM_SHARE_LINK_ITEM_INFO** list;
+    CallersList<_WFM_SHARE_LINK_ITEM_INFO> items;
+    _WFM_SHARE_LINK_ITEM_INFO** list = items.data();
 
-    ItemListCall() {
-        for (ItemRecord& record : records) pointers.push_back(&record.record);
-        list = pointers.data();
-    }
-    explicit ItemListCall(const RawServer& at) : ItemListCall() { port = at.port(); }
-
+    using SessionCall::SessionCall;
     uint32_t call() {
         return WFMGetShareLinkItemList(session, kServer, port, path, slaveID, nullptr, ssid, totalOut,
                                        countInOut, list);
     }
-    Lines texts() const {
-        Lines all;
-        for (const ItemRecord& record : records) all.push_back(record.text());
-        return all;
-    }
-    bool isUntouched() const {
-        return total == 0xABCD && count == 3 && texts() == Lines(3, "untouched");
-    }
+    bool isUntouched() const { return total == 0xABCD && count == 3 && items.isUntouched(); }
 };
 
 std::string replyOf(int count) {
@@ -90,6 +76,19 @@ TEST(WFMGetShareLinkItemListWire, ThePathTellsTheNodeAndIsNotSent) {
     }
 }
 
+TEST(WFMGetShareLinkItemListWire, ATeamFolderWhosePlaceIsNotKnownTellsItsNodeToo) {
+    for (const TeamFolder& folder : teamFoldersOfNodes()) {
+        SCOPED_TRACE(testing::PrintToString(folder.clientPath));
+        RawServer server({Reply::json("{}")});
+        const SessionPtr session = makeTeamSession(teamFoldersOfNodes());
+        ItemListCall call;
+        call.path = folder.clientPath;
+        call.slaveID = L"Other";
+        EXPECT_EQ(call.run(session.get(), server.port()), 0u);
+        EXPECT_EQ(server.onlyRequest().target(), "/Node/share.cgi?func=get_list&ssid=s1");
+    }
+}
+
 TEST(WFMGetShareLinkItemListWire, TheRecordsAreFilled) {
     RawServer server({Reply::json(R"({"total":"7","datas":[{"filename":"書","isfolder":1},{"isfolder":1},
         {"filename":"b"}]})")});
@@ -98,8 +97,22 @@ TEST(WFMGetShareLinkItemListWire, TheRecordsAreFilled) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.total, 7u);
     EXPECT_EQ(call.count, 2u);
-    EXPECT_EQ(call.texts(), (Lines{"file=書 folder", "file=b", "untouched"}));
+    EXPECT_EQ(call.items.texts(), (Lines{"file=書 folder", "file=b", "untouched"}));
     log.expectNoLines();
+}
+
+TEST(WFMGetShareLinkItemListWire, ItemsWithoutANameNeedRoomToo) {
+    for (const uint32_t capacity : {2u, 3u}) {
+        RawServer server(
+            {Reply::json(R"({"total":40,"datas":[{"filename":"a"},{"isfolder":1},{"filename":"b"}]})")});
+        ItemListCall call(server);
+        call.count = capacity;
+        EXPECT_EQ(call.run(), capacity == 3 ? 0u : 7u);
+        EXPECT_EQ(call.total, 40u);
+        EXPECT_EQ(call.count, capacity == 3 ? 2u : 0u);
+        EXPECT_EQ(call.items.texts(),
+                  capacity == 3 ? (Lines{"file=a", "file=b", "untouched"}) : Lines(3, "untouched"));
+    }
 }
 
 TEST(WFMGetShareLinkItemListWire, AListThatIsTooSmallIs7AndStaysEmptyButTheTotalIsTold) {
@@ -121,7 +134,7 @@ TEST(WFMGetShareLinkItemListWire, AListThatIsTooSmallIs7AndStaysEmptyButTheTotal
             log.expectNoLines();
             continue;
         }
-        EXPECT_EQ(call.texts(), Lines(3, "untouched"));
+        EXPECT_TRUE(call.items.isUntouched());
         log.expectLines({"[WFMShare] WFMGetShareLinkItemList: WFM_PARSE_XML_BUFFER_NOT_ENOUGH",
                          summaryLine("WFMGetShareLinkItemList", server.port(), 7, kSharePrefix)});
     }
@@ -136,20 +149,20 @@ TEST(WFMGetShareLinkItemListWire, WithoutATotalThereAreNoItems) {
         EXPECT_EQ(call.run(), 0u);
         EXPECT_EQ(call.total, 0u);
         EXPECT_EQ(call.count, 0u);
-        EXPECT_EQ(call.texts(), Lines(3, "untouched"));
+        EXPECT_TRUE(call.items.isUntouched());
     }
 }
 
 TEST(WFMGetShareLinkItemListWire, AFailedCallLeavesBothNumbersAt0) {
-    const std::pair<Reply, uint32_t> rows[] = {
-        {Reply::status(503), 12}, {Reply::json(R"({"total":40,"datas":5})"), 14}};
+    const std::pair<Reply, uint32_t> rows[] = {{Reply::status(503), 12},
+                                               {Reply::json(R"({"total":40,"datas":5})"), 14}};
     for (const auto& [reply, dwStatus] : rows) {
         RawServer server({reply});
         ItemListCall call(server);
         EXPECT_EQ(call.run(), dwStatus);
         EXPECT_EQ(call.total, 0u);
         EXPECT_EQ(call.count, 0u);
-        EXPECT_EQ(call.texts(), Lines(3, "untouched"));
+        EXPECT_TRUE(call.items.isUntouched());
     }
 }
 

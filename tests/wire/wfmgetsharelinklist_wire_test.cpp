@@ -6,41 +6,34 @@
 #include <vector>
 
 #include "links.h"
-#include "lists.h"
+#include "recordlist.h"
 
 using namespace wire;
 
 namespace {
 
 using Lines = std::vector<std::string>;
-using LinkRecord = Garbage<_WFM_SHARE_LINK_INFO>;
 
 struct LinkListCall : SessionCall<LinkListCall> {
     int32_t limit = 20;
-    int32_t start = 0;
+    int32_t start = 7;
     int32_t* startInOut = &start;
-    std::vector<LinkRecord> records{3};
-    std::vector<_WFM_SHARE_LINK_INFO*> pointers;
     uint32_t count = 3;
     uint32_t* countInOut = &count;
-    _WFM_SHARE_LINK_INFO** list;
+    CallersList<_WFM_SHARE_LINK_INFO> links;
+    _WFM_SHARE_LINK_INFO** list = links.data();
 
-    LinkListCall() {
-        for (LinkRecord& record : records) pointers.push_back(&record.record);
-        list = pointers.data();
-    }
-    explicit LinkListCall(const RawServer& at) : LinkListCall() { port = at.port(); }
-
+    using SessionCall::SessionCall;
     uint32_t call() {
         return WFMGetShareLinkList(session, kServer, port, slaveID, limit, nullptr, startInOut, countInOut,
                                    list);
     }
-    Lines texts() const {
-        Lines all;
-        for (const LinkRecord& record : records) all.push_back(record.text());
-        return all;
-    }
-    bool isUntouched() const { return start <= 0 && count == 3 && texts() == Lines(3, "untouched"); }
+    bool isUntouched() const { return start == 7 && count == 3 && links.isUntouched(); }
+};
+
+struct NegativeStartCall : LinkListCall {
+    NegativeStartCall() { start = -1; }
+    bool isUntouched() const { return start == -1 && count == 3 && links.isUntouched(); }
 };
 
 /// A reply with that many links.
@@ -55,7 +48,7 @@ std::string replyOf(int count, const std::string& keys = R"("status":1,"total":4
 
 TEST(WFMGetShareLinkListWire, AsksTheWebFileManagerByNameOnEitherService) {
     expectOnEveryRoute(
-        "func=get_share_list&sid=sid123&dir=ASC&limit=20&sort=filename&start=0",
+        "func=get_share_list&sid=sid123&dir=ASC&limit=20&sort=filename&start=7",
         [](_WFM_AUTH_CONTEXT* session, uint32_t port, const wchar_t* slaveID) {
             LinkListCall call;
             call.slaveID = slaveID;
@@ -72,6 +65,14 @@ TEST(WFMGetShareLinkListWire, LimitAndStartTravelAsGiven) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(server.onlyRequest().queryText(),
               "func=get_share_list&sid=sid123&dir=ASC&limit=2147483647&sort=filename&start=2147483646");
+
+    RawServer least({Reply::json("{}")});
+    LinkListCall first(least);
+    first.limit = 1;
+    first.start = 0;
+    EXPECT_EQ(first.run(), 0u);
+    EXPECT_EQ(least.onlyRequest().queryText(),
+              "func=get_share_list&sid=sid123&dir=ASC&limit=1&sort=filename&start=0");
 }
 
 TEST(WFMGetShareLinkListWire, TheRecordsAreFilledAndStartBecomesTheTotal) {
@@ -85,10 +86,22 @@ TEST(WFMGetShareLinkListWire, TheRecordsAreFilledAndStartBecomesTheTotal) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.start, 40);
     EXPECT_EQ(call.count, 2u);
-    EXPECT_EQ(call.texts(),
-              (Lines{"ssid=s1 file=書.txt link=http://nas/share.cgi?ssid=s1 creator=ann name=for bob multiple",
-                     "ssid=s2 file=d folder", "untouched"}));
+    EXPECT_EQ(
+        call.links.texts(),
+        (Lines{"ssid=s1 file=書.txt link=http://nas/share.cgi?ssid=s1 creator=ann name=for bob multiple",
+               "ssid=s2 file=d folder", "untouched"}));
     log.expectNoLines();
+}
+
+TEST(WFMGetShareLinkListWire, TheReservedTextStaysTheCallers) {
+    RawServer server({Reply::json(replyOf(2))});
+    LinkListCall call(server);
+    EXPECT_EQ(call.run(), 0u);
+    EXPECT_EQ(call.links.texts(), (Lines{"file=f1", "file=f2", "untouched"}));
+    const Garbage<_WFM_SHARE_LINK_INFO> given;
+    for (const auto& link : call.links.records)
+        EXPECT_EQ(
+            std::memcmp(link.record.szReserved, given.record.szReserved, sizeof given.record.szReserved), 0);
 }
 
 TEST(WFMGetShareLinkListWire, ALinkWithoutAFileNameIsLeftOut) {
@@ -98,24 +111,35 @@ TEST(WFMGetShareLinkListWire, ALinkWithoutAFileNameIsLeftOut) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.start, 3);
     EXPECT_EQ(call.count, 1u);
-    EXPECT_EQ(call.texts(), (Lines{"file=a", "untouched", "untouched"}));
+    EXPECT_EQ(call.links.texts(), (Lines{"file=a", "untouched", "untouched"}));
+}
+
+TEST(WFMGetShareLinkListWire, ALinkWithoutAFileNameNeedsRoomToo) {
+    RawServer server(
+        {Reply::json(R"({"total":40,"datas":[{"filename":"a"},{"ssid":"s1"},{"filename":"b"}]})")});
+    LinkListCall call(server);
+    call.count = 2;
+    EXPECT_EQ(call.run(), 7u);
+    EXPECT_EQ(call.start, 40);
+    EXPECT_EQ(call.count, 0u);
+    EXPECT_TRUE(call.links.isUntouched());
 }
 
 TEST(WFMGetShareLinkListWire, ANullEntryIsPassedOver) {
     RawServer server({Reply::json(replyOf(2))});
     LinkListCall call(server);
-    call.pointers[0] = nullptr;
+    call.list[0] = nullptr;
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.count, 2u);
-    EXPECT_EQ(call.texts(), (Lines{"untouched", "file=f1", "file=f2"}));
+    EXPECT_EQ(call.links.texts(), (Lines{"untouched", "file=f1", "file=f2"}));
 
     // What finds no entry is lost.
     RawServer more({Reply::json(replyOf(3))});
     LinkListCall shorter(more);
-    shorter.pointers[1] = nullptr;
+    shorter.list[1] = nullptr;
     EXPECT_EQ(shorter.run(), 0u);
     EXPECT_EQ(shorter.count, 2u);
-    EXPECT_EQ(shorter.texts(), (Lines{"file=f1", "untouched", "file=f2"}));
+    EXPECT_EQ(shorter.links.texts(), (Lines{"file=f1", "untouched", "file=f2"}));
 }
 
 TEST(WFMGetShareLinkListWire, AListThatIsTooSmallIs7AndStaysEmptyButTheTotalIsTold) {
@@ -123,11 +147,14 @@ TEST(WFMGetShareLinkListWire, AListThatIsTooSmallIs7AndStaysEmptyButTheTotalIsTo
         int links;
         uint32_t capacity;
         bool fits;
-    } rows[] = {{3, 3, true}, {2, 3, true}, {3, 2, false}, {1, 0, false}, {20, 3, false}};
+    } rows[] = {{3, 3, true},   {2, 3, true},    {3, 2, false}, {1, 0, false},
+                {20, 20, true}, {20, 19, false}, {20, 3, false}};
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.links) + "/" + std::to_string(row.capacity));
         RawServer server({Reply::json(replyOf(row.links))});
         LinkListCall call(server);
+        CallersList<_WFM_SHARE_LINK_INFO> links(20);
+        call.list = links.data();
         call.count = row.capacity;
         LogCapture log;
         EXPECT_EQ(call.run(), row.fits ? 0u : 7u);
@@ -137,7 +164,7 @@ TEST(WFMGetShareLinkListWire, AListThatIsTooSmallIs7AndStaysEmptyButTheTotalIsTo
             log.expectNoLines();
             continue;
         }
-        EXPECT_EQ(call.texts(), Lines(3, "untouched"));
+        EXPECT_TRUE(links.isUntouched());
         log.expectLines({"[WFMShare] WFMGetShareLinkList: WFM_PARSE_XML_BUFFER_NOT_ENOUGH",
                          summaryLine("WFMGetShareLinkList", server.port(), 7, kSharePrefix)});
     }
@@ -147,6 +174,7 @@ TEST(WFMGetShareLinkListWire, WithoutLinksTheCountIs0AndNoStatusIsAFailure) {
     const std::pair<const char*, int32_t> rows[] = {
         {"{}", 0},
         {R"({"status":1,"total":40})", 40},
+        {R"({"status":1,"total":-40,"datas":[]})", 0},
         {R"({"status":4,"total":40,"datas":[]})", 40},
         {R"({"status":-3,"total":40,"datas":[{"filename":"a"}]})", 0}};
     for (const auto& [reply, total] : rows)
@@ -155,7 +183,6 @@ TEST(WFMGetShareLinkListWire, WithoutLinksTheCountIs0AndNoStatusIsAFailure) {
             RawServer server({Reply::json(reply)});
             LinkListCall call(server);
             call.count = capacity;
-            call.start = 7;
             LogCapture log;
             EXPECT_EQ(call.run(), 0u);
             EXPECT_EQ(call.start, total);
@@ -165,16 +192,15 @@ TEST(WFMGetShareLinkListWire, WithoutLinksTheCountIs0AndNoStatusIsAFailure) {
 }
 
 TEST(WFMGetShareLinkListWire, AFailedCallLeavesStartAloneAndTheCountAt0) {
-    const std::pair<Reply, uint32_t> rows[] = {
-        {Reply::status(503), 12}, {Reply::json(R"({"total":40,"datas":5})"), 14}};
+    const std::pair<Reply, uint32_t> rows[] = {{Reply::status(503), 12},
+                                               {Reply::json(R"({"total":40,"datas":5})"), 14}};
     for (const auto& [reply, dwStatus] : rows) {
         RawServer server({reply});
         LinkListCall call(server);
-        call.start = 7;
         EXPECT_EQ(call.run(), dwStatus);
         EXPECT_EQ(call.start, 7);
         EXPECT_EQ(call.count, 0u);
-        EXPECT_EQ(call.texts(), Lines(3, "untouched"));
+        EXPECT_TRUE(call.links.isUntouched());
     }
 }
 
@@ -184,8 +210,10 @@ TEST(WFMGetShareLinkListWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing
     expectRefusals<LinkListCall>(
         log, session.get(), "WFMGetShareLinkList",
         {[](LinkListCall& call) { call.limit = 0; }, [](LinkListCall& call) { call.limit = -1; },
-         [](LinkListCall& call) { call.start = -1; }, [](LinkListCall& call) { call.startInOut = nullptr; },
+         [](LinkListCall& call) { call.startInOut = nullptr; },
          [](LinkListCall& call) { call.countInOut = nullptr; },
          [](LinkListCall& call) { call.list = nullptr; }},
         kSharePrefix);
+    expectRefusals<NegativeStartCall>(log, session.get(), "WFMGetShareLinkList", {[](NegativeStartCall&) {}},
+                                      kSharePrefix);
 }

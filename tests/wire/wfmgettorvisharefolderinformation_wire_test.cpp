@@ -208,6 +208,14 @@ TEST(WFMGetTorviShareFolderInformationWire, WhatCannotBeReadIs14) {
         });
 }
 
+TEST(WFMGetTorviShareFolderInformationWire, AFailedCallLeavesTheRecordEmpty) {
+    RawServer server({Reply::status(503)});
+    InformationCall call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_EQ(call.signedStatus(), -1);
+    EXPECT_EQ(call.information.text(), "");
+}
+
 TEST(WFMGetTorviShareFolderInformationWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;

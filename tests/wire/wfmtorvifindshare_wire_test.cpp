@@ -151,6 +151,13 @@ TEST(WFMTorviFindShareWire, WhatCannotBeReadIs14AndNamesThePath) {
         [](const FindCall& call) { EXPECT_TRUE(call.found.isUntouched()); });
 }
 
+TEST(WFMTorviFindShareWire, AFailedCallLeavesCountAndListAsTheyAre) {
+    RawServer server({Reply::status(503)});
+    FindCall call(server);
+    EXPECT_EQ(call.run(), 12u);
+    EXPECT_TRUE(call.found.isUntouched());
+}
+
 TEST(WFMTorviFindShareWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
