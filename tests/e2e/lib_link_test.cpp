@@ -209,7 +209,9 @@ TEST_P(LibLink, AnItemListNeedsNoSessionAndNoCode) {
 
 TEST_P(LibLink, LinksAreListedByNamePageByPage) {
     for (const char* path : {"/home/folder", "/home/b.txt", "/home/a.txt"}) link(wish(path));
-    EXPECT_EQ(createLink(client, wish()), kDone);
+    LinkMail unsent;
+    unsent.subject.clear();
+    EXPECT_EQ(createLink(client, wish(), unsent), kDone);
     std::vector<std::string> files;
     for (const LinkRow& row : rows()) {
         files.push_back(row.file + (row.isFolder ? "/" : ""));
