@@ -373,6 +373,7 @@ TEST_P(CliSharedFolder, ItStaysSharedWhereItGoes) {
 TEST_P(CliSharedFolder, ItIsRepairedAfterItWentUnseen) {
     std::filesystem::rename(onDisk("Plans"), onDisk("Lost"));
     EXPECT_EQ(runJson({"link", "where", "/home/Plans"})["shares"][0]["exists"], false);
+    EXPECT_THAT(cli.run({"link", "where"}).out, HasSubstr("/home/Plans (gone)"));
     EXPECT_EQ(runJson({"link", "repair", "/home/Lost"})["repaired"], true);
     EXPECT_THAT(shared(), ElementsAre("/home/Lost"));
     EXPECT_EQ(runJson({"link", "repair", "/home/Lost"})["repaired"], false);

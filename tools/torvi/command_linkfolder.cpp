@@ -90,7 +90,10 @@ void where(const GlobalOptions& global, const WhereOptions& options) {
         found = sharedAt(session, what, folder);
         for (const SharedFolder& below : sharedBelow(session, what, folder)) {
             // Some servers count the folder itself.
-            if (found.empty() || below.shareId != found.front().shareId) found.push_back(below);
+            if (!found.empty() && below.shareId == found.front().shareId) continue;
+            // The list doesn't tell what is gone.
+            const auto closer = sharedAt(session, what, below.path);
+            found.push_back(closer.empty() ? below : closer.front());
         }
     }
     if (global.json) {

@@ -38,13 +38,6 @@ void startLog(bool verbose) {
     }
 }
 
-/// Whether a command stands wherever one must.
-bool namesCommand(const CLI::App& app) {
-    if (app.get_require_subcommand_min() == 0) return true;
-    const auto chosen = app.get_subcommands();
-    return !chosen.empty() && namesCommand(*chosen.front());
-}
-
 int run(const torvi::GlobalOptions& global, const torvi::Action& action) {
     using namespace torvi;
     const InterruptWatch watch([&global] {
@@ -107,7 +100,7 @@ int main(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& help) {
-        if (app.remaining_size() == 0 || namesCommand(app)) return app.exit(help);
+        if (app.remaining_size() == 0 || torvi::namesCommand(app)) return app.exit(help);
         std::fprintf(stderr, "torvi: %s: no such command\nRun torvi --help for more information.\n",
                      app.remaining().front().c_str());
         return static_cast<int>(torvi::Exit::Usage);

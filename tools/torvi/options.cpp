@@ -48,6 +48,12 @@ void addFooter(CLI::App& app) {
     app.footer(kFooter);
 }
 
+bool namesCommand(const CLI::App& app) {
+    if (app.get_require_subcommand_min() == 0) return true;
+    const auto chosen = app.get_subcommands();
+    return !chosen.empty() && namesCommand(*chosen.front());
+}
+
 void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
     // What the subcommands inherit comes before they are made.
     app.footer(kCommandFooter);
@@ -57,8 +63,7 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
     app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
         std::string message = error.what();
         // A word that is no command shows only in what is left over.
-        const bool unknown = failed->get_parent() == nullptr && failed->get_subcommands().empty();
-        if (unknown && failed->remaining_size() > 0)
+        if (failed->get_parent() == nullptr && !namesCommand(*failed) && failed->remaining_size() > 0)
             message = failed->remaining().front() + ": no such command";
         return "torvi: " + message + "\nRun torvi --help for more information.\n";
     });

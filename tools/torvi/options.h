@@ -45,6 +45,8 @@ struct Commands {
 void addGlobalOptions(CLI::App& app, GlobalOptions& options);
 /// The program's own last words in its help, after the commands.
 void addFooter(CLI::App& app);
+/// Whether a command stands wherever one must.
+bool namesCommand(const CLI::App& app);
 
 // One per family.
 void addSessionCommands(const Commands& commands);
