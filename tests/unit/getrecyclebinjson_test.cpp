@@ -12,11 +12,16 @@ TEST(CGetRecycleBinJson, OnlyTheNumber1IsOn) {
     const struct {
         const char* reply;
         bool enabled;
-    } rows[] = {{R"({"recycle_bin_enable":1})", true},       {R"({"recycle_bin_enable":"1"})", true},
-                {R"({"recycle_bin_enable":0})", false},      {R"({"recycle_bin_enable":2})", false},
-                {R"({"recycle_bin_enable":-1})", false},     {R"({"recycle_bin_enable":true})", false},
-                {R"({"recycle_bin_enable":"true"})", false}, {R"({"recycle_bin_enable":null})", false},
-                {R"({"status":1})", false},                  {"{}", false}};
+    } rows[] = {{R"({"recycle_bin_enable":1})", true},
+                {R"({"recycle_bin_enable":"1"})", true},
+                {R"({"recycle_bin_enable":0})", false},
+                {R"({"recycle_bin_enable":2})", false},
+                {R"({"recycle_bin_enable":-1})", false},
+                {R"({"recycle_bin_enable":true})", false},
+                {R"({"recycle_bin_enable":"true"})", false},
+                {R"({"recycle_bin_enable":null})", false},
+                {R"({"status":1})", false},
+                {"{}", false}};
     for (const auto& row : rows) {
         CGetRecycleBinJson reply;
         EXPECT_EQ(parse(reply, row.reply), 1);

@@ -42,7 +42,8 @@ TEST(CShareGetAdInfoJson, ReadsEachFieldFromItsKey) {
 }
 
 TEST(CShareGetAdInfoJson, AnyStatusBut1IsMinus1) {
-    for (const char* keys : {R"("status":0,)", R"("status":2,)", R"("status":-3,)", R"("status":null,)", ""}) {
+    for (const char* keys :
+         {R"("status":0,)", R"("status":2,)", R"("status":-3,)", R"("status":null,)", ""}) {
         CShareGetAdInfoJson reply;
         EXPECT_EQ(parse(reply, "{" + std::string(keys) + R"("count":1})"), 1);
         EXPECT_EQ(reply.GetStatus(), -1) << keys;
@@ -73,7 +74,7 @@ TEST(CShareGetAdInfoJson, NamesAreCutToTheirFields) {
 
 TEST(CShareGetAdInfoJson, RefusesWhatCannotBeRead) {
     expectRefusesAllButObjects<CShareGetAdInfoJson>(
-        {R"({"status":99999999999})", R"({"ADSupport":99999999999})", R"({"TrustedDomainEnable":99999999999})",
-         R"({"count":99999999999})", R"({"datas":{}})", R"({"datas":"x"})", R"({"datas":[{"domain":[]}]})",
-         R"({"datas":[{"netbios":{}}]})"});
+        {R"({"status":99999999999})", R"({"ADSupport":99999999999})",
+         R"({"TrustedDomainEnable":99999999999})", R"({"count":99999999999})", R"({"datas":{}})",
+         R"({"datas":"x"})", R"({"datas":[{"domain":[]}]})", R"({"datas":[{"netbios":{}}]})"});
 }

@@ -58,9 +58,9 @@ uint32_t fixTeamFolderLink(Context context, const wchar_t* server, uint32_t port
     bool usesSyncService = true;
     if (context != nullptr) WFMGetUseNuboCGI(context, &usesSyncService);
     uint32_t fixed = 0;
-    return withoutResultWord(WFMFixTeamFolderLink(context, server, port, nullptr, usesSyncService ? 4 : 8,
-                                                  L"/home/a", &fixed),
-                             result);
+    return withoutResultWord(
+        WFMFixTeamFolderLink(context, server, port, nullptr, usesSyncService ? 4 : 8, L"/home/a", &fixed),
+        result);
 }
 
 /// A row of the family's usual wording.

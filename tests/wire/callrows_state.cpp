@@ -166,7 +166,8 @@ void addStateRows(std::vector<CallRow>& rows) {
     row.nonObjectIsUnderstood = true;
     rows.push_back(row);
 
-    row = spelledRow("WFMGetTorviLastModifiedTime", lastModifiedTime, "[WFMShare] WFMGetTorviLastModifiedTime");
+    row =
+        spelledRow("WFMGetTorviLastModifiedTime", lastModifiedTime, "[WFMShare] WFMGetTorviLastModifiedTime");
     row.goodReply = R"({"epochmt":"5"})";
     rows.push_back(row);
 
@@ -188,7 +189,8 @@ void addStateRows(std::vector<CallRow>& rows) {
     row.goodReply = R"({"status":0,"end":1})";
     rows.push_back(row);
 
-    row = spelledRow("WebFileManGetQuotaInformation", quotaInformation, "[WFM] WebFileManGetQuotaInformation");
+    row =
+        spelledRow("WebFileManGetQuotaInformation", quotaInformation, "[WFM] WebFileManGetQuotaInformation");
     row.goodReply = R"({"quota_enable":true,"quota_size":"2 GB","used_quota_size":"1 GB"})";
     row.tooLarge = R"({"quota_enable":true,"vol_id":99999999999})";
     rows.push_back(row);

@@ -67,9 +67,8 @@ TEST(WebFileManGetAdInfoWire, TheDomainsAreCopiedAndASuccessHasALine) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.result, 0u);
     EXPECT_EQ(call.count, 2u);
-    EXPECT_EQ(call.domains.texts(), (Lines{"domain=corp.example netbios=CORP",
-                                           "domain=\xE6\x96\x87.example", "untouched", "untouched",
-                                           "untouched"}));
+    EXPECT_EQ(call.domains.texts(), (Lines{"domain=corp.example netbios=CORP", "domain=\xE6\x96\x87.example",
+                                           "untouched", "untouched", "untouched"}));
     log.expectLines({numberLine(2)});
 }
 
@@ -131,8 +130,7 @@ TEST(WebFileManGetAdInfoWire, ADomainWithoutARecordIsSkipped) {
     EXPECT_EQ(call.run(), 0u);
     EXPECT_EQ(call.result, 0u);
     EXPECT_EQ(call.count, 2u);
-    EXPECT_EQ(call.domains.texts(),
-              (Lines{"untouched", "domain=d2", "domain=d3", "untouched", "untouched"}));
+    EXPECT_EQ(call.domains.texts(), (Lines{"untouched", "domain=d2", "domain=d3", "untouched", "untouched"}));
 }
 
 TEST(WebFileManGetAdInfoWire, LongNamesAreCut) {
@@ -173,9 +171,9 @@ TEST(WebFileManGetAdInfoWire, AFailedCallCountsNone) {
 TEST(WebFileManGetAdInfoWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
-    expectRefusals<AdInfoCall>(log, session.get(), "WebFileManGetAdInfo",
-                               {[](AdInfoCall& call) { call.resultWord = nullptr; },
-                                [](AdInfoCall& call) { call.list = nullptr; },
-                                [](AdInfoCall& call) { call.countOut = nullptr; }},
-                               kSharePrefix);
+    expectRefusals<AdInfoCall>(
+        log, session.get(), "WebFileManGetAdInfo",
+        {[](AdInfoCall& call) { call.resultWord = nullptr; }, [](AdInfoCall& call) { call.list = nullptr; },
+         [](AdInfoCall& call) { call.countOut = nullptr; }},
+        kSharePrefix);
 }

@@ -67,7 +67,7 @@ TEST(WebFileManGetSharePathWire, APathThatDoesNotFitWithItsTerminatorIsMinus23) 
         size_t length;
         uint32_t capacity;
         bool fits;
-    } rows[] = {{259, 260, true}, {260, 260, false}, {261, 260, false}, {1, 2, true},
+    } rows[] = {{259, 260, true}, {260, 260, false},  {261, 260, false},  {1, 2, true},
                 {1, 1, false},    {4095, 4096, true}, {4095, 4095, false}};
     for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.length) + " for " + std::to_string(row.capacity));
@@ -113,11 +113,10 @@ TEST(WebFileManGetSharePathWire, WithoutAPathTheResultIsTheStatusOrMinus1) {
 TEST(WebFileManGetSharePathWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
-    expectRefusals<SharePathCall>(log, session.get(), "WebFileManGetSharePath",
-                                  {[](SharePathCall& call) { call.shareID = nullptr; },
-                                   [](SharePathCall& call) { call.shareID = L""; },
-                                   [](SharePathCall& call) { call.capacity = 0; },
-                                   [](SharePathCall& call) { call.path = nullptr; },
-                                   [](SharePathCall& call) { call.resultWord = nullptr; }},
-                                  kSharePrefix);
+    expectRefusals<SharePathCall>(
+        log, session.get(), "WebFileManGetSharePath",
+        {[](SharePathCall& call) { call.shareID = nullptr; }, [](SharePathCall& call) { call.shareID = L""; },
+         [](SharePathCall& call) { call.capacity = 0; }, [](SharePathCall& call) { call.path = nullptr; },
+         [](SharePathCall& call) { call.resultWord = nullptr; }},
+        kSharePrefix);
 }

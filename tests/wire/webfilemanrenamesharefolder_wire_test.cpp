@@ -43,12 +43,9 @@ TEST(WebFileManRenameShareFolderWire, ThePathsAreSentAsTheyStandButForASlashAtTh
 }
 
 TEST(WebFileManRenameShareFolderWire, AnotherFolderIs87WithoutARequest) {
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {{L"/a/x", L"/b/y"},
-                                                              {L"/a/x", L"/A/y"},
-                                                              {L"/a/x", L"a/y"},
-                                                              {L"/a/x", L"/a/b/x"},
-                                                              {L"/a/b/x", L"/a/x"},
-                                                              {L"/a/x", L"/a//y"}};
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {{L"/a/x", L"/b/y"},   {L"/a/x", L"/A/y"},
+                                                              {L"/a/x", L"a/y"},    {L"/a/x", L"/a/b/x"},
+                                                              {L"/a/b/x", L"/a/x"}, {L"/a/x", L"/a//y"}};
     for (const auto& [source, destination] : rows) {
         SCOPED_TRACE(testing::PrintToString(destination));
         RawServer server({Reply::json(R"({"success":"true"})")});

@@ -1,5 +1,5 @@
-// WebFileManUpdateLink: what is its own. What it shares with its sisters stands in sharefolders_wire_test.cpp,
-// what every call shares in everycall_wire_test.cpp.
+// WebFileManUpdateLink: what is its own. What it shares with its sisters stands in
+// sharefolders_wire_test.cpp, what every call shares in everycall_wire_test.cpp.
 
 #include <gtest/gtest.h>
 

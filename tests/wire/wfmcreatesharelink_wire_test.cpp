@@ -108,7 +108,10 @@ TEST(WFMCreateShareLinkWire, AMailNeedsBothSubjectAndContent) {
         const wchar_t* subject;
         const wchar_t* content;
         bool mails;
-    } rows[] = {{L"s", L"c", true}, {L"s", L"", false}, {L"s", nullptr, false}, {L"", L"c", false},
+    } rows[] = {{L"s", L"c", true},
+                {L"s", L"", false},
+                {L"s", nullptr, false},
+                {L"", L"c", false},
                 {nullptr, L"c", false}};
     for (const auto& row : rows) {
         const HeaderList fields = formOf<CreateLinkCall>([&row](CreateLinkCall& call) {

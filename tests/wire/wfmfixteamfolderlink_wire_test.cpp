@@ -101,9 +101,9 @@ TEST(WFMFixTeamFolderLinkWire, AFailedCallLeavesTheOutWordAlone) {
 TEST(WFMFixTeamFolderLinkWire, RefusesWhatMustBeGivenWithOneLineAndTouchesNothing) {
     const SessionPtr session = makeSession();
     LogCapture log;
-    expectRefusals<FixLinkCall>(log, session.get(), "WFMFixTeamFolderLink",
-                                {[](FixLinkCall& call) { call.path = nullptr; },
-                                 [](FixLinkCall& call) { call.path = L""; },
-                                 [](FixLinkCall& call) { call.out = nullptr; }},
-                                kSharePrefix);
+    expectRefusals<FixLinkCall>(
+        log, session.get(), "WFMFixTeamFolderLink",
+        {[](FixLinkCall& call) { call.path = nullptr; }, [](FixLinkCall& call) { call.path = L""; },
+         [](FixLinkCall& call) { call.out = nullptr; }},
+        kSharePrefix);
 }

@@ -84,19 +84,18 @@ TEST(WFMUpdateShareLinkWire, GoesToTheNodeAndNamesItInTheHost) {
                              std::wstring(route.slaveID) == L"Node";
         const HeaderList host = isOther ? HeaderList{{"ht", "10"}, {"hostname", "nas.example%2FNode"}}
                                         : HeaderList{{"hostname", "nas.example"}};
-        expectPost(server, server.onlyRequest(), route.cgi + "?" + kQuery,
-                   joined(joined({{"download_type", "create_download_link"},
-                                  {"option", "1"},
-                                  {"valid_duration", "forever"},
-                                  {"file_total", "1"},
-                                  {"access_code", ""},
-                                  {"access_enabled", "false"}},
-                                 host),
-                          {{"ssl", "false"},
-                           {"include_access_code", "false"},
-                           {"expire_time", "7"},
-                           {"ssids", "s1"}}),
-                   "agent");
+        expectPost(
+            server, server.onlyRequest(), route.cgi + "?" + kQuery,
+            joined(
+                joined({{"download_type", "create_download_link"},
+                        {"option", "1"},
+                        {"valid_duration", "forever"},
+                        {"file_total", "1"},
+                        {"access_code", ""},
+                        {"access_enabled", "false"}},
+                       host),
+                {{"ssl", "false"}, {"include_access_code", "false"}, {"expire_time", "7"}, {"ssids", "s1"}}),
+            "agent");
     }
 }
 
