@@ -448,8 +448,8 @@ void unshare(const GlobalOptions& global, const UnshareOptions& options) {
 }
 
 template <typename Options>
-void bind(const Commands& commands, CLI::App* command, const std::shared_ptr<Options>& options,
-          void (*run)(const GlobalOptions&, const Options&)) {
+void setAction(const Commands& commands, CLI::App* command, const std::shared_ptr<Options>& options,
+               void (*run)(const GlobalOptions&, const Options&)) {
     command->callback([&global = commands.global, &action = commands.action, options, run] {
         action = [&global, options, run] { run(global, *options); };
     });
@@ -484,7 +484,7 @@ void addMembers(const Commands& commands) {
                      "Only those of this directory domain, by either of its names")
         ->type_name("NAME");
     command->add_flag("--refresh", options->refresh, "Have the server look anew");
-    bind(commands, command, options, members);
+    setAction(commands, command, options, members);
 }
 
 }  // namespace
@@ -496,7 +496,7 @@ void addTeamOwnerCommands(const Commands& commands) {
     shareCommand->add_option("path", shared->path, "The folder on the server")->type_name("")->required();
     shareCommand->add_option("users", shared->users, "Whom to invite")->type_name("")->required();
     addDetach(shareCommand, *shared);
-    bind(commands, shareCommand, shared, share);
+    setAction(commands, shareCommand, shared, share);
 
     addMembers(commands);
 
@@ -510,21 +510,21 @@ void addTeamOwnerCommands(const Commands& commands) {
         ->type_name("")
         ->required();
     addEnds(setCommand, *set);
-    bind(commands, setCommand, set, setMember);
+    setAction(commands, setCommand, set, setMember);
 
     CLI::App* kickCommand = commands.app.add_subcommand("kick", "Take a folder back from one user");
     auto kicked = std::make_shared<KickOptions>();
     addFolder(kickCommand, kicked->folder);
     kickCommand->add_option("user", kicked->user, "From whom")->type_name("")->required();
     addEnds(kickCommand, *kicked);
-    bind(commands, kickCommand, kicked, kick);
+    setAction(commands, kickCommand, kicked, kick);
 
     CLI::App* unshareCommand =
         commands.app.add_subcommand("unshare", "Take a folder back from everybody; its content stays");
     auto unshared = std::make_shared<UnshareOptions>();
     addFolder(unshareCommand, unshared->folder);
     addEnds(unshareCommand, *unshared);
-    bind(commands, unshareCommand, unshared, unshare);
+    setAction(commands, unshareCommand, unshared, unshare);
 }
 
 }  // namespace torvi
