@@ -159,7 +159,11 @@ protected:
         return namesOf(sharedOf(client, type));
     }
     /// What ben's computer comes to in the team folder; it has heard of it before.
-    Numbers reach() const { return device.stat(shownPath(), L"p"); }
+    Numbers reach() const { return reach(shown()); }
+    Numbers reach(const std::string& name) const {
+        std::int64_t size = 0;
+        return device.folderSize(L"/home/.Torvi", wide(name), size);
+    }
 
     Client ben{nas, GetParam(), L"ben", L"hidden"};
     Client carl{nas, GetParam(), L"carl", L"third"};

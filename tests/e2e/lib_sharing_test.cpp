@@ -45,7 +45,6 @@ protected:
         while (!names(ben, kReceived).empty()) {
         }
     }
-    Numbers reachPhotos() const { return device.stat(L"/home/.Torvi/Photos", L"p"); }
 };
 
 }  // namespace
@@ -304,7 +303,7 @@ TEST_P(LibStuckShare, NothingIsGivenOrTakenBeforeTheJobEnds) {
     }
     EXPECT_THAT(names(carl, kInvited), IsEmpty());
     EXPECT_THAT(names(ben, kReceived), ElementsAre("Photos"));
-    EXPECT_EQ(device.stat(L"/home/.Torvi/Photos", L"p"), kDone);
+    EXPECT_EQ(reach("Photos"), kDone);
     // The job is its user's.
     EXPECT_EQ(carl.askJob(unsharing).numbers, kRefused);
 }
@@ -312,14 +311,14 @@ TEST_P(LibStuckShare, NothingIsGivenOrTakenBeforeTheJobEnds) {
 TEST_P(LibSlowShare, WhatLeavingTakesAwayGoesWithTheEndOfItsJob) {
     EXPECT_EQ(leave(ben, the(ben, kReceived)), kDone);
     waitUntilItIsGone();
-    EXPECT_EQ(reachPhotos(), kLost);
+    EXPECT_EQ(reach("Photos"), kLost);
     expectOver(ben, kLeft);
 }
 
 TEST_P(LibSlowShare, WhatKickingOutTakesAwayGoesWithTheEndOfItsJob) {
     EXPECT_EQ(kickOut(client, the(client, kOwned)), kDone);
     waitUntilItIsGone();
-    EXPECT_EQ(reachPhotos(), kLost);
+    EXPECT_EQ(reach("Photos"), kLost);
     expectOver(ben, kTakenAway);
 }
 
@@ -334,7 +333,7 @@ TEST_P(LibSlowShare, TheProgressOfUnsharingGrowsUntilTheFolderIsGone) {
         ASSERT_GE(state.percent, before);
     }
     EXPECT_THAT(names(ben, kReceived), IsEmpty());
-    EXPECT_EQ(reachPhotos(), kUnshared);
+    EXPECT_EQ(reach("Photos"), kUnshared);
 }
 
 TEST_P(LibTeamFolders, TheOwnerAndTheReceiverSeeTheirSideOfAFolder) {
