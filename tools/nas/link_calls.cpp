@@ -119,6 +119,11 @@ std::vector<std::string> valuesOf(const Fields& form, const std::string& key) {
     return values;
 }
 
+// Of a team folder as a whole the form names nothing but its path.
+std::string shownName(const Link& link) {
+    return leafOf(link.files[0].empty() ? link.path : link.files[0]);
+}
+
 // What a form asks for, with everything but the ssid; throws Missing for files that aren't there.
 Link linkOf(Service& service, const User& user, const Fields& form) {
     Link link;
@@ -140,7 +145,7 @@ Link linkOf(Service& service, const User& user, const Fields& form) {
         }
     }
     if (link.name.empty()) {
-        link.name = leafOf(link.files[0]);
+        link.name = shownName(link);
     }
     return link;
 }
@@ -500,7 +505,7 @@ Answer linkList(Service& service, Request& request, httplib::Response&) {
     for (int64_t i = start; i < static_cast<int64_t>(links.size()) && i - start < limit; ++i) {
         const Link& link = *links[static_cast<size_t>(i)];
         datas.push_back({{"ssid", link.ssid},
-                         {"filename", link.files[0]},
+                         {"filename", shownName(link)},
                          {"download_link", link.url},
                          {"creator", link.owner},
                          {"link_name", link.name},

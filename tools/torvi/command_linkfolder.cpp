@@ -169,7 +169,7 @@ QString targetOf(const Session& session, const QString& source, const std::strin
     const QString given = QString::fromStdString(destination);
     const QString target = remotePath(given);
     if (given.endsWith(QLatin1Char('/'))) return joined(target, leafOf(source));
-    const auto there = lookUp(session, target);
+    const auto there = target == source ? std::nullopt : lookUp(session, target);
     return there && there->folder ? joined(target, leafOf(source)) : target;
 }
 
@@ -183,6 +183,7 @@ void move(const GlobalOptions& global, const MoveOptions& options) {
         requireOwn(session, what, source);
         require(session, what, source);
         target = targetOf(session, source, options.destination);
+        if (target == source) throw Failure(Exit::Usage, QStringLiteral("%1: it is there already").arg(what));
         if (lookUp(session, target))
             throw Failure(Exit::AlreadyExists, QStringLiteral("%1: %2 exists already").arg(what, target));
         renames = parentOf(source) == parentOf(target);
