@@ -193,6 +193,22 @@ TEST_F(NasLinks, AFolderIsALinkToAllThatItHolds) {
     }
 }
 
+TEST_F(NasLinks, ATeamFolderAsAWholeHasNoFileName) {
+    write("homes/anna/Plans/plan", "a plan");
+    LinkForm form = getForm({"forever", "", "", "", ""});
+    for (auto& [key, value] : form) {
+        if (key == "path") value = "vtf://anna-Plans";
+    }
+    const NasReply reply = call("get_share_link", form, benSid);
+    ASSERT_EQ(1, reply.status()) << reply.body;
+    const std::string id = reply.json()["ssid"].asString();
+    EXPECT_EQ("anna-Plans", list(benSid)["datas"][0]["filename"].asString());
+    EXPECT_EQ("anna-Plans",
+              get("/share.cgi?func=get_list&ssid=" + id).json()["datas"][0]["filename"].asString());
+    EXPECT_EQ("plan", open(id).json()["datas"][0]["filename"].asString());
+    EXPECT_EQ("a plan", open(id, "&file=plan").body);
+}
+
 TEST_F(NasLinks, ANewShareHasANameAndNoFolder) {
     write("Public/c.txt", "content of c");
     LinkForm form = {{"valid_duration", "forever"},

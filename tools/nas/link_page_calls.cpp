@@ -28,7 +28,8 @@ Answer linkedItems(Service& service, const Link& link) {
     for (const std::string& file : link.files) {
         try {
             const LinkItem item = openItem(service, ownerOf(service, link), wholePath(link, file));
-            datas.push_back({{"filename", file}, {"isfolder", item.entry.isFolder ? 1 : 0}});
+            const std::string name = file.empty() ? leafOf(link.path) : file;
+            datas.push_back({{"filename", name}, {"isfolder", item.entry.isFolder ? 1 : 0}});
         } catch (const StatusError&) {
             // Gone since.
         }
@@ -60,9 +61,10 @@ Answer openFile(Service& service, const Link& link, const std::string& file, htt
     if (!item.entry.isFolder) {
         return sendFile(service.tree().openFile(item.folder, item.name), 0, response);
     }
+    const std::string above = file.empty() ? "" : file + "/";
     nlohmann::json datas = nlohmann::json::array();
     for (const Entry& entry : service.tree().list(owner, service.tree().open(owner, path))) {
-        datas.push_back({{"filename", file + "/" + entry.name}, {"isfolder", entry.isFolder ? 1 : 0}});
+        datas.push_back({{"filename", above + entry.name}, {"isfolder", entry.isFolder ? 1 : 0}});
     }
     return listed(datas);
 }
