@@ -72,7 +72,7 @@
 ///
 /// Each call uses client codes or system-style numbers, never both for the same thing; its table says which.
 /// A few have numbers of their own: 8 of WFMGetDomainIPList, 14 and 16 to 19 of the logins that may want a
-/// second step, 6 (mail) and 7 (time) of the calls that make and change links.
+/// second step, 6 (mail) and 7 (time) of the calls that make, change or mail links.
 ///
 /// @section arguments Arguments that are the same everywhere
 ///

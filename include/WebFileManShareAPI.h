@@ -70,7 +70,7 @@ struct _WFM_TORVI_SHARE_FOLDER_INFORMATION {
     int32_t nShareIDStatus;  ///< the server's own number; 0 if it sends none
     int32_t nEventStatus;    ///< the server's own number
     int32_t nNuboType;       ///< the server's kind of share
-    wchar_t szShareID[260];  ///< terminated
+    wchar_t szShareID[260];  ///< terminated; empty if the folder is gone and the server tells no good one
     wchar_t szNasID[260];    ///< terminated; empty if the server tells none, or one that doesn't fit
 };
 
@@ -129,7 +129,7 @@ struct _WFM_SHARE_LINK_ITEM_INFO {
 };
 
 /// What WFMGetandCreateShareLink came to. All texts are terminated; one that is longer than its field is cut,
-/// an id that doesn't fit is empty.
+/// one of 4096 characters or more is empty, as is an id that doesn't fit.
 struct _WFM_SHARE_LINK_RESULT {
     int32_t nResult;            ///< the result word of the call
     int32_t nMultiple;          ///< 1: the link holds more than one item
@@ -366,7 +366,8 @@ TORVIAPI_EXPORT uint32_t WebFileManGetMyEvent(_WFM_AUTH_CONTEXT* context, const 
                                               uint32_t* total, uint32_t* count,
                                               _WFM_TORVI_EVENT_INFORMATION** list);
 
-/// Finds the shares below a folder, the folder itself not counted, without regard to case.
+/// Finds the shares below a folder, without regard to case; the folder itself too, if the server writes it
+/// with a "/" at its end. A share with an id of 260 characters or more, or a path of 2048, isn't handed out.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param file        the folder, with or without "/" at its end; not null or empty
 /// @param lower       where the page begins, sent as given
@@ -693,7 +694,7 @@ TORVIAPI_EXPORT uint32_t WebFileManGetUserList(_WFM_AUTH_CONTEXT* context, const
 
 /// Lists the directory domains that the server knows.
 /// @param context,server,port  the session and where; not null or empty, not 0
-/// @param capacity    entries of `list`; 0 or less is none
+/// @param capacity    entries of `list`, not negative; 0 is none
 /// @param reserved    null
 /// @param resultWord  not null
 /// @param list        the caller's records; not null, also if `capacity` is 0
@@ -941,7 +942,7 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const w
 /// @param slaveID   null, or the node to ask
 /// @param reserved  null
 /// @param ssid      the link; not null or empty
-/// @param total     receives how many items the link holds; 0 unless `dwStatus` is 0 or 7. Not null
+/// @param total     receives how many items the link holds; 0 after every failure but 7 and 8. Not null
 /// @param count     in: entries in `list`. Out: records filled; 0 after every failure but 8. Not null
 /// @param list      the caller's records; not null, **and no entry of it may be null**: unlike
 ///                  WFMGetShareLinkList, this call doesn't look
@@ -958,8 +959,8 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLinkList(_WFM_AUTH_CONTEXT* context, const w
 /// | 0        | `count` records are filled; none for a link that isn't there |
 /// | 7        | more items came than the list has entries                    |
 ///
-/// Twice: safe, but set `count` anew. The server sends all items at once: after 7 ask again with `total`
-/// entries.
+/// Twice: safe, but set `count` anew. The server sends all items at once: after 7 ask again with more
+/// entries, `total` of them as a rule.
 TORVIAPI_EXPORT uint32_t WFMGetShareLinkItemList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
                                                  uint32_t port, const wchar_t* path, const wchar_t* slaveID,
                                                  void* reserved, const wchar_t* ssid, uint32_t* total,
@@ -1027,7 +1028,9 @@ TORVIAPI_EXPORT uint32_t WFMGetShareLink(_WFM_AUTH_CONTEXT* context, const wchar
 /// @param linkName      the name of a new link; counts with newShare only. May be null
 /// @param secureLink    true: an https link
 /// @param durationType  1 to 3, of gValidDurationTypes; another number sends an empty word
-/// @param newShare      true: a link that belongs to no folder; hostname and fileList may be empty then
+/// @param newShare      true: a link that belongs to no folder; hostname and fileList may be empty then. The
+///                      files' folder isn't sent, and what lies in a team folder isn't mapped, nor its node
+///                      used
 /// @param information   not null; zeroed first, with nResult -1
 /// @return `dwStatus`
 ///
@@ -1095,7 +1098,8 @@ TORVIAPI_EXPORT uint32_t WFMCreateShareLink(_WFM_AUTH_CONTEXT* context, const wc
 /// @param downloadType  1 or 2, of gDownloadLinkTypes
 /// @param durationType  1 to 3, of gValidDurationTypes
 /// @param networkType   1 or 2, of gNetworkTypes; tested, but not sent
-/// @param hostPort      the port that the link is to name; 0: none
+/// @param hostPort      the port that the link is to name; 0: none, but another node gets ":0" before it with
+///                      hostForm
 /// @param hostname      the host that the link is to name; not null or empty. With port and node it must stay
 ///                      below 260 characters
 /// @param accessCode    what a visitor must give; null or empty: nothing

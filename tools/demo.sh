@@ -321,7 +321,7 @@ requests=$(grep -c 'cgi-bin' "$nas_log" || true)
 stop_nas
 
 step "Two nodes of a cluster: what alice shares on one of them, bob receives by way of the other"
-mkdir -p "$scratch/south/homes/alice/Harvest"
+mkdir -p "$scratch/north" "$scratch/south/homes/alice/Harvest"
 printf 'Apples, pears\n' >"$scratch/south/homes/alice/Harvest/list.txt"
 start_node north
 north_port=$node_port

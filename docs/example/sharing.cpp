@@ -37,6 +37,7 @@ void listUsers(_WFM_AUTH_CONTEXT* session) {
 void listTeamFolders(_WFM_AUTH_CONTEXT* session) {
     uint32_t word = 0, total = 0, count = 20;
     List<_WFM_TORVI_TEAM_FOLDER_INFORMATION> folders(count);
+    // Type 0: whatever the server has.
     WebFileManNuboGetTeamFolder(session, kServer, kPort, 0, nullptr, nullptr, 0, count, 0, &total, &count,
                                 folders.pointers.data(), &word);
     for (_WFM_TORVI_TEAM_FOLDER_INFORMATION& folder : folders.records) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "WebFileManShareAPI.h"
@@ -14,6 +15,9 @@ public:
     int32_t status = -1;
     int32_t adSupport = 0;
     int32_t trustedDomainEnable = 0;
-    uint32_t count = 0;  ///< the server's own; that of `domains` where it doesn't count
+    uint32_t count = 0;  ///< the server's own; `number` where it doesn't count
+    /// How many records are kept; those beyond only count. A reply may hold more than memory does.
+    uint32_t room = UINT32_MAX;
+    uint32_t number = 0;
     std::vector<_WFM_TORVI_AD_INFORMATION> domains;
 };

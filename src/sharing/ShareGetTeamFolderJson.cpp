@@ -38,7 +38,7 @@ int CShareGetTeamFolderJson::Parser(char* text) {
         if (!IsPresent(root, "team_folder")) return 1;
         if (!root["team_folder"].isArray()) return -1;
         for (const Json::Value& json : root["team_folder"]) {
-            if (!json.isObject()) continue;
+            if (!json.isObject() || folders.size() >= room) continue;
             folders.push_back({JsonGetInt(json, "type", 0), JsonGetInt(json, "status", 0),
                                JsonText(json, "owner"), ShareIDOf(json), JsonText(json, "parent_id"),
                                JsonText(json, "nas_id"), JsonText(json, "name"), JsonText(json, "path"),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -28,5 +29,7 @@ public:
 
     int32_t status = -1;
     uint32_t total = 0;
+    /// How many folders are kept. A reply may hold more than memory does.
+    uint32_t room = UINT32_MAX;
     std::vector<_TORVI_TEAM_FOLDER_JSON_INFO> folders;
 };

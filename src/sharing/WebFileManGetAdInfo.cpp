@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "WebFileManShareAPI.h"
 #include "core/callframe.h"
 #include "sharing/ShareGetAdInfoJson.h"
@@ -15,11 +17,12 @@ uint32_t WebFileManGetAdInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, 
 
     call.get(L"func=get_ad_info&sid=%ls", call.sid());
     CShareGetAdInfoJson reply;
+    reply.room = static_cast<uint32_t>(std::max(capacity, 0));
     if (!call.ask(reply)) return call.end();
 
     if (reply.GetStatus() != 0) return call.answer(-1);
-    call.debugLine("[WFMShare] WebFileManGetAdInfo: AdInfo num(%d)", static_cast<int>(reply.domains.size()));
-    if (capacity < 0 || static_cast<size_t>(capacity) < reply.domains.size()) {
+    call.debugLine("[WFMShare] WebFileManGetAdInfo: AdInfo num(%d)", static_cast<int>(reply.number));
+    if (capacity < 0 || static_cast<uint32_t>(capacity) < reply.number) {
         *count = reply.count;
         return call.answer(ERROR_INSUFFICIENT_BUFFER,
                            "[WFMShare] WebFileManGetAdInfo: ERROR_INSUFFICIENT_BUFFER");

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "WebFileManShareAPI.h"
 #include "core/callframe.h"
 #include "core/handover.h"
@@ -53,6 +51,7 @@ uint32_t WebFileManNuboGetTeamFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* 
              call.sid(), eventType, lower, upper,
              OptionalKey(L"&target_user=", targetUser) + OptionalKey(L"&path=", path));
     CShareGetTeamFolderJson reply;
+    reply.room = capacity;
     if (!call.ask(reply)) return call.end();
 
     if (reply.GetStatus() != 0)
@@ -63,8 +62,7 @@ uint32_t WebFileManNuboGetTeamFolder(_WFM_AUTH_CONTEXT* context, const wchar_t* 
         call.line("[WFMShare] WebFileManNuboGetTeamFolder: No shared team folder(ori-num=%d)",
                   context->nTeamFolderCount);
     // A longer list is cut without a word.
-    const size_t taken = std::min<size_t>(capacity, reply.folders.size());
-    for (size_t i = 0; i < taken; ++i) {
+    for (size_t i = 0; i < reply.folders.size(); ++i) {
         if (list[i] == nullptr) continue;
         Fill(*list[i], reply.folders[i]);
         ++*count;

@@ -46,6 +46,8 @@ TEST(CFindTorviShareInfoJson, FindsWhatLiesBelowTheFilter) {
     EXPECT_EQ(foundBelow(L"/", shareOf("/A/B/c")), found);
     EXPECT_EQ(foundBelow(L"/a/b", shareOf("/a/bc")), Lines{});
     EXPECT_EQ(foundBelow(L"/a/b", shareOf("/a/b")), Lines{});
+    // The folder itself, where the server writes it as a folder.
+    EXPECT_EQ(foundBelow(L"/a/b", shareOf("/A/B/")), Lines{"type=4 status=5 file=/A/B/ share=s"});
     EXPECT_EQ(foundBelow(L"/a/b/c/d", shareOf("/a/b/c")), Lines{});
 }
 

@@ -43,6 +43,8 @@ TEST(CGetandCreateLinkJson, ReadsItsFields) {
     EXPECT_EQ(reply.expireTime, L"2026/12/24");
     EXPECT_EQ(reply.ssid, L"s1");
     EXPECT_EQ(reply.linkURL, L"http://b/");
+    EXPECT_FALSE(read(R"("multiple":0)").multiple);
+    EXPECT_FALSE(read(R"("multiple":"0")").multiple);
 }
 
 TEST(CGetandCreateLinkJson, AMissingStatusIsASuccessAndAnyOtherEndsTheParse) {

@@ -78,3 +78,12 @@ TEST(CShareGetAdInfoJson, RefusesWhatCannotBeRead) {
          R"({"TrustedDomainEnable":99999999999})", R"({"count":99999999999})", R"({"datas":{}})",
          R"({"datas":"x"})", R"({"datas":[{"domain":[]}]})", R"({"datas":[{"netbios":{}}]})"});
 }
+
+TEST(CShareGetAdInfoJson, CountsThoseForWhichThereIsNoRoom) {
+    CShareGetAdInfoJson reply;
+    reply.room = 2;
+    EXPECT_EQ(parse(reply, R"({"status":1,"datas":[{},{},5,{}]})"), 1);
+    EXPECT_EQ(reply.number, 3u);
+    EXPECT_EQ(reply.count, 3u);
+    EXPECT_EQ(reply.domains.size(), 2u);
+}

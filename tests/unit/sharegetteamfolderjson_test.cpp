@@ -66,6 +66,23 @@ TEST(CShareGetTeamFolderJson, AMissingKeyLeavesItsFieldEmpty) {
     EXPECT_TRUE(folder.receivers.empty());
 }
 
+TEST(CShareGetTeamFolderJson, ReceiversStandInAnArray) {
+    for (const char* receivers : {R"({"a":{"name":"x"}})", R"("x")", "1", "null"}) {
+        const _TORVI_TEAM_FOLDER_JSON_INFO folder =
+            folderOf(R"({"type":1,"receiver_number":1,"receiver":)" + std::string(receivers) + "}");
+        EXPECT_EQ(folder.nType, 1) << receivers;
+        EXPECT_TRUE(folder.receivers.empty()) << receivers;
+    }
+}
+
+TEST(CShareGetTeamFolderJson, KeepsNoMoreThanThereIsRoomFor) {
+    CShareGetTeamFolderJson reply;
+    reply.room = 2;
+    EXPECT_EQ(parse(reply, listOf("{},{},{}", R"("status":0,"total":3)")), 1);
+    EXPECT_EQ(reply.total, 3u);
+    EXPECT_EQ(reply.folders.size(), 2u);
+}
+
 TEST(CShareGetTeamFolderJson, DashesAreNoShareID) {
     EXPECT_EQ(folderOf(R"({"share_id":"--------"})").strShareID, L"");
     EXPECT_EQ(folderOf(R"({"share_id":"-------"})").strShareID, L"-------");

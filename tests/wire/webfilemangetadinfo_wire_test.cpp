@@ -84,6 +84,7 @@ TEST(WebFileManGetAdInfoWire, AListThatIsTooSmallIs122WithTheNumberAndTwoLines) 
                 {-1, listOf(2), 2, 2},
                 // The number is the server's own, if it gives one.
                 {1, listOf(2, R"("status":1,"count":9,)"), 2, 9},
+                {1, listOf(2, R"("status":1,"count":-1,)"), 2, 0},
                 {1, listOf(2, R"("status":1,)"), 2, 2}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.reply + " for " + std::to_string(row.capacity));

@@ -236,6 +236,17 @@ TEST(WFMGetandCreateShareLinkWire, WhereThereIsNoClusterATeamFoldersNodeIsToldTo
     EXPECT_EQ(sent.record, "slave=Node");
 }
 
+TEST(WFMGetandCreateShareLinkWire, ATeamFolderOfNoKnownNodeIsMappedAndLeavesTheCallersNode) {
+    const SessionPtr session = makeTeamSession({{L"/home/.Torvi/T/", L"vtf://S/", nullptr}});
+    const Sent sent = sentBy(session.get(), [](GetAndCreateCall& call) {
+        call.fileList = L"/home/.Torvi/T/a.txt;";
+        call.slaveID = L"Other";
+    });
+    EXPECT_EQ(sent.path, "/Other" + kPlace);
+    EXPECT_EQ(sent.fields, fieldsOf(hostOn("Other", sent.port), "vtf%3A%2F%2FS"));
+    EXPECT_EQ(sent.record, "slave=Other");
+}
+
 TEST(WFMGetandCreateShareLinkWire, TheFileManagerMapsNothing) {
     const SessionPtr session = makeTeamSession();
     useFileManager(*session);

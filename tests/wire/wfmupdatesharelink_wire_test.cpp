@@ -255,6 +255,13 @@ TEST(WFMUpdateShareLinkWire, WithTheNameAloneTheBufferMayBeMissing) {
         EXPECT_EQ(call.result, 0u);
         EXPECT_EQ(call.capacity, 299u);
     }
+    RawServer server({Reply::json(replyOf("l"))});
+    UpdateLinkCall call(server);
+    call.nameOnly = true;
+    call.capacityInOut = nullptr;
+    EXPECT_EQ(call.run(), 0u);
+    EXPECT_EQ(call.result, 0u);
+    EXPECT_TRUE(call.link.isUntouched());
 }
 
 TEST(WFMUpdateShareLinkWire, ARefusalLeavesTheBufferAlone) {
