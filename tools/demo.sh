@@ -328,6 +328,7 @@ north_port=$node_port
 start_node south
 south_port=$node_port
 start_front_end "$north_port" "$south_port"
+say "alice talks to south itself, bob to the front end, which asks north unless a node is named:"
 export TORVI_SERVER=127.0.0.1 TORVI_PASSWORD=wonderland
 shown torvi team share /home/Harvest bob --port "$south_port" --user alice
 export TORVI_PASSWORD=builder
