@@ -2,6 +2,8 @@
 
 #include <set>
 
+#include "visitor.h"
+
 using testing::HasSubstr;
 using Json = nlohmann::json;
 
