@@ -93,6 +93,28 @@ TEST_F(NasShare, TheFileManagerShowsTheTeamArea) {
     EXPECT_EQ(5, get(manager(statQuery(benSid, inside, "p"))).status());
 }
 
+TEST_F(NasShare, AnotherFolderInItsPlaceIsNotShared) {
+    shareWithBen();
+    const std::string id = photosId();
+    std::filesystem::rename(nas.folder().file("homes/anna/Photos"), nas.folder().file("homes/anna/Old"));
+    write("homes/anna/Photos/private", "x");
+    EXPECT_EQ(0, folder(sid, 4, "Photos")["status"].asInt());
+    EXPECT_EQ(5, reach(benSid));
+    EXPECT_EQ(5, run(NasRequest::upload(cgi(uploadQuery(benSid, "vtf://anna-Photos")), "p", "x")).status());
+    EXPECT_FALSE(there("homes/anna/Photos/p"));
+
+    share({"carl"});
+    const std::string other = folder(carlSid, 1, "Photos")["share_id"].asString();
+    EXPECT_NE(id, other);
+    EXPECT_EQ(5, reach(benSid));
+    EXPECT_EQ(4, reach(benSid, "vtf://anna-Photos-2"));
+    EXPECT_EQ(1, reach(sid, "vtf://anna-Photos-2"));
+    EXPECT_EQ(other,
+              get(cgi("func=nubo_team_folder_get_info&sid=" + sid + "&path=" + encoded("/home/Photos")))
+                  .json()["share_id"]
+                  .asString());
+}
+
 TEST_F(NasShare, TeamFoldersOfOneUserHaveDifferentNames) {
     std::filesystem::create_directories(nas.folder().path() / "Public/Photos");
     shareWithBen();

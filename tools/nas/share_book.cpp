@@ -120,10 +120,9 @@ bool ShareBook::hasTeamFolder(const std::string& user) const {
 Share& ShareBook::share(const std::string& nas, const std::string& owner, const std::string& path,
                         const std::string& folder) {
     Share* known = firstOf(shares, [&](const Share& share) {
-        return share.nas == nas && share.owner == owner && share.path == path;
+        return share.nas == nas && share.owner == owner && share.path == path && share.folder == folder;
     });
     if (known) {
-        known->folder = folder;
         return *known;
     }
     const std::string name = owner + "-" + leafOf(path);

@@ -73,7 +73,7 @@ struct ShareBook {
     // Owner or member.
     bool hasTeamFolder(const std::string& user) const;
 
-    // The share of that folder, made if there is none.
+    // The share of that folder, made if there is none; one that was lost from the path stays lost.
     Share& share(const std::string& nas, const std::string& owner, const std::string& path,
                  const std::string& folder);
     // Invites, or changes the permission of one who is invited. The receiver's policy may accept at once.

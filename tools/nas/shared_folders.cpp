@@ -9,7 +9,7 @@ SharedFolders::SharedFolders(const ShareBook& book, const std::string& nas, cons
         folders_[placeFor(share.owner, share.path)] = found;
         folders_[placeFor(user, teamAreaPath(*part))] = found;
     }
-    // What is one's own share as well is that first.
+    // What is one's own share as well is that first, and the newest of one path.
     for (const Share& share : book.shares) {
         if (share.nas == nas && share.owner == user) {
             folders_[placeFor(user, share.path)] = {Role::Owner, share.id};

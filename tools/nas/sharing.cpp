@@ -1,7 +1,5 @@
 #include "sharing.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <future>
 #include <memory>
@@ -69,14 +67,6 @@ const User& userHere(Service& service, Request& request, const std::string& sid)
 
 const User& userHere(Service& service, Request& request) {
     return userHere(service, request, field(request.query, "sid"));
-}
-
-std::string markOf(const Folder& folder) {
-    struct stat info {};
-    if (folder.shares || ::fstat(folder.fd.get(), &info) != 0) {
-        return "";
-    }
-    return std::to_string(info.st_dev) + ":" + std::to_string(info.st_ino);
 }
 
 bool isThere(Service& service, const Share& share) {

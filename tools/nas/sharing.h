@@ -18,8 +18,6 @@ const User& userHere(Service& service, Request& request, const std::string& sid)
 
 constexpr const char* kNoShare = "--------";
 
-// Which folder it is, also when it was renamed.
-std::string markOf(const Folder& folder);
 // Whether the shared folder is where the book says. Of another node's nothing else is known.
 bool isThere(Service& service, const Share& share);
 

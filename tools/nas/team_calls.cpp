@@ -185,10 +185,16 @@ struct Found {
 };
 
 Found findByPath(Service& service, const ShareBook& book, const User& user, const std::string& path) {
+    // Of several shares of one path all but one lost their folder.
+    const Share* own = nullptr;
     for (const Share& share : book.shares) {
-        if (share.owner == user.name && share.nas == service.shares().nas() && share.path == path) {
-            return {&share, nullptr};
+        if (share.owner == user.name && share.nas == service.shares().nas() && share.path == path &&
+            (!own || isThere(service, share))) {
+            own = &share;
         }
+    }
+    if (own) {
+        return {own, nullptr};
     }
     for (const Event& event : book.events) {
         if (event.part == Part::Accepted && event.receiver == user.name && teamAreaPath(event) == path) {

@@ -63,6 +63,14 @@ bool Folder::holdsHomes() const {
     return !shares && share == kHomes && home.empty();
 }
 
+std::string markOf(const Folder& folder) {
+    struct stat info {};
+    if (folder.shares || ::fstat(folder.fd.get(), &info) != 0) {
+        return "";
+    }
+    return std::to_string(info.st_dev) + ":" + std::to_string(info.st_ino);
+}
+
 void checkName(const std::string& name) {
     if (name.empty() || name.find('/') != std::string::npos || name.find('\0') != std::string::npos) {
         throw StatusError(Status::IllegalName, "not a name: \"" + name + "\"");
@@ -147,6 +155,9 @@ Folder Tree::openTeam(const User& user, const std::string& rest) const {
                           "team folder vtf://" + share->team + " isn't shared with " + user.name);
     }
     Folder folder = open(*owner, share->path);
+    if (markOf(folder) != share->folder) {
+        throw StatusError(Status::Missing, "another folder is where vtf://" + share->team + " was");
+    }
     folder.readOnly = !own && part->readOnly;
     for (const std::string& piece : pieces(rest.substr(slash))) {
         folder = down(user, folder, piece);

@@ -99,6 +99,9 @@ extern const char* const kTemporaryPrefix;
 extern const char* const kRecycle;
 extern const char* const kVersions;
 
+// Which folder it is, also when it was renamed.
+std::string markOf(const Folder& folder);
+
 // Throws unless the name can be that of a file or folder.
 void checkName(const std::string& name);
 
