@@ -5,9 +5,9 @@
 #include "failure.h"
 #include "linkcommands.h"
 #include "output.h"
-#include "recordlist.h"
 #include "remote.h"
 #include "session.h"
+#include "sharedfolders.h"
 #include "signals.h"
 #include "status.h"
 #include "teams.h"
@@ -29,55 +29,11 @@ struct MoveOptions {
     std::string destination;
 };
 
-void check(const QString& what, uint32_t dwStatus, uint32_t word) {
-    if (interrupted()) throwCancelled(what);
-    if (dwStatus != 0 || word != 0) throw callFailure(what, dwStatus, word);
-}
-
-/// A folder that is shared with other users.
-struct SharedFolder {
-    QString path;
-    QString shareId;
-    bool exists = true;
-};
-
 /// The server doesn't tell one user of another's shares.
 void requireOwn(const Session& session, const QString& what, const QString& path) {
     if (teamFolderOf(session.teams(), path) == nullptr) return;
     throw Failure(Exit::Usage, QStringLiteral("%1: that is another user's").arg(what))
         .withAdvice(QStringLiteral("`torvi team list` tells whose"));
-}
-
-/// What is shared at this very path; nothing if it isn't.
-std::vector<SharedFolder> sharedAt(const Session& session, const QString& what, const QString& path) {
-    constexpr uint32_t kShared = 0;
-    constexpr uint32_t kGone = 2;
-    _WFM_TORVI_SHARE_FOLDER_INFORMATION record = {};
-    uint32_t word = 0;
-    uint32_t state = 0;
-    const uint32_t dwStatus =
-        WFMGetTorviShareFolderInformation(session.context(), session.server(), session.port(), nullptr,
-                                          wide(path).c_str(), nullptr, &word, &state, &record);
-    check(what, dwStatus, word);
-    const QString id = QString::fromWCharArray(record.szShareID);
-    if ((state != kShared && state != kGone) || id.isEmpty()) return {};
-    return {{path, id, state == kShared}};
-}
-
-std::vector<SharedFolder> sharedBelow(const Session& session, const QString& what, const QString& folder) {
-    constexpr uint32_t kMost = 10000;
-    RecordList<_WFM_TORVI_SHARE_INFORMATION> list;
-    uint32_t word = 0;
-    const uint32_t dwStatus =
-        WFMTorviFindShare(session.context(), session.server(), session.port(), wide(folder).c_str(), 0, kMost,
-                          &word, list.count(), list.list());
-    check(what, dwStatus, word);
-    std::vector<SharedFolder> found;
-    for (const auto* record : list.records()) {
-        found.push_back({remotePath(QString::fromWCharArray(record->szFile)),
-                         QString::fromWCharArray(record->szShareID)});
-    }
-    return found;
 }
 
 void where(const GlobalOptions& global, const WhereOptions& options) {
@@ -87,13 +43,12 @@ void where(const GlobalOptions& global, const WhereOptions& options) {
     {
         const Session session(resolveConnection(global, Needs::Login));
         requireOwn(session, what, folder);
-        found = sharedAt(session, what, folder);
+        if (const auto own = sharedAt(session, what, folder)) found.push_back(*own);
         for (const SharedFolder& below : sharedBelow(session, what, folder)) {
             // Some servers count the folder itself.
             if (!found.empty() && below.shareId == found.front().shareId) continue;
             // The list doesn't tell what is gone.
-            const auto closer = sharedAt(session, what, below.path);
-            found.push_back(closer.empty() ? below : closer.front());
+            found.push_back(sharedAt(session, what, below.path).value_or(below));
         }
     }
     if (global.json) {
@@ -188,7 +143,7 @@ void move(const GlobalOptions& global, const MoveOptions& options) {
             throw Failure(Exit::AlreadyExists, QStringLiteral("%1: %2 exists already").arg(what, target));
         renames = parentOf(source) == parentOf(target);
         // What keeps its name in another folder is to be told of by the call of its own.
-        const bool tellsOf = leafOf(source) == leafOf(target) && !sharedAt(session, what, source).empty();
+        const bool tellsOf = leafOf(source) == leafOf(target) && sharedAt(session, what, source).has_value();
         const auto call = renames ? WebFileManRenameShareFolder : WebFileManMoveShareFolder;
         uint32_t word = 0;
         const uint32_t dwStatus = call(session.context(), session.server(), session.port(),

@@ -113,8 +113,7 @@ void set(const Session& session, const Setting& setting, uint32_t value) {
         QStringLiteral("settings: %1 %2").arg(QLatin1String(setting.name), valueText(setting, value));
     uint32_t word = 0;
     const uint32_t dwStatus = setting.set(session, value, word);
-    if (interrupted()) throwCancelled(what);
-    if (dwStatus != 0 || word != 0) throw callFailure(what, dwStatus, word);
+    check(what, dwStatus, word);
 }
 
 void settings(const GlobalOptions& global, const SettingOptions& options) {
@@ -149,8 +148,6 @@ void settings(const GlobalOptions& global, const SettingOptions& options) {
 }  // namespace
 
 void addSettingsCommand(const Commands& commands) {
-    const GlobalOptions& global = commands.global;
-    Action& action = commands.action;
     CLI::App* command =
         commands.app.add_subcommand("settings", "Show or set what the server shares and keeps for this user");
     auto options = std::make_shared<SettingOptions>();
@@ -164,8 +161,7 @@ void addSettingsCommand(const Commands& commands) {
                      "What it becomes. recycle-bin: on, off; policy: ask, accept, refuse; or a number of the "
                      "server's own")
         ->type_name("");
-    command->callback(
-        [&global, &action, options] { action = [&global, options] { settings(global, *options); }; });
+    runs(commands, command, options, settings);
 }
 
 }  // namespace torvi

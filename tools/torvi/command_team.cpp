@@ -140,8 +140,6 @@ void events(const GlobalOptions& global, const EventOptions& options) {
 }
 
 void addListCommand(const Commands& commands) {
-    const GlobalOptions& global = commands.global;
-    Action& action = commands.action;
     CLI::App* command = commands.app.add_subcommand(
         "list", "List the folders that one shares, has received or is invited to");
     auto options = std::make_shared<ListOptions>();
@@ -152,21 +150,17 @@ void addListCommand(const Commands& commands) {
     command->add_option("--path", options->path, "Only what is there, or below")->type_name("PATH");
     command->add_flag("--remember", options->remember,
                       "Keep in the profile where the received ones lie, so that later commands find them");
-    command->callback(
-        [&global, &action, options] { action = [&global, options] { list(global, *options); }; });
+    runs(commands, command, options, list);
 }
 
 void addEventsCommand(const Commands& commands) {
-    const GlobalOptions& global = commands.global;
-    Action& action = commands.action;
     CLI::App* command = commands.app.add_subcommand(
         "events", "List what was shared and what came of it; the older service's");
     auto options = std::make_shared<EventOptions>();
     command->add_option("--remove", options->remove, "First take this one, which is over, out; repeatable")
         ->allow_extra_args(false)
         ->type_name("EVENT");
-    command->callback(
-        [&global, &action, options] { action = [&global, options] { events(global, *options); }; });
+    runs(commands, command, options, events);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "people.h"
 #include "remote.h"
 #include "session.h"
+#include "sharedfolders.h"
 #include "signals.h"
 #include "status.h"
 #include "teamactions.h"
@@ -149,18 +150,6 @@ bool hasAll(const Session& session, const QString& what, const QString& path, co
     return false;
 }
 
-/// By which the other commands may name it; empty if the server doesn't tell.
-QString shareIdOf(const Session& session, const QString& what, const QString& path) {
-    const auto record = std::make_unique<_WFM_TORVI_SHARE_FOLDER_INFORMATION>();
-    uint32_t word = 0;
-    uint32_t status = 0;
-    const uint32_t dwStatus =
-        WFMGetTorviShareFolderInformation(session.context(), session.server(), session.port(), nullptr,
-                                          wide(path).c_str(), nullptr, &word, &status, record.get());
-    if (interrupted()) throwCancelled(what);
-    return dwStatus == 0 && word == 0 && status == 0 ? QString::fromWCharArray(record->szShareID) : QString();
-}
-
 void share(const GlobalOptions& global, const ShareOptions& options) {
     const QString path = remotePath(QString::fromStdString(options.path));
     const QString what = QStringLiteral("team share %1").arg(path);
@@ -176,7 +165,7 @@ void share(const GlobalOptions& global, const ShareOptions& options) {
         if (!options.detach) {
             waitForEnd(session, jobOf(global, what, QStringLiteral("sharing %1").arg(leafOf(path)), pid,
                                       [&] { return hasAll(session, what, path, users); }));
-            shareId = shareIdOf(session, what, path);
+            if (const auto shared = sharedAt(session, what, path)) shareId = shared->shareId;
         }
     }
     if (global.json) {
@@ -447,14 +436,6 @@ void unshare(const GlobalOptions& global, const UnshareOptions& options) {
                        folder.path, listText(names), options.detach ? asJob(pid) : QString()));
 }
 
-template <typename Options>
-void setAction(const Commands& commands, CLI::App* command, const std::shared_ptr<Options>& options,
-               void (*run)(const GlobalOptions&, const Options&)) {
-    command->callback([&global = commands.global, &action = commands.action, options, run] {
-        action = [&global, options, run] { run(global, *options); };
-    });
-}
-
 void addFolder(CLI::App* command, std::string& folder) {
     command->add_option("folder", folder, "Its path, name or share id")->type_name("")->required();
 }
@@ -484,7 +465,7 @@ void addMembers(const Commands& commands) {
                      "Only those of this directory domain, by either of its names")
         ->type_name("NAME");
     command->add_flag("--refresh", options->refresh, "Have the server look anew");
-    setAction(commands, command, options, members);
+    runs(commands, command, options, members);
 }
 
 }  // namespace
@@ -496,7 +477,7 @@ void addTeamOwnerCommands(const Commands& commands) {
     shareCommand->add_option("path", shared->path, "The folder on the server")->type_name("")->required();
     shareCommand->add_option("users", shared->users, "Whom to invite")->type_name("")->required();
     addDetach(shareCommand, *shared);
-    setAction(commands, shareCommand, shared, share);
+    runs(commands, shareCommand, shared, share);
 
     addMembers(commands);
 
@@ -510,21 +491,21 @@ void addTeamOwnerCommands(const Commands& commands) {
         ->type_name("")
         ->required();
     addEnds(setCommand, *set);
-    setAction(commands, setCommand, set, setMember);
+    runs(commands, setCommand, set, setMember);
 
     CLI::App* kickCommand = commands.app.add_subcommand("kick", "Take a folder back from one user");
     auto kicked = std::make_shared<KickOptions>();
     addFolder(kickCommand, kicked->folder);
     kickCommand->add_option("user", kicked->user, "From whom")->type_name("")->required();
     addEnds(kickCommand, *kicked);
-    setAction(commands, kickCommand, kicked, kick);
+    runs(commands, kickCommand, kicked, kick);
 
     CLI::App* unshareCommand =
         commands.app.add_subcommand("unshare", "Take a folder back from everybody; its content stays");
     auto unshared = std::make_shared<UnshareOptions>();
     addFolder(unshareCommand, unshared->folder);
     addEnds(unshareCommand, *unshared);
-    setAction(commands, unshareCommand, unshared, unshare);
+    runs(commands, unshareCommand, unshared, unshare);
 }
 
 }  // namespace torvi

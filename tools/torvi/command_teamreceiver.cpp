@@ -127,9 +127,6 @@ void leave(const GlobalOptions& global, const LeaveOptions& options) {
 }  // namespace
 
 void addTeamReceiverCommands(const Commands& commands) {
-    const GlobalOptions& global = commands.global;
-    Action& action = commands.action;
-
     CLI::App* acceptCommand =
         commands.app.add_subcommand("accept", "Accept an invitation: the folder appears");
     auto accepted = std::make_shared<AcceptOptions>();
@@ -137,14 +134,12 @@ void addTeamReceiverCommands(const Commands& commands) {
         ->type_name("")
         ->required();
     acceptCommand->add_option("--name", accepted->name, "What it is to be called here")->type_name("NAME");
-    acceptCommand->callback(
-        [&global, &action, accepted] { action = [&global, accepted] { accept(global, *accepted); }; });
+    runs(commands, acceptCommand, accepted, accept);
 
     CLI::App* denyCommand = commands.app.add_subcommand("deny", "Turn an invitation down");
     auto denied = std::make_shared<std::string>();
     denyCommand->add_option("folder", *denied, "Its name, share id or event")->type_name("")->required();
-    denyCommand->callback(
-        [&global, &action, denied] { action = [&global, denied] { deny(global, *denied); }; });
+    runs(commands, denyCommand, denied, deny);
 
     CLI::App* leaveCommand =
         commands.app.add_subcommand("leave", "Give a received folder back: it disappears here");
@@ -154,7 +149,7 @@ void addTeamReceiverCommands(const Commands& commands) {
         ->required();
     auto* detach = leaveCommand->add_flag("--detach", left->detach, "Don't wait for the end");
     leaveCommand->add_flag("--dry-run", left->dryRun, "Only tell what would be done")->excludes(detach);
-    leaveCommand->callback([&global, &action, left] { action = [&global, left] { leave(global, *left); }; });
+    runs(commands, leaveCommand, left, leave);
 }
 
 }  // namespace torvi

@@ -93,8 +93,6 @@ void users(const GlobalOptions& global, const UserOptions& options) {
 }  // namespace
 
 void addUsersCommand(const Commands& commands) {
-    const GlobalOptions& global = commands.global;
-    Action& action = commands.action;
     CLI::App* command =
         commands.app.add_subcommand("users", "List the people whom a folder can be shared with");
     auto options = std::make_shared<UserOptions>();
@@ -119,8 +117,7 @@ void addUsersCommand(const Commands& commands) {
         ->check(CLI::Range(1, 10000).description(""))
         ->type_name("COUNT")
         ->capture_default_str();
-    command->callback(
-        [&global, &action, options] { action = [&global, options] { users(global, *options); }; });
+    runs(commands, command, options, users);
 }
 
 }  // namespace torvi

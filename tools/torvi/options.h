@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -66,6 +67,15 @@ void addTeamCommands(const Commands& commands);
 void addUsersCommand(const Commands& commands);
 void addLinkCommand(const Commands& commands);
 void addSettingsCommand(const Commands& commands);
+
+/// Has the command run that function with its options.
+template <typename Options>
+void runs(const Commands& commands, CLI::App* command, std::shared_ptr<Options> options,
+          void (*run)(const GlobalOptions&, const Options&)) {
+    command->callback([&global = commands.global, &action = commands.action, options, run] {
+        action = [&global, options, run] { run(global, *options); };
+    });
+}
 
 /// Adds a command whose one argument is a path on the server.
 void addPathCommand(const Commands& commands, const char* name, const char* help,

@@ -15,11 +15,6 @@ constexpr uint32_t kOwnUsers = 1;
 constexpr uint32_t kDirectoryUsers = 2;
 constexpr uint32_t kListTooSmall = 122;
 
-void check(const QString& what, uint32_t dwStatus, uint32_t word) {
-    if (interrupted()) throwCancelled(what);
-    if (dwStatus != 0 || word != 0) throw callFailure(what, dwStatus, word);
-}
-
 QString text(const wchar_t* field) {
     return QString::fromWCharArray(field);
 }
@@ -92,6 +87,7 @@ People userList(const Session& session, const QString& what, const PeopleQuery& 
             session.context(), session.server(), session.port(), wanted.type, wanted.domain.c_str(),
             wanted.netbios.c_str(), wanted.filter.c_str(), lower, upper, query.all, query.refresh, nullptr,
             &word, &total, page.count(), page.list());
+        if (interrupted()) throwCancelled(what);
         check(what, dwStatus, word);
         return total;
     };
@@ -114,6 +110,7 @@ std::vector<SharePerson> sharePeople(const Session& session, const QString& what
             session.context(), session.server(), session.port(), wide(nasId).c_str(), wide(shareId).c_str(),
             lower, upper, wanted.type, wanted.domain.c_str(), wanted.netbios.c_str(), wanted.filter.c_str(),
             query.all, query.refresh, onlyMembers, nullptr, &total, page.count(), page.list(), &word);
+        if (interrupted()) throwCancelled(what);
         check(what, dwStatus, word);
         return total;
     };

@@ -1,5 +1,7 @@
 #include "status.h"
 
+#include "signals.h"
+
 namespace torvi {
 namespace {
 
@@ -125,6 +127,12 @@ Failure callFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord)
     return Failure(reason != nullptr ? reason->exit : Exit::Refused,
                    QStringLiteral("%1: %2 (%3)").arg(what, text, detail))
         .withNumbers(dwStatus, word);
+}
+
+void check(const QString& what, uint32_t dwStatus, uint32_t resultWord) {
+    if (dwStatus == 0 && resultWord == 0) return;
+    if (interrupted()) throwCancelled(what);
+    throw callFailure(what, dwStatus, resultWord);
 }
 
 Failure checkedFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord) {

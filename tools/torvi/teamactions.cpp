@@ -5,19 +5,12 @@
 
 #include "failure.h"
 #include "output.h"
-#include "signals.h"
 #include "status.h"
 
 namespace torvi {
 namespace {
 
 constexpr uint32_t kPidCapacity = 260;
-
-void check(const QString& what, uint32_t dwStatus, uint32_t word) {
-    if (dwStatus == 0 && word == 0) return;
-    if (interrupted()) throwCancelled(what);
-    throw callFailure(what, dwStatus, word);
-}
 
 _WFM_SHARE_MEMBER_ACTION recordOf(const QString& what, const TeamRecord& folder, const MemberChange& change) {
     _WFM_SHARE_MEMBER_ACTION record = {};

@@ -6,9 +6,9 @@
 #include <cwchar>
 
 #include "failure.h"
-#include "recordlist.h"
 #include "recordpage.h"
 #include "remote.h"
+#include "sharedfolders.h"
 #include "signals.h"
 #include "status.h"
 
@@ -44,11 +44,6 @@ QString fieldText(const wchar_t (&field)[N]) {
     return QString::fromWCharArray(field, static_cast<int>(::wcsnlen(field, N)));
 }
 
-void check(const QString& what, uint32_t dwStatus) {
-    if (interrupted()) throwCancelled(what);
-    if (dwStatus != 0) throw statusFailure(what, dwStatus);
-}
-
 TeamRecord toRecord(const _WFM_TORVI_TEAM_FOLDER_INFORMATION& folder) {
     TeamRecord record;
     record.role = folder.nType;
@@ -79,7 +74,8 @@ std::vector<TeamRecord> ofSyncService(const Session& session, const QString& wha
         const uint32_t dwStatus = WebFileManNuboGetTeamFolder(
             session.context(), session.server(), session.port(), query.roles, wide(query.user).c_str(),
             wide(query.path).c_str(), lower, upper, 0, &total, page.count(), page.list(), &status);
-        check(what, dwStatus);
+        if (interrupted()) throwCancelled(what);
+        if (dwStatus != 0) throw statusFailure(what, dwStatus);
         if (status != 0) throw rawFailure(what, dwStatus, status);
         return total;
     };
@@ -110,15 +106,8 @@ TeamRecord& addOwn(std::vector<TeamRecord>& records, const Session& session, con
 
 /// A folder of one's own that nobody has, has no event either.
 void addUnreceived(std::vector<TeamRecord>& records, const Session& session, const QString& what) {
-    RecordList<_WFM_TORVI_SHARE_INFORMATION> found;
-    uint32_t word = 0;
-    const uint32_t dwStatus =
-        WFMTorviFindShare(session.context(), session.server(), session.port(), L"/", 0,
-                          static_cast<uint32_t>(-1), &word, found.count(), found.list());
-    check(what, dwStatus);
-    if (word != 0) throw callFailure(what, dwStatus, word);
-    for (const auto* share : found.records())
-        addOwn(records, session, text(share->szShareID), text(share->szFile));
+    for (const SharedFolder& folder : sharedBelow(session, what, QStringLiteral("/")))
+        addOwn(records, session, folder.shareId, folder.path);
 }
 
 TeamRecord receivedRecord(const TeamEvent& event) {
@@ -232,7 +221,7 @@ std::vector<TeamEvent> teamEvents(const Session& session, const QString& what, u
             WebFileManGetMyEvent(session.context(), session.server(), session.port(), roles, lower, upper,
                                  nullptr, &word, &total, page.count(), page.list());
         if (interrupted()) throwCancelled(what);
-        if (dwStatus != 0 || word != 0) throw callFailure(what, dwStatus, word);
+        check(what, dwStatus, word);
         return total;
     };
     eachRecord<_WFM_TORVI_EVENT_INFORMATION>({0, 0, kPageSize}, ask, [&](const auto& event) {
