@@ -86,6 +86,10 @@ TEST_F(NasShare, TheFileManagerShowsTheTeamArea) {
                        .asString());
     EXPECT_EQ(
         4, post(manager("func=nubo_share_to"), shareForm(benSid, "home/.Torvi/Pictures", {"carl"})).status());
+    EXPECT_EQ(
+        4,
+        post(manager("func=nubo_share_to"), shareForm(benSid, "home//.Torvi//Pictures", {"carl"})).status());
+    EXPECT_TRUE(folder(carlSid, 1, "Photos").isNull());
     // Clients of the sync service know where the folder is.
     EXPECT_EQ(5, get(cgi(listQuery(benSid, inside))).status());
     ASSERT_EQ(0, byShare("nubo_team_folder_leave_share", benSid, photosId()).status());

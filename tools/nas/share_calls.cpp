@@ -184,6 +184,9 @@ std::vector<std::string> targetsOf(const Fields& form) {
 void requireShareable(Service& service, const User& user, const Folder& folder) {
     const bool kept = !folder.home.empty() && !folder.below.empty() &&
                       (folder.below[0] == kRecycle || folder.below[0] == kVersions);
+    if (folder.received || liesBelow(pathFor(user.name, placeOf(folder, "")), kTeamArea)) {
+        throw StatusError(Status::Denied, "nobody shares what was shared with them");
+    }
     if (folder.below.empty() || kept) {
         throw StatusError(Status::Denied, "only a folder below a home or a share can be shared");
     }
@@ -200,9 +203,6 @@ Answer shareTo(Service& service, Request& request, httplib::Response&) {
     const std::vector<std::string> targets = targetsOf(form);
     const std::string path = sharedPath(field(form, "file"));
     const User& user = userHere(service, request, field(form, "sid"));
-    if (path.rfind("vtf://", 0) == 0 || liesBelow(path, kTeamArea)) {
-        throw StatusError(Status::Denied, "nobody shares what was shared with them");
-    }
     const Folder folder = service.tree().open(user, path);
     requireShareable(service, user, folder);
     const auto book = service.shares().read();

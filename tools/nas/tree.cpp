@@ -158,6 +158,7 @@ Folder Tree::openTeam(const User& user, const std::string& rest) const {
     if (markOf(folder) != share->folder) {
         throw StatusError(Status::Missing, "another folder is where vtf://" + share->team + " was");
     }
+    folder.received = true;
     folder.readOnly = !own && part->readOnly;
     for (const std::string& piece : pieces(rest.substr(slash))) {
         folder = down(user, folder, piece);
@@ -246,6 +247,7 @@ Folder Tree::down(const User& user, const Folder& from, const std::string& name)
     Folder folder;
     folder.fd = openChild(user, from, name);
     folder.readOnly = from.readOnly;
+    folder.received = from.received;
     folder.share = from.share;
     folder.home = from.home;
     folder.below = from.below;

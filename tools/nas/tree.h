@@ -35,6 +35,7 @@ struct Folder {
     Fd fd;
     bool shares = false;                  // the tree's top, whose children are the shares
     bool readOnly = false;                // by the rule of a team folder
+    bool received = false;                // reached as a team folder or below one
     std::string share;                    // the folder of the root in which it lies
     std::string home;                     // whose home it lies in, if it is one
     std::vector<std::string> below = {};  // the steps down from that home or share
