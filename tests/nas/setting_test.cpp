@@ -125,6 +125,32 @@ TEST_F(NasSharedMove, ASharedFolderThatIsMovedStaysShared) {
     EXPECT_EQ(1, reach(benSid, "vtf://anna-Deep"));
 }
 
+TEST_F(NasSharedMove, ASharedFolderThatIsCopiedToAnotherVolumeStaysShared) {
+    std::filesystem::create_directories(disk("homes/anna/Old/Deep"));
+    ASSERT_NO_FATAL_FAILURE(share({"ben"}, "home/Old"));
+    ASSERT_NO_FATAL_FAILURE(share({"ben"}, "home/Old/Deep"));
+    for (const char* name : {"Old", "Deep"}) {
+        const std::string id = folder(sid, 4, name)["share_id"].asString();
+        ASSERT_EQ(0, accept(benSid, id, name).status());
+    }
+    ASSERT_EQ(0, moved("/home", "Old", "/Public").status());
+    ASSERT_EQ("true", renamed("/Public", "Old", "New", sid).json()["success"].asString());
+    EXPECT_EQ(1, folder(sid, 4, "New")["status"].asInt());
+    EXPECT_EQ("/Public/New", folder(sid, 4, "New")["path"].asString());
+    EXPECT_EQ("/Public/New/Deep", folder(sid, 4, "Deep")["path"].asString());
+    EXPECT_EQ(1, reach(benSid, "vtf://anna-Old"));
+    EXPECT_EQ(1, reach(benSid, "vtf://anna-Deep"));
+}
+
+TEST_F(NasSharedMove, AShareThatLostItsFolderFollowsNoOther) {
+    shareWithBen();
+    std::filesystem::rename(disk("homes/anna/Photos"), disk("homes/anna/Old"));
+    std::filesystem::create_directory(disk("homes/anna/Photos"));
+    ASSERT_EQ("true", renamed("/home", "Photos", "Private", sid).json()["success"].asString());
+    EXPECT_EQ(5, reach(benSid));
+    EXPECT_EQ(0, folder(sid, 4, "Photos")["status"].asInt());
+}
+
 TEST_F(NasSharedMove, WhatIsDeniedHasANumberOfItsOwn) {
     std::filesystem::create_directory(disk("homes/anna/Shut"));
     std::filesystem::permissions(disk("homes/anna/Shut"), std::filesystem::perms(0555));

@@ -58,11 +58,14 @@ Answer renameIn(Service& service, Request& request, const Fields& form) {
     const std::string& name = field(form, "dest_name");
     requireMovable(place);
     requireFreeName(service, user, place.folder, name);
+    const std::string from = placeOf(place.folder, place.name);
+    const std::string to = placeOf(place.folder, name);
+    const bool follows = hasField(form, "sn");
+    const std::set<std::string> shares = follows ? sharesBelow(service, from) : std::set<std::string>();
     renameInto(place.folder.fd.get(), place.name, place.folder.fd.get(), name, false);
-    service.changeLog().add({Action::Renamed, place.entry.isFolder, placeOf(place.folder, name),
-                             placeOf(place.folder, place.name), authorOf(request)});
-    if (hasField(form, "sn")) {
-        followFolder(service, placeOf(place.folder, place.name), placeOf(place.folder, name));
+    service.changeLog().add({Action::Renamed, place.entry.isFolder, to, from, authorOf(request)});
+    if (follows) {
+        followFolder(service, shares, from, to);
     }
     return done(place.name + " to " + name);
 }

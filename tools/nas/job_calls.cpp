@@ -59,9 +59,10 @@ Answer moveShared(Service& service, Request& request, const Fields& form) {
     try {
         requireSameSession(request, form);
         const Haul haul = planMove(service, request, form);
+        const std::string from = placeOf(haul.place.folder, haul.place.name);
+        const std::set<std::string> shares = sharesBelow(service, from);
         carryAndTell(service, haul, authorOf(request), [](int64_t, int64_t) {});
-        followFolder(service, placeOf(haul.place.folder, haul.place.name),
-                     placeOf(haul.target, haul.place.name));
+        followFolder(service, shares, from, placeOf(haul.target, haul.place.name));
         return doneWithZero(haul.place.name + " at once");
     } catch (const StatusError& error) {
         return sharedRefusal(error);

@@ -225,15 +225,6 @@ void ShareBook::relocate(const std::string& id, const std::string& path, const s
     }
 }
 
-void ShareBook::follow(const std::string& nas, const std::string& from, const std::string& to) {
-    for (const Share& share : shares) {
-        const std::string place = placeFor(share.owner, share.path);
-        if (share.nas == nas && liesBelow(place, from)) {
-            relocate(share.id, pathFor(share.owner, to + place.substr(from.size())), share.folder);
-        }
-    }
-}
-
 void ShareBook::dropOldest() {
     auto ended = static_cast<size_t>(
         std::count_if(events.begin(), events.end(), [](const Event& event) { return !event.live(); }));

@@ -87,8 +87,6 @@ struct ShareBook {
     void forget(int64_t event, const std::string& user);
     // The shared folder is now another one, or somewhere else.
     void relocate(const std::string& id, const std::string& path, const std::string& folder);
-    // Shares at or below a folder that moved from one place below the root to another.
-    void follow(const std::string& nas, const std::string& from, const std::string& to);
 
 private:
     bool displayTaken(const std::string& user, const std::string& display) const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <future>
 #include <memory>
+#include <optional>
 
 #include "change_log.h"
 
@@ -28,6 +29,16 @@ int startShareJob(Service& service, const Request& request, const std::string& n
                         }
                         over->set_value();
                     });
+}
+
+// Of the folder that the user has there.
+std::optional<std::string> markAt(Service& service, const std::string& user, const std::string& path) {
+    const User* owner = service.options().users.find(user);
+    try {
+        return owner ? std::optional<std::string>(markOf(service.tree().open(*owner, path))) : std::nullopt;
+    } catch (const StatusError&) {
+        return std::nullopt;
+    }
 }
 
 }  // namespace
@@ -70,15 +81,7 @@ const User& userHere(Service& service, Request& request) {
 }
 
 bool isThere(Service& service, const Share& share) {
-    if (share.nas != service.shares().nas()) {
-        return true;
-    }
-    const User* owner = service.options().users.find(share.owner);
-    try {
-        return owner && markOf(service.tree().open(*owner, share.path)) == share.folder;
-    } catch (const StatusError&) {
-        return false;
-    }
+    return share.nas != service.shares().nas() || markAt(service, share.owner, share.path) == share.folder;
 }
 
 std::vector<Shape> withNas(const Shape& shape) {
@@ -167,8 +170,30 @@ void requireSameSession(const Request& request, const Fields& form) {
     }
 }
 
-void followFolder(Service& service, const std::string& from, const std::string& to) {
-    service.shares().change([&](ShareBook& book) { book.follow(service.shares().nas(), from, to); });
+std::set<std::string> sharesBelow(Service& service, const std::string& place) {
+    const auto book = service.shares().read();
+    std::set<std::string> shares;
+    for (const Share& share : book->shares) {
+        if (share.nas == service.shares().nas() && liesBelow(placeFor(share.owner, share.path), place) &&
+            isThere(service, share)) {
+            shares.insert(share.id);
+        }
+    }
+    return shares;
+}
+
+void followFolder(Service& service, const std::set<std::string>& shares, const std::string& from,
+                  const std::string& to) {
+    service.shares().change([&](ShareBook& book) {
+        for (const Share& share : book.shares) {
+            if (shares.count(share.id) == 0) {
+                continue;
+            }
+            const std::string place = placeFor(share.owner, share.path);
+            const std::string path = pathFor(share.owner, to + place.substr(from.size()));
+            book.relocate(share.id, path, markAt(service, share.owner, path).value_or(share.folder));
+        }
+    });
 }
 
 Answer sharedRefusal(const StatusError& error) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,8 +44,11 @@ Answer endedShareJob(Service& service, const Request& request, const std::string
 
 // The sharing client names the session in the form as well, and no node.
 void requireSameSession(const Request& request, const Fields& form);
-// Shares at or below a place stay shared where they went.
-void followFolder(Service& service, const std::string& from, const std::string& to);
+// The shares at or below a place whose folders are there, by their ids.
+std::set<std::string> sharesBelow(Service& service, const std::string& place);
+// These shares went from one place to another, with their folders or with copies of them.
+void followFolder(Service& service, const std::set<std::string>& shares, const std::string& from,
+                  const std::string& to);
 // The sharing client reads "success", and -3 as the word for what is denied.
 Answer sharedRefusal(const StatusError& error);
 
