@@ -124,7 +124,9 @@ start_front_end() {
         "$nginx" -p "$scratch/front" -e stderr -c "$scratch/front/cluster.conf" 2>"$scratch/front.log" &
         local pid=$!
         while kill -0 "$pid" 2>/dev/null; do
-            if (exec 3<>"/dev/tcp/127.0.0.1/$front_port") 2>/dev/null && kill -0 "$pid" 2>/dev/null; then
+            # The file is nginx's own word: at the port another program may answer.
+            if grep -q -x "$pid" "$scratch/front/nginx.pid" 2>/dev/null &&
+                (exec 3<>"/dev/tcp/127.0.0.1/$front_port") 2>/dev/null; then
                 cluster+=("$pid")
                 return
             fi
