@@ -1,11 +1,10 @@
 #pragma once
 
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli_support.h"
+#include "clustertemplate.h"
 #include "support/nginx.h"
 
 /// Two nodes behind a front end, and the command line in front of that.
@@ -24,12 +23,6 @@ private:
         options.arguments.insert(options.arguments.end(), m_more.begin(), m_more.end());
         return options;
     }
-    static std::string templateText() {
-        std::ifstream in(NGINX_CLUSTER_TEMPLATE);
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
 
     TempDir m_sessions;
     std::vector<std::string> m_more;
@@ -37,7 +30,7 @@ private:
 protected:
     Nas master;
     Nas other;
-    Nginx front{templateText(),
+    Nginx front{clusterTemplate(),
                 {{"MASTER", "127.0.0.1:" + std::to_string(master.port())},
                  {"MASTER_ID", "master"},
                  {"NODE", "127.0.0.1:" + std::to_string(other.port())},

@@ -1,7 +1,6 @@
 #include "lib_cluster.h"
 
-#include <fstream>
-#include <sstream>
+#include "clustertemplate.h"
 
 namespace e2e {
 
@@ -12,11 +11,8 @@ Nas::Options nodeOptions(const TempDir& sessions, const std::string& id, std::ve
 }
 
 Nginx frontEnd(const Node& own, const Node& other) {
-    std::ifstream in(NGINX_CLUSTER_TEMPLATE);
-    std::ostringstream text;
-    text << in.rdbuf();
     const std::string listen = "listen 127.0.0.1:@PORT@;";
-    std::string configuration = text.str();
+    std::string configuration = clusterTemplate();
     configuration.replace(configuration.find(listen), listen.size(),
                           listen +
                               " listen 127.0.0.1:@TLS_PORT@ ssl; ssl_certificate @CERT@; "

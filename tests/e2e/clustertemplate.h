@@ -1,0 +1,13 @@
+#pragma once
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+/// The configuration that a front end of a cluster is meant to have, with its names not filled in.
+inline std::string clusterTemplate() {
+    std::ifstream in(NGINX_CLUSTER_TEMPLATE);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
