@@ -413,11 +413,11 @@ TEST_P(LibBatch, ARefusalAsAWholeLeavesTheResultsAlone) {
 TEST_P(LibBatch, ABatchForATeamFolderReachesItsOwner) {
     std::vector<BatchFile> files = {{L"a", "1"}, {L"b", "2"}};
     EXPECT_EQ(client.sendBatch(L"/home/.Torvi/Plans", files), kDone);
-    // The file manager has no team folders: the path goes out as it stands, and isn't there.
-    EXPECT_THAT(results(files), ElementsAre(isSync() ? 0 : -4, isSync() ? 0 : -4));
-    EXPECT_EQ(std::filesystem::exists(nas.folder().file("homes/ben/Plans/b")), isSync());
+    // The file manager is sent the path as it stands, and shows the team area itself.
+    EXPECT_THAT(results(files), ElementsAre(0, 0));
+    EXPECT_TRUE(std::filesystem::exists(nas.folder().file("homes/ben/Plans/b")));
     EXPECT_EQ(client.sendBatch(L"/home/.Torvi/Rules", files), kDone);
-    EXPECT_THAT(results(files), ElementsAre(isSync() ? -3 : -4, isSync() ? -3 : -4));
+    EXPECT_THAT(results(files), ElementsAre(-3, -3));
     EXPECT_TRUE(std::filesystem::is_empty(nas.folder().file("homes/ben/Rules")));
 }
 
