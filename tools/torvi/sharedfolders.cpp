@@ -6,6 +6,7 @@
 #include "recordlist.h"
 #include "remote.h"
 #include "status.h"
+#include "teamrecords.h"
 
 namespace torvi {
 
@@ -20,7 +21,8 @@ std::optional<SharedFolder> sharedAt(const Session& session, const QString& what
                                           wide(path).c_str(), nullptr, &word, &state, &record);
     check(what, dwStatus, word);
     const QString id = QString::fromWCharArray(record.szShareID);
-    if ((state != kShared && state != kGone) || id.isEmpty()) return std::nullopt;
+    const bool own = record.nNuboType == static_cast<int32_t>(kOwn);
+    if (!own || (state != kShared && state != kGone) || id.isEmpty()) return std::nullopt;
     return SharedFolder{path, id, state == kShared};
 }
 
