@@ -32,7 +32,7 @@ struct MoveOptions {
 /// The server doesn't tell one user of another's shares.
 void requireOwn(const Session& session, const QString& what, const QString& path) {
     if (teamFolderOf(session.teams(), path) == nullptr) return;
-    throw Failure(Exit::Usage, QStringLiteral("%1: that is another user's").arg(what))
+    throw Failure(Exit::Denied, QStringLiteral("%1: that is another user's").arg(what))
         .withAdvice(QStringLiteral("`torvi team list` tells whose"));
 }
 
@@ -109,6 +109,9 @@ void repair(const GlobalOptions& global, const RepairOptions& options) {
         require(session, what, folder);
         if (from.isEmpty()) {
             repaired = repairHere(session, what, folder);
+            // What needs none, and what isn't shared, get the same answer.
+            if (!repaired && !sharedAt(session, what, folder))
+                throw Failure(Exit::NotFound, QStringLiteral("%1: it isn't shared").arg(what));
         } else {
             follow(session, what, from, folder);
         }
