@@ -29,7 +29,7 @@ class CliTeamEdges : public CliTeam {};
 
 }  // namespace
 
-// The older service has no team folders.
+// At the older service they are where they are seen, and need no --team.
 CLI_ON_ROADS(CliTeam, syncRoads());
 INSTANTIATE_TEST_SUITE_P(OneRoad, CliTeamEdges, testing::Values(CliRoad{}),
                          [](const auto& info) { return nameOf(info.param); });

@@ -22,7 +22,7 @@ protected:
         login.password = password;
         return Client(std::move(login));
     }
-    /// The file manager can't go into team folders.
+    /// Only a session of the sync service is told on which node a team folder lies.
     Client deviceAt(const Nginx& node) const {
         return clientAt(node, L"ben", L"hidden", isSync() ? GetParam().service : Service::Sync);
     }

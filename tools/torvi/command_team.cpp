@@ -68,8 +68,9 @@ size_t remember(const Session& session, const QString& what) {
                                        .arg(what, connection.identity()));
     }
     if (session.service() != Service::Sync)
-        throw Failure(Exit::Usage,
-                      QStringLiteral("%1: the older service has no team folders to work in").arg(what));
+        throw Failure(Exit::Usage, QStringLiteral("%1: received folders of the older service are where they "
+                                                  "are seen, and needn't be remembered")
+                                       .arg(what));
     profile->teams.clear();
     for (const TeamRecord& folder : teamFolders(session, what, {kReceived, {}, {}}))
         profile->teams.push_back(folder.place());
