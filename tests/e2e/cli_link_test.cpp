@@ -102,7 +102,7 @@ TEST_P(CliLink, AnybodyOpensItWhoKnowsTheCode) {
 TEST_P(CliLink, ItEndsWhenItIsToldTo) {
     serve("plan.txt", "the plan");
     const Json link = create({"/home/plan.txt", "--expires", "2d"});
-    EXPECT_EQ(link["expires"], "in 48 hours");
+    EXPECT_EQ(link["expires"], "48h");
     EXPECT_EQ(visit(url(link)).body, "the plan");
     runJson({"link", "update", id(link), "--no-code", "--expires", "2001-01-01"});
     EXPECT_EQ(visit(url(link)).status, 410);
@@ -153,6 +153,8 @@ TEST_P(CliLink, APathHasTheLinkThatItGotBefore) {
     EXPECT_EQ(again["id"], made["id"]);
     EXPECT_EQ(again["url"], made["url"]);
     EXPECT_EQ(again["expires"], "2099-12-31 18:00");
+    // The server doesn't tell.
+    EXPECT_FALSE(again.contains("new"));
     EXPECT_EQ(visit(url(made)).status, 403);
     EXPECT_EQ(runJson({"link", "list"})["count"], 1);
     // Whereas what is created is another one, and the first stays as it is.
@@ -173,8 +175,10 @@ TEST_P(CliLink, TheServerMailsIt) {
                       HasSubstr("Have a look"), HasSubstr(url(plan)), HasSubstr("Access code: sesame")));
     const Json both = create({"/home/plan.txt", "/home/map.txt", "--mail", "dora@example.test"});
     EXPECT_THAT(mail("0002.eml"), AllOf(HasSubstr(url(both)), Not(HasSubstr("Access code"))));
-    runJson({"link", "get", "/home/map.txt", "--mail", "emil@example.test"});
-    EXPECT_THAT(mail("0003.eml"), HasSubstr("To: <emil@example.test>"));
+    const Json map = runJson({"link", "get", "/home/map.txt", "--code", "sesame", "--mail",
+                              "emil@example.test", "--subject", "Maps"});
+    EXPECT_THAT(mail("0003.eml"), AllOf(HasSubstr("To: <emil@example.test>"), HasSubstr("Subject: Maps"),
+                                        HasSubstr(url(map)), HasSubstr("Access code: sesame")));
 
     runJson({"link", "mail", id(plan), "--to", "emil@example.test"});
     EXPECT_THAT(mail("0004.eml"), AllOf(HasSubstr("To: <emil@example.test>"), HasSubstr(url(plan)),
@@ -182,6 +186,30 @@ TEST_P(CliLink, TheServerMailsIt) {
     runJson({"link", "mail", id(plan), url(both), "--to", "emil@example.test", "--code", "sesame"});
     EXPECT_THAT(mail("0005.eml"),
                 AllOf(HasSubstr(url(plan)), HasSubstr(url(both)), HasSubstr("Access code: sesame")));
+}
+
+TEST_P(CliLinkEdges, TheMailCallsALinkByTheNameThatItIsGiven) {
+    serve("plan.txt", "the plan");
+    serve("map.txt", "the map");
+    create({"/home/plan.txt", "--name", "The plan", "--mail", "dora@example.test"});
+    EXPECT_THAT(mail("0001.eml"), AllOf(HasSubstr("The plan: "), Not(HasSubstr("plan.txt"))));
+    create({"/home/plan.txt", "/home/map.txt", "--name", "Both of them", "--mail", "dora@example.test"});
+    EXPECT_THAT(mail("0002.eml"), HasSubstr("Both of them: "));
+}
+
+TEST_P(CliLinkEdges, AnEndIsToldInOneWayWhereverItIsSet) {
+    serve("a.txt", "a");
+    serve("b.txt", "b");
+    const Json link = create({"/home/a.txt"});
+    EXPECT_EQ(link["expires"], nullptr);
+    for (const auto& [given, told] : {std::pair{"2d", "48h"}, std::pair{"2099-12-31", "2099-12-31 23:59"}}) {
+        EXPECT_EQ(create({"/home/a.txt", "--expires", given})["expires"], told);
+        EXPECT_EQ(create({"/home/a.txt", "/home/b.txt", "--expires", given})["expires"], told);
+        EXPECT_EQ(runJson({"link", "get", "/home/b.txt", "--expires", given})["expires"], told);
+        EXPECT_EQ(runJson({"link", "update", id(link), "--no-code", "--expires", given})["expires"], told);
+    }
+    EXPECT_THAT(cli.run({"link", "create", "/home/a.txt", "--expires", "2d"}).out,
+                HasSubstr("it ends in 48h"));
 }
 
 TEST_P(CliLinkEdges, ANewNameLeavesCodeAndAddress) {
@@ -267,11 +295,15 @@ TEST_P(CliLinkEdges, WrongUsageSendsNothing) {
     EXPECT_EQ(fails({"link", "update", id, "--expires", "never"}, "set together"), 2);
     EXPECT_EQ(fails({"link", "update", id, "--code", "x", "--no-code", "--expires", "never"}, "code"), 2);
     EXPECT_EQ(fails({"link", "mail", id}, "--to"), 2);
-    EXPECT_EQ(nas.requestCount(), 0);
-    for (const char* end : {"tomorrow", "0d", "12", "2031-02-30", "2031-12-31 25:00"})
+    for (const char* end : {"tomorrow", "0d", "12", "2031-02-30", "2031-12-31 25:00"}) {
         EXPECT_EQ(fails({"link", "create", "/home/plan.txt", "--expires", end}, "--expires"), 2) << end;
+        EXPECT_EQ(fails({"link", "get", "/home/plan.txt", "--expires", end}, "--expires"), 2) << end;
+    }
     EXPECT_EQ(fails({"link", "create", "/home/plan.txt", "/home/sub/map.txt"}, "one folder"), 2);
     EXPECT_EQ(fails({"link", "create", "/home"}, "only what is in it"), 2);
+    EXPECT_EQ(fails({"link", "get", "/home"}, "only what is in it"), 2);
+    EXPECT_EQ(fails({"link", "get", "/home/plan.txt", "/home/sub/map.txt"}, "At Most 1"), 2);
+    EXPECT_EQ(nas.requestCount(), 0);
     EXPECT_EQ(runJson({"link", "list"})["count"], 1);
 }
 
@@ -302,7 +334,20 @@ TEST_P(CliLinkEdges, OnlyItsOwnerHasALink) {
 namespace {
 
 /// No mail leaves this server.
-class CliLinkWithoutMail : public CliOnRoads {};
+class CliLinkWithoutMail : public CliOnRoads {
+protected:
+    /// Makes the only link, mails it in vain, and gives it.
+    Json mailedInVain(std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), {"--mail", "dora@example.test"});
+        const ProcessResult made = cli.run(arguments);
+        EXPECT_EQ(made.exitCode, 1);
+        EXPECT_THAT(made.out, IsEmpty());
+        const Json links = runJson({"link", "list"})["links"];
+        EXPECT_THAT(links, SizeIs(1));
+        EXPECT_THAT(made.err, AllOf(HasSubstr("could not send the mail"), HasSubstr(url(links[0]))));
+        return links[0];
+    }
+};
 
 }  // namespace
 
@@ -310,14 +355,23 @@ CLI_ON_ROADS(CliLinkWithoutMail, kBothServices);
 
 TEST_P(CliLinkWithoutMail, ALinkWhoseMailFailedIsMadeAllTheSame) {
     serve("plan.txt", "the plan");
-    const ProcessResult made = cli.run({"link", "create", "/home/plan.txt", "--mail", "dora@example.test"});
-    EXPECT_EQ(made.exitCode, 1);
-    const Json links = runJson({"link", "list"})["links"];
-    ASSERT_THAT(links, SizeIs(1));
-    EXPECT_THAT(made.err, AllOf(HasSubstr("could not send the mail"), HasSubstr(url(links[0]))));
-    const ProcessResult mailed = cli.run({"link", "mail", id(links[0]), "--to", "dora@example.test"});
+    const Json link = mailedInVain({"link", "create", "/home/plan.txt", "--name", "My plan"});
+    EXPECT_EQ(link["name"], "My plan");
+    const ProcessResult mailed = cli.run({"link", "mail", id(link), "--to", "dora@example.test"});
     EXPECT_EQ(mailed.exitCode, 1);
     EXPECT_THAT(mailed.err, HasSubstr("could not send the mail"));
+}
+
+TEST_P(CliLinkWithoutMail, SoIsOneOfSeveralFiles) {
+    serve("plan.txt", "the plan");
+    serve("map.txt", "the map");
+    const Json link = mailedInVain({"link", "create", "/home/plan.txt", "/home/map.txt", "--name", "Both"});
+    EXPECT_EQ(link["name"], "Both");
+}
+
+TEST_P(CliLinkWithoutMail, ALinkThatIsThereIsToldWithoutItsMail) {
+    serve("plan.txt", "the plan");
+    mailedInVain({"link", "get", "/home/plan.txt"});
 }
 
 namespace {
@@ -339,7 +393,7 @@ protected:
 
 }  // namespace
 
-// The older service has no team folders.
+// At the older service they are where they are seen, and need no --team.
 CLI_ON_ROADS(CliTeamLink, syncRoads());
 
 TEST_P(CliTeamLink, WhatIsInATeamFolderOpensAsWell) {
@@ -391,6 +445,23 @@ TEST_P(CliSharedFolder, ItIsRepairedAfterItWentUnseen) {
     EXPECT_THAT(shared(), ElementsAre("/home/Old/Lost"));
     EXPECT_EQ(cli.run({"link", "repair", "/home/Old", "--from", "/home/Lost"}).exitCode, 2);
     EXPECT_EQ(cli.run({"link", "repair", "/home/Nowhere"}).exitCode, 5);
+    const ProcessResult never = cli.run({"link", "repair", "/home/Old"});
+    EXPECT_EQ(never.exitCode, 5);
+    EXPECT_THAT(never.err, HasSubstr("isn't shared"));
+}
+
+TEST_P(CliSharedFolder, WhoHasItDoesNotShareIt) {
+    cli.become("ben", "hidden");
+    EXPECT_EQ(runJson({"link", "where", "/home/.Torvi/Plans"})["shares"], Json::array());
+    if (GetParam().older) return;
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"where", "/home/.Torvi/Plans"}, {"mv", "/home/.Torvi/Plans", "/home/x"}}) {
+        std::vector<std::string> command = {"link", "--team", "/home/.Torvi/Plans=vtf://anna-Plans"};
+        command.insert(command.begin() + 1, words.begin(), words.end());
+        const ProcessResult denied = cli.run(command);
+        EXPECT_EQ(denied.exitCode, 6) << words[0];
+        EXPECT_THAT(denied.err, HasSubstr("another user's"));
+    }
 }
 
 TEST_P(CliSharedFolder, AnOrdinaryFolderSharesNothing) {

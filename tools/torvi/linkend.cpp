@@ -11,6 +11,11 @@ namespace {
 
 enum DurationType : uint32_t { kForever = 1, kUntil = 2, kPeriod = 3 };
 
+/// The server's way of writing it, or the user's.
+QString endText(QString date) {
+    return date.replace(QLatin1Char('/'), QLatin1Char('-')).replace(QLatin1Char('T'), QLatin1Char(' '));
+}
+
 QString dateText(const QString& given) {
     QString text = endText(given);
     // A day alone is meant to its end.
@@ -24,19 +29,19 @@ QString dateText(const QString& given) {
 
 }  // namespace
 
-QString endText(QString server) {
-    return server.replace(QLatin1Char('/'), QLatin1Char('-')).replace(QLatin1Char('T'), QLatin1Char(' '));
-}
-
 QString LinkEnd::text() const {
     switch (durationType) {
         case kUntil:
             return endText(QString::fromStdWString(date));
         case kPeriod:
-            return QStringLiteral("in %1 hours").arg(QString::fromStdWString(hours));
+            return QString::fromStdWString(hours) + QLatin1Char('h');
         default:
             return {};
     }
+}
+
+bool LinkEnd::isPeriod() const {
+    return durationType == kPeriod;
 }
 
 LinkEnd parseLinkEnd(const QString& what, const QString& text) {

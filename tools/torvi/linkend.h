@@ -12,12 +12,10 @@ struct LinkEnd {
     std::wstring date;          ///< for type 2, by the server's clock
     std::wstring hours = L"0";  ///< for type 3; some calls want it in any case
 
-    /// "" for a link that stays.
+    /// As --expires takes it, a period in hours; "" for a link that stays.
     QString text() const;
+    bool isPeriod() const;
 };
-
-/// The same for an end as the server writes it; its calls have different ways.
-QString endText(QString server);
 
 /// never, a period such as 12h, 7d or 2w, or a date with or without a time. Throws the usage failure of
 /// `what`.

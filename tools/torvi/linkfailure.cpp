@@ -6,6 +6,7 @@
 namespace torvi {
 
 Failure linkFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord) {
+    constexpr uint32_t kMailFailed = 6;
     constexpr uint32_t kNoTime = 7;
     if (dwStatus != 0 || (resultWord != kMailFailed && resultWord != kNoTime))
         return callFailure(what, dwStatus, resultWord);

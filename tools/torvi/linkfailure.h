@@ -4,9 +4,6 @@
 
 namespace torvi {
 
-/// The result word of a link that is made, whose mail didn't go out.
-constexpr uint32_t kMailFailed = 6;
-
 /// What the two numbers of a call that makes, changes or mails links mean.
 Failure linkFailure(const QString& what, uint32_t dwStatus, uint32_t resultWord);
 /// Throws it unless both are 0.

@@ -46,52 +46,58 @@ bool isAmong(const std::vector<LinkRecord>& links, const QString& id) {
 
 }  // namespace
 
+void requireLinkable(const QString& what, const LinkRequest& request) {
+    const QStringList paths = remotePaths(request.paths);
+    if (paths.size() > 1) requireOneFolder(what, paths);
+    for (const QString& path : paths) requireFolder(what, path);
+}
+
 LinkMaker::LinkMaker(const Session& session, const QString& what, const LinkRequest& request)
     : m_session(session),
       m_what(what),
       m_request(request),
       m_paths(remotePaths(request.paths)),
       m_node(session.nodeOf(m_paths.front())),
-      m_terms(session, request.terms, parseLinkEnd(what, QString::fromStdString(request.terms.expires)),
-              m_node) {
-    if (m_paths.size() > 1) requireOneFolder(m_what, m_paths);
-    for (const QString& path : m_paths) {
-        requireFolder(m_what, path);
-        require(m_session, m_what, path);
-    }
+      m_terms(session, request.terms, request.end, m_node) {
+    for (const QString& path : m_paths) require(m_session, m_what, path);
 }
 
 MadeLink LinkMaker::create() const {
     const std::vector<LinkRecord> before = listLinks(m_session, m_what, m_node);
     MadeLink made = m_paths.size() == 1 ? createForOne(before) : createForSeveral(before);
-    if (!m_request.name.empty()) {
-        made.name = QString::fromStdString(m_request.name);
-        nameLink(m_session, m_what, m_node, made.id, made.name);
-    }
+    nameAndMail(made);
     return made;
 }
 
+/// What fails of it leaves the link.
+void LinkMaker::nameAndMail(MadeLink& made) const {
+    try {
+        if (!m_request.name.empty()) {
+            made.name = QString::fromStdString(m_request.name);
+            nameLink(m_session, m_what, m_node, made.id, made.name);
+        }
+        if (!mails()) return;
+        LinkMail mail = m_request.mail;
+        mail.code = m_request.terms.code;
+        sendMail(m_session, m_what, m_node, mail, {made.id});
+    } catch (const Failure& failure) {
+        throw failure.withAdvice(QStringLiteral("the link is there: %1").arg(made.url));
+    }
+}
+
 MadeLink LinkMaker::createForOne(const std::vector<LinkRecord>& before) const {
-    // Without a mail the addressee is wanted, but not sent.
-    const std::wstring to = mails() ? wide(QString::fromStdString(m_request.mail.to)) : L"-";
-    const std::wstring subject = mails() ? wide(QString::fromStdString(m_request.mail.subject)) : L"";
-    const std::wstring text = mails() ? wide(QString::fromStdString(m_request.mail.text)) : L"";
+    // The mail goes out when the link has its name. Its words are wanted, but not sent.
+    constexpr const wchar_t* kNobody = L"-";
     const std::wstring today = wide(QDate::currentDate().toString(QStringLiteral("yyyy/MM/dd")));
     uint32_t word = 0;
     const uint32_t dwStatus = WFMCreateShareLink(
-        m_session.context(), m_session.server(), m_session.port(), m_session.node(), purpose(),
+        m_session.context(), m_session.server(), m_session.port(), m_session.node(), kToOpen,
         m_terms.end.durationType, m_terms.networkType, wide(m_terms.host.whole()).c_str(), 1,
-        wide(m_paths.front()).c_str(), m_terms.code.c_str(), m_terms.code.c_str(), m_terms.end.date.c_str(),
-        m_terms.secure, m_terms.end.hours.c_str(), to.c_str(), today.c_str(), subject.c_str(), text.c_str(),
-        nullptr, &word);
-    const bool onlyMailFailed = dwStatus == 0 && word == kMailFailed;
-    if (!onlyMailFailed) checkLink(m_what, dwStatus, word);
+        wide(m_paths.front()).c_str(), m_terms.code.c_str(), nullptr, m_terms.end.date.c_str(),
+        m_terms.secure, m_terms.end.hours.c_str(), kNobody, today.c_str(), nullptr, nullptr, nullptr, &word);
+    checkLink(m_what, dwStatus, word);
     const LinkRecord link = newcomer(before);
-    if (onlyMailFailed) {
-        throw linkFailure(m_what, dwStatus, word)
-            .withAdvice(QStringLiteral("the link is made: %1").arg(link.url));
-    }
-    return {link.id, link.url, link.name, m_terms.end.text(), true};
+    return {link.id, link.url, link.name, true};
 }
 
 /// The call doesn't tell what it made.
@@ -123,14 +129,23 @@ MadeLink LinkMaker::createForSeveral(const std::vector<LinkRecord>& before) cons
     made.id = QString::fromWCharArray(result.szSsid);
     made.url = QString::fromWCharArray(result.szLinkURL);
     made.name = QString::fromWCharArray(result.szLinkName);
-    made.end = endText(QString::fromWCharArray(result.szExpireTime));
     made.isNew = !isAmong(before, made.id);
-    if (mails()) {
-        LinkMail mail = m_request.mail;
-        mail.code = m_request.terms.code;
-        sendMail(m_session, m_what, m_node, mail, {made.id});
+    // Where another node is asked the call names this session's port in any case.
+    const uint32_t wanted = m_terms.host.port();
+    if (m_terms.host.onOtherNode() && wanted != 0 && wanted != m_session.port()) {
+        updateLinks(m_session, m_what, m_node, made.id, m_terms);
+        made.url = urlOf(made.id);
     }
     return made;
+}
+
+/// As the list has it, where an update has changed it.
+QString LinkMaker::urlOf(const QString& id) const {
+    for (const LinkRecord& link : listLinks(m_session, m_what, m_node)) {
+        if (link.id == id) return link.url;
+    }
+    throw Failure(Exit::Incomplete,
+                  QStringLiteral("%1: the link is made, but the server doesn't list it").arg(m_what));
 }
 
 MadeLink LinkMaker::get() const {
@@ -140,16 +155,15 @@ MadeLink LinkMaker::get() const {
     uint32_t capacity = kUrlCapacity;
     uint32_t word = 0;
     const uint32_t dwStatus = WFMGetShareLink(
-        m_session.context(), m_session.server(), m_session.port(), m_session.node(), purpose(),
-        m_terms.end.durationType, m_terms.networkType, wide(m_terms.host.whole()).c_str(),
-        wide(QString::fromStdString(m_request.mail.to)).c_str(), wide(m_paths.front()).c_str(),
-        m_terms.code.c_str(), m_terms.end.date.c_str(), m_terms.end.hours.c_str(), m_terms.secure, nullptr,
-        &capacity, url, end, &word);
+        m_session.context(), m_session.server(), m_session.port(), m_session.node(), kToOpen,
+        m_terms.end.durationType, m_terms.networkType, wide(m_terms.host.whole()).c_str(), nullptr,
+        wide(m_paths.front()).c_str(), m_terms.code.c_str(), m_terms.end.date.c_str(),
+        m_terms.end.hours.c_str(), m_terms.secure, nullptr, &capacity, url, end, &word);
     checkLink(m_what, dwStatus, word);
     MadeLink made;
     made.url = QString::fromWCharArray(url);
     made.id = linkId(made.url);
-    made.end = endText(QString::fromWCharArray(end));
+    nameAndMail(made);
     return made;
 }
 

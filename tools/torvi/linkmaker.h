@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringList>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,23 +15,26 @@ namespace torvi {
 struct LinkRequest {
     std::vector<std::string> paths;
     LinkTermOptions terms;
+    LinkEnd end;
     std::string name;  ///< empty for the server's choice
     LinkMail mail;     ///< to nobody if there is no addressee
 };
+
+/// Throws the usage failure of what no server needs to be asked about.
+void requireLinkable(const QString& what, const LinkRequest& request);
 
 /// The link that came of it.
 struct MadeLink {
     QString id;
     QString url;
-    QString name;  ///< empty if the call doesn't tell
-    QString end;   ///< empty if it stays
-    bool isNew = true;
+    QString name;               ///< empty if the call doesn't tell
+    std::optional<bool> isNew;  ///< nothing if the call doesn't tell
 };
 
-/// Makes links of paths that exist, in one folder.
+/// Makes links of what is linkable.
 class LinkMaker {
 public:
-    /// Throws if that isn't so.
+    /// Throws if a path isn't there.
     LinkMaker(const Session& session, const QString& what, const LinkRequest& request);
 
     /// One path gets a link more. Of several together there is one link, which takes the new code and end.
@@ -42,7 +46,8 @@ private:
     MadeLink createForOne(const std::vector<LinkRecord>& before) const;
     MadeLink createForSeveral(const std::vector<LinkRecord>& before) const;
     LinkRecord newcomer(const std::vector<LinkRecord>& before) const;
-    uint32_t purpose() const { return mails() ? kToMail : kToOpen; }
+    QString urlOf(const QString& id) const;
+    void nameAndMail(MadeLink& made) const;
     bool mails() const { return !m_request.mail.to.empty(); }
 
     const Session& m_session;
