@@ -5,6 +5,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 using testing::UnorderedElementsAre;
 using Json = nlohmann::json;
 
@@ -375,7 +376,13 @@ TEST_P(CliSharingOnOlder, AnInvitationGoesByTheNumberOfItsEvent) {
     const int number = folders(ben)[0]["event"];
     EXPECT_EQ(accept(ben, std::to_string(number))["path"], "/home/.Torvi/Plans");
     EXPECT_EQ(ben.run({"team", "accept", "Plans", "--name", "Mine"}).exitCode, 2);
-    EXPECT_EQ(ben.run({"team", "list", "--remember"}).exitCode, 2);
+    const ProcessResult remembered = ben.run({"team", "list", "--remember"});
+    EXPECT_EQ(remembered.exitCode, 2);
+    EXPECT_THAT(remembered.err, HasSubstr("no profile"));
+    ASSERT_EQ(ben.run({"login"}).exitCode, 0);
+    const ProcessResult needless = ben.run({"team", "list", "--remember"});
+    EXPECT_EQ(needless.exitCode, 2);
+    EXPECT_THAT(needless.err, HasSubstr("where they are seen"));
 }
 
 TEST_P(CliUsers, AreListedPageByPage) {
@@ -448,4 +455,21 @@ TEST_F(CliSharingCluster, AFolderOfTheOtherNodeIsReceivedAndTakenAwayThroughTheF
     EXPECT_NE(cli.run(get).exitCode, 0);
     EXPECT_THAT(jsonOf(cli, {"team", "list"})["folders"], IsEmpty());
     EXPECT_EQ(other.folder().read("homes/anna/Plans/plan"), "on the second node");
+}
+
+TEST_F(CliSharingCluster, AnAddressHasThePortThatItIsTold) {
+    for (const char* file : {"plan", "map"})
+        other.folder().write(std::string("homes/anna/Plans/") + file, "1");
+    Cli anna{other};
+    jsonOf(anna, {"team", "share", "/home/Plans", "ben"});
+    cli.become("ben", "hidden");
+    const std::string team = jsonOf(cli, {"team", "accept", "Plans"})["team"];
+    const auto create = [&](std::vector<std::string> paths) {
+        paths.insert(paths.begin(), {"link", "create"});
+        paths.insert(paths.end(), {"--team", team, "--host", "files.example.test:8081", "--code", "sesame"});
+        return jsonOf(cli, paths)["url"].get<std::string>();
+    };
+    const std::string address = "http://files.example.test:8081/node2/share.cgi?ssid=";
+    EXPECT_THAT(create({"/home/.Torvi/Plans/plan"}), StartsWith(address));
+    EXPECT_THAT(create({"/home/.Torvi/Plans/plan", "/home/.Torvi/Plans/map"}), StartsWith(address));
 }
