@@ -142,6 +142,17 @@ bool wantsBody(const httplib::Request& http) {
     return http.has_header("Content-Length") || http.has_header("Transfer-Encoding");
 }
 
+Fields decodeQuery(Endpoint endpoint, const std::string& query) {
+    switch (endpoint) {
+        case Endpoint::AuthLogin:
+            return decodeAuthQuery(query);
+        case Endpoint::SharePage:
+            return decodeLoosely(query, "query");
+        default:
+            return decodeFields(query, "query");
+    }
+}
+
 }  // namespace
 
 void drain(const httplib::ContentReader* body) {
@@ -335,8 +346,7 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
         size_t question = http.target.find('?');
         if (question != std::string::npos) {
             const std::string query = http.target.substr(question + 1);
-            request.query = request.endpoint == Endpoint::AuthLogin ? decodeAuthQuery(query)
-                                                                    : decodeFields(query, "query");
+            request.query = decodeQuery(request.endpoint, query);
             if (request.query.empty()) {
                 throw Refusal("empty query");
             }

@@ -27,7 +27,13 @@ std::string quoted(const std::string& text) {
     return "\"" + text.substr(0, 80) + "\"";
 }
 
-std::string decodeValue(const std::string& raw, const std::string& what) {
+bool sentByBrowsers(char c) {
+    return unreserved(c) || (c > ' ' && c < 0x7f && !std::strchr("&#%+", c));
+}
+
+using Plain = bool (*)(char);
+
+std::string decodeValue(const std::string& raw, const std::string& what, Plain plain = unreserved) {
     std::string out;
     for (size_t i = 0; i < raw.size(); ++i) {
         if (raw[i] == '%') {
@@ -38,7 +44,7 @@ std::string decodeValue(const std::string& raw, const std::string& what) {
             }
             out += static_cast<char>(high * 16 + low);
             i += 2;
-        } else if (unreserved(raw[i])) {
+        } else if (plain(raw[i])) {
             out += raw[i];
         } else {
             throw Refusal(what + " holds the character " + quoted(std::string(1, raw[i])) + " unencoded");
@@ -63,6 +69,31 @@ size_t matched(const Fields& fields, const Shape& shape) {
         ++i;
     }
     return i;
+}
+
+Fields decodePairs(const std::string& raw, const std::string& what, const std::string& repeating,
+                   Plain plain) {
+    Fields fields;
+    if (raw.empty()) {
+        return fields;
+    }
+    size_t from = 0;
+    while (from <= raw.size()) {
+        size_t to = std::min(raw.find('&', from), raw.size());
+        std::string pair = raw.substr(from, to - from);
+        size_t equals = pair.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            throw Refusal(what + " has a piece without key and value: " + quoted(pair));
+        }
+        std::string key = decodeValue(pair.substr(0, equals), what);
+        if (key != repeating && hasField(fields, key)) {
+            throw Refusal(what + " names the key " + quoted(key) + " twice");
+        }
+        std::string value = decodeValue(pair.substr(equals + 1), what + " key " + quoted(key), plain);
+        fields.emplace_back(std::move(key), std::move(value));
+        from = to + 1;
+    }
+    return fields;
 }
 
 bool shapeNames(const Shape& shape, const std::string& key) {
@@ -110,9 +141,11 @@ std::string lowerCase(std::string text) {
 std::string decodeTwice(const std::string& value, const std::string& what) {
     std::string out;
     for (size_t i = 0; i < value.size(); ++i) {
-        // Clients leave what lies beyond ASCII as it is, and encode the tilde.
-        const bool plain =
-            (unreserved(value[i]) && value[i] != '~') || static_cast<unsigned char>(value[i]) >= 0x80;
+        if (value[i] == '~') {
+            throw Refusal(what + " holds a tilde unencoded");
+        }
+        // Clients leave what lies beyond ASCII as it is.
+        const bool plain = unreserved(value[i]) || static_cast<unsigned char>(value[i]) >= 0x80;
         const size_t length = plain ? 1 : 3;
         out += plain ? value.substr(i, 1) : decodeValue(value.substr(i, length), what);
         i += length - 1;
@@ -121,27 +154,11 @@ std::string decodeTwice(const std::string& value, const std::string& what) {
 }
 
 Fields decodeFields(const std::string& raw, const std::string& what, const std::string& repeating) {
-    Fields fields;
-    if (raw.empty()) {
-        return fields;
-    }
-    size_t from = 0;
-    while (from <= raw.size()) {
-        size_t to = std::min(raw.find('&', from), raw.size());
-        std::string pair = raw.substr(from, to - from);
-        size_t equals = pair.find('=');
-        if (equals == std::string::npos || equals == 0) {
-            throw Refusal(what + " has a piece without key and value: " + quoted(pair));
-        }
-        std::string key = decodeValue(pair.substr(0, equals), what);
-        if (key != repeating && hasField(fields, key)) {
-            throw Refusal(what + " names the key " + quoted(key) + " twice");
-        }
-        std::string value = decodeValue(pair.substr(equals + 1), what + " key " + quoted(key));
-        fields.emplace_back(std::move(key), std::move(value));
-        from = to + 1;
-    }
-    return fields;
+    return decodePairs(raw, what, repeating, unreserved);
+}
+
+Fields decodeLoosely(const std::string& raw, const std::string& what) {
+    return decodePairs(raw, what, {}, sentByBrowsers);
 }
 
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what) {

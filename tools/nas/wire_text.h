@@ -17,6 +17,9 @@ using Shape = std::vector<std::string>;
 // "a=b&c=d" with percent-encoding. Refuses anything that the protocol's encoders would not have written.
 Fields decodeFields(const std::string& raw, const std::string& what, const std::string& repeating = {});
 
+// The same from a browser, which leaves more characters as they are.
+Fields decodeLoosely(const std::string& raw, const std::string& what);
+
 // Refuses fields that match none of the shapes, naming the first difference to the nearest one.
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what);
 
