@@ -48,7 +48,10 @@ protected:
         return form;
     }
     static LinkForm selectionForm(const std::vector<std::string>& names) {
-        LinkForm form = {{"valid_duration", "forever"}, {"access_code", ""}, {"ht", "11"}, {"ssl", "true"}};
+        LinkForm form = {{"valid_duration", "forever"},
+                         {"access_code", ""},
+                         {"hostname", "nas.example.test:81"},
+                         {"ssl", "true"}};
         for (const std::string& name : names) form.emplace_back("file_name", name);
         add(form, {{"path", "/home"},
                    {"new_share", "0"},
@@ -74,7 +77,7 @@ protected:
         add(form, {{"path", "/home"},
                    {"network_type", "internet"},
                    {"mail_content_date", "today"},
-                   {"expire_time", wish.period}});
+                   {"expire_time", wish.period.empty() ? "24" : wish.period}});
         return form;
     }
     NasReply call(const std::string& func, const LinkForm& form, const std::string& session = "") {
@@ -148,6 +151,15 @@ TEST_F(NasLinks, WithoutTheCodeNobodyComesIn) {
     EXPECT_EQ("content of a", open(id, "&access_code=sesame").body);
 }
 
+TEST_F(NasLinks, AnAddressMayBeWrittenByHand) {
+    const std::string id = ssid({"forever", "", "", "se!c(1)'*", "a.txt"});
+    EXPECT_EQ("content of a", open(id, "&access_code=se!c(1)'*").body);
+    EXPECT_EQ("content of a", open(id, "&access_code=se%21c(1)'*&file=a.txt").body);
+    EXPECT_EQ("content of a", open(id, "&file=a.txt&access_code=se!c(1)'*").body);
+    EXPECT_EQ(403, open(id, "&file=a.txt&access_code=se!c").http);
+    EXPECT_EQ(400, open(id, "&access_code=se!c&access_code=se!c").http);
+}
+
 TEST_F(NasLinks, ALinkThatHasExpiredIsShut) {
     EXPECT_EQ(410, open(ssid({"specific_time", "2001/02/03 04:05", "", "", "a.txt"})).http);
     EXPECT_EQ(410, open(ssid({"period_of_time", "", "0", "", "a.txt"})).http);
@@ -158,6 +170,8 @@ TEST_F(NasLinks, ALinkThatHasExpiredIsShut) {
                      .json()["time_error"]
                      .asInt());
     EXPECT_EQ(400, call("get_share_link", getForm({"specific_time", "tomorrow", "", "", "a.txt"})).http);
+    EXPECT_EQ(400,
+              call("get_share_link", getForm({"specific_time", "2101/02/31 04:05", "", "", "a.txt"})).http);
     EXPECT_EQ(400, call("get_share_link", getForm({"period_of_time", "", "soon", "", "a.txt"})).http);
 }
 
@@ -238,13 +252,17 @@ TEST_F(NasLinkNode, AddressesLeadToTheNodeOfTheFile) {
     EXPECT_THAT(one["link_url"].asString(), EndsWith("/node2/share.cgi?ssid=" + id));
     EXPECT_EQ("content of a", get("/node2/share.cgi?ssid=" + id).body);
     LinkForm form = selectionForm({"a.txt"});
-    form[2] = {"ht", "10"};
-    form.insert(form.begin() + 3, {"hostname", "nas.example.test:81/node2"});
+    form[2].second = "nas.example.test:81/node2";
+    form.insert(form.begin() + 2, {"ht", "10"});
     EXPECT_EQ("https://nas.example.test:81/node2/share.cgi?ssid=" + id,
               run(NasRequest::form("/node2" + manager("func=get_share_link&sid=" + sid), form))
                   .json()["link_url"]
                   .asString());
     EXPECT_EQ(404, get("/node1/share.cgi?ssid=" + id).http);
+    // The server's port belongs to the host, not to the node.
+    form[3].second = "nas.example.test/node2";
+    EXPECT_EQ("https://nas.example.test:" + std::to_string(nas.tlsPort()) + "/node2/share.cgi?ssid=" + id,
+              call("get_share_link", form).json()["link_url"].asString());
 }
 
 TEST_F(NasLinks, OnlyWhatIsThereCanBeLinked) {
@@ -285,6 +303,9 @@ TEST_F(NasLinks, ALinkIsDeletedByIdOrByItsAddress) {
     const std::string address =
         "&filename=" + encoded("/home/a.txt") + "&download_link=" + encoded(other["link_url"].asString());
     EXPECT_EQ(400, remove(sid, "&filename=" + encoded("/home/a.txt") + "&download_link=").http);
+    EXPECT_EQ(
+        5, remove(sid, "&filename=" + encoded("/home/b.txt") + address.substr(address.find("&download_link")))
+               .status());
     EXPECT_EQ(0, remove(sid, address).status());
     EXPECT_EQ(0, list(sid)["total"].asInt());
 }
@@ -314,6 +335,18 @@ TEST_F(NasLinks, AnUpdateChangesCodeAndName) {
     nas.kill();
     nas.startAgain();
     EXPECT_EQ("content of a", open(id, "&access_code=sesame").body);
+    sid = loginSid(nas.port(), "anna", "secret");
+    ASSERT_EQ(id, ssid());
+    EXPECT_EQ("Letters", list(sid)["datas"][0]["link_name"].asString());
+}
+
+TEST_F(NasLinks, TheHostHidesNothingFromASearchForTheStatus) {
+    LinkForm form = getForm({});
+    form[5].second = "status.expire_time.test";
+    const std::string body = call("get_share_link", form).body;
+    EXPECT_EQ(body.find("status"), body.find("status\":1"));
+    EXPECT_EQ(body.find("expire_time"), body.find("expire_time\":"));
+    EXPECT_LT(body.find("expire_time\":"), body.find("link_url"));
 }
 
 TEST_F(NasLinks, FormsAreExact) {
@@ -329,6 +362,16 @@ TEST_F(NasLinks, FormsAreExact) {
     form = selectionForm({"a.txt"});
     form.back().second = "2";
     EXPECT_EQ(400, call("get_share_link", form).http);
+    form = selectionForm({"a.txt"});
+    form[2] = {"ht", "11"};
+    EXPECT_EQ(400, call("get_share_link", form).http);
+    for (const char* key : {"mail_content_date", "expire_time"}) {
+        form = createForm({});
+        for (auto& [name, value] : form) {
+            if (name == key) value.clear();
+        }
+        EXPECT_EQ(400, call("share_file", form).http) << key;
+    }
     form = createForm({});
     form.emplace_back("c", "1");
     EXPECT_EQ(400, call("share_file", form).http);
@@ -337,6 +380,27 @@ TEST_F(NasLinks, FormsAreExact) {
 
 TEST_F(NasLinks, WithoutAWayOutForMailTheReplySaysSo) {
     EXPECT_EQ(1, call("share_file", createForm({}, true)).json()["email_error"].asInt());
+    LinkForm form = getForm({});
+    form.insert(form.begin() + 1,
+                {{"addressee", "dora@example.test"}, {"subject", "Files"}, {"content", "Here:"}});
+    EXPECT_EQ(0, call("get_share_link", form).status());
+    LinkForm one = {{"share_ssid", ssid()},
+                    {"addressee", "erik@example.test"},
+                    {"subject", "One"},
+                    {"content", "Look"},
+                    {"include_access_code", "maybe"}};
+    EXPECT_EQ(400, call("send_share_mail", one).http);
+    one[4].second = "false";
+    EXPECT_EQ(1, call("send_share_mail", one).json()["email_error"].asInt());
+    one[3].second = "";
+    EXPECT_EQ(400, call("send_share_mail", one).http);
+}
+
+TEST_F(NasLinks, AMailThatIsRefusedLeavesNoLink) {
+    LinkForm form = createForm({}, true);
+    form[2].second = "Two\r\nBcc: x";
+    EXPECT_EQ(400, call("share_file", form).http);
+    EXPECT_EQ(0, list(sid)["total"].asInt());
 }
 
 TEST_F(NasLinkMails, MailsTellTheLinks) {

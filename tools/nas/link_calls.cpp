@@ -80,10 +80,13 @@ int64_t expiryOf(const Fields& form) {
     struct tm parts {};
     parts.tm_isdst = -1;
     const char* end = ::strptime(field(form, "datetime").c_str(), "%Y/%m/%d %H:%M", &parts);
-    if (!end || *end != '\0') {
+    const int day = parts.tm_mday;
+    const time_t when = std::mktime(&parts);
+    // What no calendar has becomes another day.
+    if (!end || *end != '\0' || parts.tm_mday != day) {
         throw Refusal("form key \"datetime\" is no date like 2026/12/31 18:00");
     }
-    return std::mktime(&parts);
+    return when;
 }
 
 // 10 stands for a host as it is written, 11 for none.
@@ -100,11 +103,13 @@ std::string urlOf(Service& service, const Request& request, const Fields& form, 
     if (host.empty()) {
         throw Refusal("form key \"hostname\" is empty");
     }
-    if (host.find(':') == std::string::npos) {
-        host += ":" + std::to_string(secure ? service.tlsPort() : service.httpPort());
-    }
     // Some clients name the node themselves.
-    const bool named = link.nas.empty() || host.find('/') != std::string::npos;
+    const size_t slash = std::min(host.find('/'), host.size());
+    const bool named = link.nas.empty() || slash < host.size();
+    const int port = secure ? service.tlsPort() : service.httpPort();
+    if (host.find(':') == std::string::npos && port != 0) {
+        host.insert(slash, ":" + std::to_string(port));
+    }
     return (secure ? "https://" : "http://") + host + (named ? "" : "/" + link.nas) +
            "/share.cgi?ssid=" + link.ssid;
 }
@@ -161,6 +166,7 @@ void keep(Service& service, const Request& request, const Fields& form, Link& li
         link.ssid = known ? known->ssid : randomHex(8);
         link.url = urlOf(service, request, form, link);
         if (known) {
+            link.name = hasField(form, "link_name") ? link.name : known->name;
             *known = link;
         } else {
             book.links.push_back(link);
@@ -176,10 +182,18 @@ void requireLine(const Fields& form, const std::string& key) {
     }
 }
 
-// False if no mail can go out.
-bool mail(Service& service, const Fields& form, const std::vector<Link>& links) {
+// What kMail holds, before anything is done for the mail's sake.
+void requireMail(const Fields& form) {
     requireLine(form, "addressee");
     requireLine(form, "subject");
+    if (field(form, "content").empty()) {
+        throw Refusal("form key \"content\" is empty");
+    }
+    flag(form, "include_access_code");
+}
+
+// False if no mail can go out.
+bool mail(Service& service, const Fields& form, const std::vector<Link>& links) {
     if (!service.mailbox().open()) {
         return false;
     }
@@ -195,18 +209,19 @@ bool mail(Service& service, const Fields& form, const std::vector<Link>& links) 
 }
 
 // Clients search this text for its keys and know each slash by the backslash before it, so that it holds
-// nothing that a user may choose freely, and the end of the link in a form without slashes and blanks.
+// nothing that a user may choose freely but the host of the link, behind what they search for, and the end of
+// the link in a form without slashes and blanks.
 Answer toldAsText(const Link& link, httplib::Response& response) {
-    const nlohmann::json reply = {{"status", number(Status::Ok)},
-                                  {"ssid", link.ssid},
-                                  {"link_url", link.url},
-                                  {"expire_time", link.expireText("%Y-%m-%dT%H:%M")}};
+    const nlohmann::ordered_json reply = {{"status", number(Status::Ok)},
+                                          {"expire_time", link.expireText("%Y-%m-%dT%H:%M")},
+                                          {"ssid", link.ssid},
+                                          {"link_url", link.url}};
     std::string text;
     for (const char c : reply.dump()) {
         text += c == '/' ? "\\/" : std::string(1, c);
     }
     response.set_content(text, "application/json");
-    return {reply, true, link.ssid};
+    return {{{"status", number(Status::Ok)}}, true, link.ssid};
 }
 
 Answer told(const Link& link) {
@@ -282,14 +297,21 @@ Answer getLink(Service& service, Request& request, httplib::Response& response) 
     if (selection) {
         requireOneOf(form, "new_share", {"0", "1"});
         requireCount(form, valuesOf(form, "file_name").size());
+        if (field(form, "new_share") == "0" && !hasField(form, "hostname")) {
+            throw Refusal("form key \"hostname\" is missing");
+        }
     } else {
         requireTypes(form);
+    }
+    const bool mails = hasField(form, "addressee");
+    if (mails) {
+        requireMail(form);
     }
     const User& user = service.authenticate(request, field(request.query, "sid"));
     Link link = linkOf(service, user, form);
     keep(service, request, form, link, !selection || field(form, "new_share") == "0");
-    if (hasField(form, "addressee")) {
-        mail(service, form, {link});
+    if (mails && !mail(service, form, {link})) {
+        throw StatusError(Status::Failed, "no mail can go out");
     }
     return selection ? told(link) : toldAsText(link, response);
 }
@@ -345,6 +367,7 @@ Answer mailLinks(Service& service, Request& request, const Fields& form) {
     }
     requireShape(form, {shape}, "form");
     requireTypes(form);
+    requireMail(form);
     requireCount(form, ssids.size());
     const User& user = service.authenticate(request, field(request.query, "sid"));
     const std::vector<Link> links = ownLinks(service, user, ssids);
@@ -366,6 +389,14 @@ Answer createLink(Service& service, Request& request, const Fields& form) {
     append(shape, {"path", "network_type", "mail_content_date", "expire_time"});
     requireShape(form, {shape}, "form");
     requireTypes(form);
+    if (mails) {
+        requireMail(form);
+    }
+    for (const char* key : {"mail_content_date", "expire_time"}) {
+        if (field(form, key).empty()) {
+            throw Refusal("form key \"" + std::string(key) + "\" is empty");
+        }
+    }
     numberField(form, "file_total");
     const User& user = service.authenticate(request, field(request.query, "sid"));
     Link link = linkOf(service, user, form);
@@ -391,6 +422,7 @@ Answer mailLink(Service& service, Request& request, httplib::Response&) {
         shape.emplace_back("mail_content_pwd");
     }
     requireShape(form, {shape}, "form");
+    requireMail(form);
     const User& user = service.authenticate(request, field(request.query, "sid"));
     const std::vector<Link> links = ownLinks(service, user, {field(form, "share_ssid")});
     return result(links[0].url, mail(service, form, links), true);
@@ -417,6 +449,9 @@ Answer updateLinks(Service& service, Request& request, httplib::Response&) {
     const Fields form = readForm(request);
     requireShape(form, {updateShape(form)}, "form");
     requireHostKind(form);
+    if (!hasField(form, "ht") && !hasField(form, "hostname")) {
+        throw Refusal("form key \"hostname\" is missing");
+    }
     requireOneOf(form, "option", {"1", "3"});
     // Without a host only the name changes, and the rest may be anything.
     const bool nameOnly = !hasField(form, "hostname") && hasField(form, "ht");
@@ -448,6 +483,12 @@ Answer updateLinks(Service& service, Request& request, httplib::Response&) {
     return result(first, true, true);
 }
 
+bool holds(const Link& link, const std::string& path) {
+    return std::any_of(link.files.begin(), link.files.end(), [&](const std::string& file) {
+        return (file.empty() ? link.path : wholePath(link, file)) == path;
+    });
+}
+
 Answer deleteLinks(Service& service, Request& request, httplib::Response&) {
     const Fields& query = request.query;
     const User& user = service.authenticate(request, field(query, "sid"));
@@ -460,7 +501,8 @@ Answer deleteLinks(Service& service, Request& request, httplib::Response&) {
         }
         const auto book = service.shares().read();
         for (const Link& link : book->links) {
-            if (link.owner == user.name && link.url == field(query, "download_link")) {
+            if (link.owner == user.name && link.url == field(query, "download_link") &&
+                holds(link, field(query, "filename"))) {
                 ssids.push_back(link.ssid);
             }
         }
