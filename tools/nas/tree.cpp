@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
@@ -296,9 +297,14 @@ std::vector<Entry> Tree::list(const User& user, const Folder& folder) const {
     if (!describe(folder, folder.fd.get(), "folder").readable()) {
         throw StatusError(Status::Denied, "the folder may not be read");
     }
+    const auto teams = static_cast<std::ptrdiff_t>(out.size());
     eachName(folder.fd.get(), [&](const std::string& name) {
         struct stat info {};
-        if (!folder.owns(name) && ::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+        // A team folder hides what is really there under its name.
+        const bool hidden =
+            folder.owns(name) || std::any_of(out.begin(), out.begin() + teams,
+                                             [&](const Entry& team) { return team.name == name; });
+        if (!hidden && ::fstatat(folder.fd.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
             served(info)) {
             out.push_back(fromStat(info, name, folder.readOnly));
         }
