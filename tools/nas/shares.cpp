@@ -58,6 +58,8 @@ void Shares::change(const std::function<void(ShareBook&)>& act) {
     if (!others || ::flock(others.get(), LOCK_EX) != 0) {
         throw std::runtime_error("cannot lock " + file_ + ": " + std::strerror(errno));
     }
+    // Read anew: two books may look alike from outside, and what another node wrote must not be lost.
+    bookStamp_ = "unread";
     ShareBook book = *load();
     act(book);
     const std::string text = nlohmann::json(book).dump();
