@@ -183,7 +183,9 @@ TEST_F(NasTeamInfo, OfAFolderThatNobodyShares) {
     EXPECT_EQ(0, info(sid, "/home/Missing")["file_exist"].asInt());
     EXPECT_EQ(3, info("x", "/home")["status"].asInt());
     EXPECT_EQ(400, get(cgi("func=nubo_team_folder_get_info&sid=" + sid + "&file=a")).http);
-    EXPECT_EQ(400, get(cgi("func=nubo_team_folder_get_info&sid=" + sid + "&path=")).http);
+    // What is left of the team area itself.
+    EXPECT_EQ(0, info(sid, "")["nubo_type"].asInt());
+    EXPECT_EQ(400, get(manager("func=nubo_get_share_info&sid=" + sid + "&file=")).http);
     EXPECT_EQ(400, get(manager("func=nubo_get_share_info&sid=" + sid + "&path=a")).http);
 }
 

@@ -1,3 +1,5 @@
+#include <set>
+
 #include "people.h"
 #include "sharing.h"
 
@@ -6,13 +8,40 @@ namespace nas {
 namespace {
 
 // What "action" does with a member.
-enum class MemberAction { Remove = 0, ReadOnly = 1, ReadWrite = 2 };
+enum MemberAction : int64_t { Remove = 0, ReadOnly = 1, ReadWrite = 2 };
 
 struct MemberChange {
     std::string name;
-    MemberAction action;
+    int64_t action;     // a MemberAction, unless it is unknown
     int64_t event = 0;  // of the file manager's members; 0 for a new one
 };
+
+nlohmann::json memberJson(const Person& person, const Event* part) {
+    nlohmann::json member = {{"name", person.name},
+                             {"share_member", part ? 1 : 0},
+                             {"event_status", part ? static_cast<int>(part->part) : 0},
+                             {"event_id", part ? part->id : 0},
+                             {"torviuser", person.sync ? 1 : 0}};
+    if (!person.description.empty()) {
+        member["description"] = person.description;
+    }
+    return member;
+}
+
+// Members whose account is gone stay members.
+void addFormer(const Service& service, const ShareBook& book, const Share& share, const Fields& query,
+               std::vector<nlohmann::json>& members) {
+    if (!field(query, "netbios").empty() || field(query, "all_user") != "1") {
+        return;
+    }
+    const std::string filter = lowerCase(field(query, "filter"));
+    for (const Event& event : book.events) {
+        if (event.share == share.id && event.live() && !service.options().users.find(event.receiver) &&
+            lowerCase(event.receiver).find(filter) != std::string::npos) {
+            members.push_back(memberJson({event.receiver, "", false}, &event));
+        }
+    }
+}
 
 Answer members(Service& service, Request& request, httplib::Response&) {
     const User& user = userHere(service, request);
@@ -28,15 +57,9 @@ Answer members(Service& service, Request& request, httplib::Response&) {
         if (person.name == share.owner || (!part && hasField(query, "only_member"))) {
             continue;
         }
-        members.push_back({{"name", person.name},
-                           {"share_member", part ? 1 : 0},
-                           {"event_status", part ? static_cast<int>(part->part) : 0},
-                           {"event_id", part ? part->id : 0},
-                           {"torviuser", person.sync ? 1 : 0}});
-        if (!person.description.empty()) {
-            members.back()["description"] = person.description;
-        }
+        members.push_back(memberJson(person, part));
     }
+    addFormer(service, *book, share, query, members);
     return {{{"status", 0}, {"total", members.size()}, {"user", page(members, query)}},
             false,
             std::to_string(members.size()) + " people"};
@@ -65,12 +88,8 @@ std::vector<MemberChange> changesOf(const Fields& form, int64_t count, bool even
     std::vector<MemberChange> changes;
     for (int64_t i = 0; i < count; ++i) {
         const std::string index = std::to_string(i);
-        const int64_t action = numberField(form, "action" + index);
-        if (action < 0 || action > static_cast<int64_t>(MemberAction::ReadWrite)) {
-            throw Refusal("form key \"action" + index + "\" is out of its range");
-        }
         changes.push_back({decodeTwice(field(form, "user" + index), "form key \"user" + index + "\""),
-                           static_cast<MemberAction>(action),
+                           numberField(form, "action" + index),
                            events ? numberField(form, "event_id" + index) : 0});
     }
     return changes;
@@ -78,12 +97,15 @@ std::vector<MemberChange> changesOf(const Fields& form, int64_t count, bool even
 
 void requireChangeable(Service& service, const ShareBook& book, const User& user, const Share& share,
                        const MemberChange& change) {
+    if (change.action < Remove || change.action > ReadWrite) {
+        throw StatusError(Status::Denied, "no action " + std::to_string(change.action));
+    }
     const Event* part = book.partIn(share.id, change.name);
     if (change.event != 0 && (!part || part->id != change.event)) {
         throw StatusError(Status::Missing,
                           "event " + std::to_string(change.event) + " isn't that of " + change.name);
     }
-    if (change.action == MemberAction::Remove && !part) {
+    if (change.action == Remove && !part) {
         throw StatusError(Status::Missing, change.name + " is no member");
     }
     if (!part) {
@@ -91,14 +113,18 @@ void requireChangeable(Service& service, const ShareBook& book, const User& user
     }
 }
 
-void carryOut(ShareBook& book, const std::string& id, const std::vector<MemberChange>& changes) {
+void carryOut(Service& service, ShareBook& book, const User& owner, const std::string& id,
+              const std::vector<MemberChange>& changes) {
     const Share* share = book.find(id);
     if (!share) {
         throw StatusError(Status::Missing, "share " + id + " is gone");
     }
     for (const MemberChange& change : changes) {
-        if (change.action != MemberAction::Remove) {
-            book.invite(*share, change.name, change.action == MemberAction::ReadOnly);
+        if (change.action != Remove) {
+            if (!book.partIn(id, change.name)) {
+                requireInvitable(service, book, owner, change.name);
+            }
+            book.invite(*share, change.name, change.action == ReadOnly);
         } else if (const Event* part = book.partIn(id, change.name)) {
             book.end(part->id, Part::TakenAway);
         }
@@ -114,11 +140,17 @@ Answer setMembers(Service& service, Request& request, httplib::Response&) {
     const User& user = userHere(service, request, field(form, "sid"));
     const auto book = service.shares().read();
     const Share& share = ownShare(*book, user, form);
+    std::set<std::string> names;
     for (const MemberChange& change : changes) {
         requireChangeable(service, *book, user, share, change);
+        if (!names.insert(change.name).second) {
+            throw StatusError(Status::Denied, change.name + " is named twice");
+        }
     }
     return startedShareJob(service, request, "members of " + leafOf(share.path),
-                           [id = share.id, changes](ShareBook& later) { carryOut(later, id, changes); });
+                           [&service, &user, id = share.id, changes](ShareBook& later) {
+                               carryOut(service, later, user, id, changes);
+                           });
 }
 
 std::vector<Shape> memberForms(const std::string& func, bool node) {

@@ -11,14 +11,6 @@ bool onSync(const Request& request) {
     return request.endpoint == Endpoint::SyncCgi;
 }
 
-const std::string& shareId(const Fields& fields) {
-    const std::string& id = field(fields, "share_id");
-    if (id.empty()) {
-        throw Refusal("key \"share_id\" is empty");
-    }
-    return id;
-}
-
 // The receiver's own: named by the share at the sync service, by the event at the file manager.
 const Event& ownPart(const ShareBook& book, const Request& request, const User& user) {
     const Fields& query = request.query;
@@ -173,10 +165,9 @@ std::vector<std::string> targetsOf(const Fields& form) {
     std::vector<std::string> targets;
     for (int64_t i = 0; i < count; ++i) {
         const std::string& name = field(form, "target_name" + std::to_string(i));
-        if (name.empty() || std::find(targets.begin(), targets.end(), name) != targets.end()) {
-            throw Refusal(name.empty() ? "a target has no name" : "the target " + name + " came twice");
+        if (std::find(targets.begin(), targets.end(), name) == targets.end()) {
+            targets.push_back(name);
         }
-        targets.push_back(name);
     }
     return targets;
 }
@@ -212,10 +203,11 @@ Answer shareTo(Service& service, Request& request, httplib::Response&) {
     const Share share = {
         "", "", service.shares().nas(), user.name, pathFor(user.name, placeOf(folder, "")), markOf(folder)};
     return startedShareJob(
-        service, request, "share " + leafOf(share.path), [share, targets](ShareBook& later) {
+        service, request, "share " + leafOf(share.path), [&service, &user, share, targets](ShareBook& later) {
             const Share known = later.share(share.nas, share.owner, share.path, share.folder);
             for (const std::string& name : targets) {
                 if (!later.partIn(known.id, name)) {
+                    requireInvitable(service, later, user, name);
                     later.invite(known, name, false);
                 }
             }

@@ -13,22 +13,22 @@ namespace {
 
 constexpr int kDeniedToSharing = -3;
 
-int startShareJob(Service& service, const Request& request, const std::string& name,
-                  std::function<void(ShareBook&)> act, std::shared_ptr<std::promise<void>> over) {
-    return startJob(service, request, name,
-                    [&service, act = std::move(act), over = std::move(over)](const Progress& progress) {
-                        try {
-                            takeTime(progress);
-                            service.shares().change(act);
-                        } catch (const std::exception&) {
-                            over->set_exception(std::current_exception());
-                            throw;
-                        } catch (...) {
-                            over->set_value();  // dropped
-                            throw;
-                        }
-                        over->set_value();
-                    });
+using Over = std::shared_ptr<std::promise<void>>;
+
+Jobs::Work shareWork(Service& service, std::function<void(ShareBook&)> act, Over over) {
+    return [&service, act = std::move(act), over = std::move(over)](const Progress& progress) {
+        try {
+            takeTime(progress);
+            service.shares().change(act);
+        } catch (const std::exception&) {
+            over->set_exception(std::current_exception());
+            throw;
+        } catch (...) {
+            over->set_exception(std::make_exception_ptr(StatusError(Status::Failed, "the job was dropped")));
+            throw;
+        }
+        over->set_value();
+    };
 }
 
 // Of the folder that the user has there.
@@ -96,11 +96,16 @@ void requireNas(const Share& share, const Fields& fields) {
     }
 }
 
-const Share& ownShare(const ShareBook& book, const User& user, const Fields& fields) {
+const std::string& shareId(const Fields& fields) {
     const std::string& id = field(fields, "share_id");
     if (id.empty()) {
         throw Refusal("key \"share_id\" is empty");
     }
+    return id;
+}
+
+const Share& ownShare(const ShareBook& book, const User& user, const Fields& fields) {
+    const std::string& id = shareId(fields);
     const Share* share = book.find(id);
     const bool own = share && share->owner == user.name;
     if (!share || (!own && !book.partIn(id, user.name))) {
@@ -142,8 +147,8 @@ nlohmann::json page(const std::vector<nlohmann::json>& all, const Fields& query)
 
 Answer startedShareJob(Service& service, const Request& request, const std::string& name,
                        std::function<void(ShareBook&)> act) {
-    const int pid =
-        startShareJob(service, request, name, std::move(act), std::make_shared<std::promise<void>>());
+    const int pid = startJob(service, request, name,
+                             shareWork(service, std::move(act), std::make_shared<std::promise<void>>()));
     return {{{"status", number(Status::Ok)}, {"pid", std::to_string(pid)}},
             false,
             name + " as job " + std::to_string(pid)};
@@ -152,7 +157,8 @@ Answer startedShareJob(Service& service, const Request& request, const std::stri
 Answer endedShareJob(Service& service, const Request& request, const std::string& name,
                      std::function<void(ShareBook&)> act) {
     const auto over = std::make_shared<std::promise<void>>();
-    const int pid = startShareJob(service, request, name, std::move(act), over);
+    const int pid =
+        service.jobs().start(request.userName, name, false, shareWork(service, std::move(act), over));
     if (service.options().jobDelay.count() == 0) {
         over->get_future().get();
     }

@@ -24,6 +24,8 @@ bool isThere(Service& service, const Share& share);
 
 // The shape, and with the node of the share at its end.
 std::vector<Shape> withNas(const Shape& shape);
+// "share_id", which says something.
+const std::string& shareId(const Fields& fields);
 // The share, of which the user is the owner. Throws Missing for strangers, Denied for members.
 const Share& ownShare(const ShareBook& book, const User& user, const Fields& fields);
 // Throws Missing if a "nas_id" is given that isn't the share's.

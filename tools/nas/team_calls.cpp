@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <ctime>
 
 #include "change_log.h"
 #include "sharing.h"
@@ -112,15 +111,6 @@ Answer teamFolders(Service& service, Request& request, httplib::Response&) {
             std::to_string(folders.size()) + " team folders"};
 }
 
-std::string timeText(int64_t time, const char* format) {
-    const auto when = static_cast<time_t>(time);
-    struct tm parts {};
-    char text[32] = "";
-    ::localtime_r(&when, &parts);
-    std::strftime(text, sizeof text, format, &parts);
-    return text;
-}
-
 Answer events(Service& service, Request& request, httplib::Response&) {
     const User& user = userHere(service, request);
     const int64_t roles = wantedRoles(request.query);
@@ -216,7 +206,7 @@ bool folderAt(Service& service, const User& user, const std::string& path) {
 std::string askedPath(const Request& request) {
     const bool sync = request.endpoint == Endpoint::SyncCgi;
     const std::string& path = field(request.query, sync ? "path" : "file");
-    if (path.empty()) {
+    if (path.empty() && !sync) {
         throw Refusal("the path is empty");
     }
     return withoutLastSlash(sync && path[0] != '/' ? "/home/.Torvi/" + path : path);
