@@ -108,6 +108,9 @@ TEST_F(NasShare, AnotherFolderInItsPlaceIsNotShared) {
     EXPECT_EQ(5, reach(benSid));
     EXPECT_EQ(5, run(NasRequest::upload(cgi(uploadQuery(benSid, "vtf://anna-Photos")), "p", "x")).status());
     EXPECT_FALSE(there("homes/anna/Photos/p"));
+    EXPECT_EQ(1, run(NasRequest::upload(cgi(uploadQuery(sid, "/home/Photos")), "q", "x")).status());
+    EXPECT_EQ(
+        0, get(cgi("func=nubo_get_sync_log&sid=" + benSid + "&lower=0&number=9")).json()["number"].asInt());
 
     share({"carl"});
     const std::string other = folder(carlSid, 1, "Photos")["share_id"].asString();

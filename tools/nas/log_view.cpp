@@ -1,6 +1,7 @@
 #include "log_view.h"
 
 #include "service.h"
+#include "sharing.h"
 
 namespace nas {
 
@@ -59,6 +60,9 @@ LogView::LogView(Service& service, const User& user) : log_(&service.changeLog()
     const auto book = service.shares().read();
     for (const Event* part : book->receivedBy(service.shares().nas(), user.name)) {
         const Share& share = *book->find(part->share);
+        if (isReplaced(service, share)) {
+            continue;
+        }
         if (const User* owner = service.options().users.find(share.owner)) {
             try {
                 folders_.emplace_back(placeOfPath(service, *owner, share.path), kScheme + share.team);

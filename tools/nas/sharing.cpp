@@ -84,6 +84,11 @@ bool isThere(Service& service, const Share& share) {
     return share.nas != service.shares().nas() || markAt(service, share.owner, share.path) == share.folder;
 }
 
+bool isReplaced(Service& service, const Share& share) {
+    const std::optional<std::string> mark = markAt(service, share.owner, share.path);
+    return mark && *mark != share.folder;
+}
+
 std::vector<Shape> withNas(const Shape& shape) {
     Shape more = shape;
     more.emplace_back("nas_id");

@@ -21,6 +21,8 @@ constexpr const char* kNoShare = "--------";
 
 // Whether the shared folder is where the book says. Of another node's nothing else is known.
 bool isThere(Service& service, const Share& share);
+// Whether a folder that was never shared stands in its place.
+bool isReplaced(Service& service, const Share& share);
 
 // The shape, and with the node of the share at its end.
 std::vector<Shape> withNas(const Shape& shape);
