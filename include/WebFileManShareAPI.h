@@ -447,9 +447,9 @@ TORVIAPI_EXPORT uint32_t WFMGetTorviShareFolderInformation(_WFM_AUTH_CONTEXT* co
 /// | 0        | -1          | refused; `pid` is filled if the server names a job all the same              |
 /// | 0        | 122         | `pid` has no room for the process id; whether the server agrees is in        |
 /// |          |             | `statusWord`                                                                 |
-/// | 8        | untouched   | as ever, and nothing is sent where a session of the sync service was told by |
+/// | 8        | -1          | nothing is sent: a session of the sync service was told by                   |
 /// |          |             | WFMUpdateTeamFolderInfo that the path lies in a folder that this user has    |
-/// |          |             | received                                                                     |
+/// |          |             | received; `statusWord` is -1                                                 |
 ///
 /// Twice: up to the server. Next: WebFileManQueryProgress with the process id; the users answer by
 /// WebFileManAcceptShare or WebFileManDenyShare.

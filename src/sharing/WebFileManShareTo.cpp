@@ -25,12 +25,12 @@ uint32_t WebFileManShareTo(_WFM_AUTH_CONTEXT* context, const wchar_t* server, ui
                                         L"/cgi-bin/filemanager/utilRequest.cgi?func=nubo_share_to"};
     Call call(rules, context, server, port);
     if (!call.accepts(targetCount, targets, path, capacity, Given{pid}, resultWord)) return call.refuse();
+    call.begin(resultWord);
+    if (statusWord != nullptr) *statusWord = static_cast<uint32_t>(-1);
     if (IsInReceivedFolder(*context, path)) {
         call.line("[WFMShare] WebFileManShareTo: Is recevier side team folder(%ls)", path);
         return call.leave(WFM_PARSE_XML_INVALID_PARAMETER);
     }
-    call.begin(resultWord);
-    if (statusWord != nullptr) *statusWord = static_cast<uint32_t>(-1);
 
     // The session's id travels in the form.
     call.use(kEndpoint);

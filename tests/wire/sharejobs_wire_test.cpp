@@ -271,7 +271,9 @@ TEST(WebFileManShareToWire, AFolderThatWasReceivedIsNotShared) {
             continue;
         }
         EXPECT_EQ(call.run(), 8u);
-        EXPECT_TRUE(call.isUntouched());
+        EXPECT_EQ(call.signedResult(), -1);
+        EXPECT_EQ(call.signedStatus(), -1);
+        EXPECT_TRUE(call.pid.isUntouched());
         EXPECT_EQ(server.connectionCount(), 0u);
         log.expectLines(
             {std::string("[WFMShare] WebFileManShareTo: Is recevier side team folder(") + row.sent + ")"});
