@@ -20,7 +20,7 @@ int CFindTorviShareInfoJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
         status = TranslatedStatus(root, 0);
-        if (status != 0 || JsonGetInt(root, "total", 0) <= 0 || !IsPresent(root, "event")) return 1;
+        if (status != 0 || JsonGetInt(root, "total", 0) == 0 || !IsPresent(root, "event")) return 1;
         if (!root["event"].isArray()) return -1;
         for (const Json::Value& json : root["event"]) {
             if (!json.isObject()) continue;

@@ -60,7 +60,7 @@ TEST(CFindTorviShareInfoJson, ARefusalAndAMissingTotalEndTheParse) {
                 {R"("status":1,"total":"2")", 0, 1},
                 {R"("status":1)", 0, 0},
                 {R"("status":1,"total":0)", 0, 0},
-                {R"("status":1,"total":-1)", 0, 0},
+                {R"("status":1,"total":-1)", 0, 1},
                 {R"("status":4,"total":1)", -3, 0},
                 {R"("status":0,"total":1)", -2, 0}};
     for (const auto& row : rows) {
