@@ -140,6 +140,81 @@ struct _WFM_SHARE_LINK_RESULT {
     wchar_t szSlaveID[260];     ///< the node that holds the link, told before the request; may be empty
 };
 
+/// The items of a device's configuration: one bit each, in WFM_TORVI_GET_DEVICE_CONFIG_ITEM_INFO. A
+/// combination of bits is no item. Behind each, the section and the key by which the server knows it.
+enum _WFM_TORVI_DEVICE_CONFIG_FLAG_ : uint32_t {
+    WFM_CONFIG_SMART_SYNC = 0x1,              ///< "Synchronize", "smart sync"
+    WFM_CONFIG_CONFLICT_POLICY = 0x2,         ///< "Policy", "conflict Policy"
+    WFM_CONFIG_BLACK_FILE_FILTER = 0x4,       ///< "Policy", "black file filter": tabs between entries
+    WFM_CONFIG_MAIL_SEND_METHOD = 0x8,        ///< "Mails", "send method"
+    WFM_CONFIG_MAIL_SENDER_ADDRESS = 0x10,    ///< "Mails", "sender address"
+    WFM_CONFIG_MAIL_SENDER_SMTP_AUTH = 0x20,  ///< "Mails", "sender smtp auth"
+    WFM_CONFIG_MAIL_SENDER_USERNAME = 0x40,   ///< "Mails", "sender username"
+    WFM_CONFIG_MAIL_SENDER_PASSWORD = 0x80,   ///< "Mails", "sender password": in clear
+    WFM_CONFIG_MAIL_SERVER_NAME = 0x100,      ///< "Mails", "server name"
+    WFM_CONFIG_MAIL_SERVER_PORT = 0x200,      ///< "Mails", "server port"
+    WFM_CONFIG_MAIL_SERVER_SECURE = 0x400,    ///< "Mails", "server secure"
+    WFM_CONFIG_MAIL_SERVER_SECURITY_PROTOCOL = 0x800,  ///< "Mails", "server security protocol"
+    WFM_CONFIG_OFFICIAL_VERSION = 0x1000,              ///< "Config", "official version"
+    WFM_CONFIG_MANUAL_VERSION = 0x2000,                ///< "Config", "manual version"
+};
+
+/// One item of a device's configuration. From WFMGetDeviceConfigInfo: allocated by the library with new,
+/// freed by the caller. For WFMSetDeviceConfigInfo: the caller's.
+struct WFM_TORVI_GET_DEVICE_CONFIG_ITEM_INFO {
+    uint32_t dwFlag;    ///< one of _WFM_TORVI_DEVICE_CONFIG_FLAG_
+    wchar_t* pszValue;  ///< of any length. Read: from new[], for the caller to delete, never null. Written:
+                        ///< may be null, which is an empty value
+    int32_t nAction;    ///< read: 0. Written: 1 sends "action" along with the item
+};
+
+/// The items of a device: filled by WFMGetDeviceConfigInfo, read by WFMSetDeviceConfigInfo.
+struct WFM_TORVI_DEVICE_CONFIG_LIST {
+    uint32_t dwCount;                                  ///< entries of lppItems
+    WFM_TORVI_GET_DEVICE_CONFIG_ITEM_INFO** lppItems;  ///< read: from new[]; null if there are none
+};
+
+/// One change of a configuration, from WFMGetConfigNotifyInfo: allocated by the library with new, freed by
+/// the caller. Texts are as the server writes them, cut at 259 and terminated; one that it doesn't send, or
+/// that has 2048 characters or more, is empty.
+struct WFM_TORVI_CONFIG_NOTIFY_ITEM_INFO {
+    int32_t nEventID;
+    wchar_t szUser[260];       ///< whose device it is
+    wchar_t szDeviceUID[260];  ///< the device
+    wchar_t szAction[260];
+    wchar_t szType[260];
+    wchar_t szStatus[260];
+    wchar_t szTime[260];
+    wchar_t szModifier[260];  ///< who changed it
+    wchar_t szValue[260];
+};
+
+/// The changes, filled by WFMGetConfigNotifyInfo.
+struct WFM_TORVI_CONFIG_NOTIFY_LIST {
+    uint32_t dwCount;                              ///< entries of lppItems
+    WFM_TORVI_CONFIG_NOTIFY_ITEM_INFO** lppItems;  ///< from new[]; null if there are none
+};
+
+/// What the user may change, filled by WFMGetConfigACL. Each is 0 or 1; 0 also if the server doesn't tell.
+struct WFM_TORVI_CONFIG_ACL_INFO {
+    uint32_t dwManagerMode;         ///< an administrator decides at all
+    uint32_t dwUseManagerPassword;  ///< changes want the configuration password: WFMAuthConfigPassword
+    uint32_t dwClientSetConfig;     ///< the client may set its configuration
+    uint32_t dwSmartSync;           ///< WFM_CONFIG_SMART_SYNC
+    uint32_t dwConflictPolicy;      ///< WFM_CONFIG_CONFLICT_POLICY
+    uint32_t dwBlackFileFilter;     ///< WFM_CONFIG_BLACK_FILE_FILTER
+    uint32_t dwMails;               ///< all of the mail items
+};
+
+/// One device of a user, from WebFileManGetDeviceList. Allocated by the caller. Texts are cut at 259 and
+/// terminated; one that the server doesn't send, or that has 2048 characters or more, is empty.
+struct _WFM_TORVI_DEVICE_INFORMATION {
+    wchar_t szDeviceName[260];
+    wchar_t szDeviceUID[260];  ///< by which the other calls name it
+    wchar_t szIP[260];         ///< the address that it was last seen at
+    int64_t llModifiedTime;    ///< when its configuration was last changed, in seconds since the epoch
+};
+
 extern "C" {
 
 /// @name The types of public links
@@ -1222,6 +1297,218 @@ TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const
                                                const wchar_t* subject, const wchar_t* content,
                                                const wchar_t* ssids, const wchar_t* mailPassword,
                                                uint32_t* resultWord);
+
+/// @}
+
+/// @name Device configuration
+/// The server keeps a configuration for each device of a user, as items that _WFM_TORVI_DEVICE_CONFIG_FLAG_
+/// numbers, and tells what of it the user may change. Requests go to the session's own service and node.
+///
+/// Passwords travel as base64, which is no secret, and that of WFMAuthConfigPassword in a URL; use a secure
+/// session. Device uids go out as given everywhere, users in WFMSetDeviceConfigInfo and
+/// WFMGetConfigNotifyInfo: they must be safe in a URL.
+///
+/// | Call                        | Result word, `dwStatus` being 0                                            |
+/// |-----------------------------|----------------------------------------------------------------------------|
+/// | WFMSetDeviceConfigInfo      | the server's own status, **which isn't a client code**: 0 is done          |
+/// | WebFileManResetDeviceConfig | the same                                                                   |
+/// | the five that ask           | 0, or -4: the server refuses with -3. Any other status is a reply that     |
+/// |                             | isn't understood, 14: **a server that agrees sends none**                  |
+/// @{
+
+/// Asks for the items of a device.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param deviceUID   the device, sent as given; not null or empty
+/// @param mode        1 asks for the template besides, 3 sends 2 as "get_all"; any other number is the plain
+///                    question
+/// @param checkExist  true has the server check first that it knows the device
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param list        becomes the items; what stood in it is overwritten, not freed. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                            |
+/// |----------|-------------|---------------------------------------------------------------------------------|
+/// | 0        | 0           | `list` holds the items, maybe none; those that this library doesn't know aren't |
+/// |          |             | among them                                                                      |
+/// | 0        | -4          | refused                                                                         |
+/// | 0        | 8           | no memory for the items                                                         |
+///
+/// | Of the list               | Whose it is, and what becomes of it                                       |
+/// |---------------------------|---------------------------------------------------------------------------|
+/// | the list record           | allocated and freed by the caller                                         |
+/// | array, items, `pszValue`s | allocated by the call, freed by the caller; no item and no value is null  |
+/// | too small                 | never: it is as long as it must be                                        |
+/// | all failures              | but for 8 as `dwStatus`, the count is 0 and the array null                |
+///
+///     for (uint32_t i = 0; i < list.dwCount; ++i) {
+///         delete[] list.lppItems[i]->pszValue;
+///         delete list.lppItems[i];
+///     }
+///     delete[] list.lppItems;
+///
+/// Twice: safe, and a second list to free. Next: WFMSetDeviceConfigInfo.
+TORVIAPI_EXPORT uint32_t WFMGetDeviceConfigInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                uint32_t port, const wchar_t* deviceUID, int32_t mode,
+                                                bool checkExist, void* reserved, uint32_t* resultWord,
+                                                WFM_TORVI_DEVICE_CONFIG_LIST* list);
+
+/// Sets items of a device, or of the template.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved    null
+/// @param user        whose device it is, sent as given; not null or empty
+/// @param deviceUID   the device, sent as given; not null or empty
+/// @param password    the configuration password, where the server wants one; null or empty: none
+/// @param isTemplate  1: the items are the template's, too; any other number: the device's only
+/// @param list        what to set: not null, with a count that isn't 0 and an array. A null in it is left
+///                    out, and so is an item whose flag isn't one of the 14, with a line that has its value.
+///                    It stays the caller's and isn't changed
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                            |
+/// |----------|-------------|---------------------------------------------------------------------------------|
+/// | 0        | 0           | done                                                                            |
+/// | 0        | other       | refused: the server's own status, **1 too**; -1 if it sends none, or a reply is |
+/// |          |             | JSON but no object                                                              |
+/// | 8        | -1          | nothing sent: no item of the list is one that can be set                        |
+/// | 8        | untouched   | as ever; the line names TorviActivateSid                                        |
+///
+/// | Of the list                     | Whose it is, and what becomes of it      |
+/// |---------------------------------|------------------------------------------|
+/// | record, array, items and values | the caller allocates and frees all       |
+/// | from WFMGetDeviceConfigInfo     | good as it is, and freed as it says there |
+///
+/// Twice: safe. Next: WFMGetDeviceConfigInfo to see what counts.
+TORVIAPI_EXPORT uint32_t WFMSetDeviceConfigInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                uint32_t port, void* reserved, const wchar_t* user,
+                                                const wchar_t* deviceUID, const wchar_t* password,
+                                                int32_t isTemplate, const WFM_TORVI_DEVICE_CONFIG_LIST* list,
+                                                uint32_t* resultWord);
+
+/// Asks what has been changed, and by whom.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param user        null or empty: anybody's; otherwise this user's, sent as given
+/// @param deviceUID   null or empty: on any device; otherwise on this one, sent as given
+/// @param lower       where the page begins; not above `upper`
+/// @param upper       where it ends
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param list        becomes the changes; what stood in it is overwritten, not freed. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                     |
+/// |----------|-------------|--------------------------------------------------------------------------|
+/// | 0        | 0           | `list` holds the changes, maybe none; of another user or device than was |
+/// |          |             | asked for there are none, but a line for each                            |
+/// | 0        | -4          | refused                                                                  |
+/// | 0        | 8           | no memory for the changes                                                |
+/// | 8        | untouched   | as ever, and if `lower` is above `upper`                                 |
+///
+/// | Of the list     | Whose it is, and what becomes of it                              |
+/// |-----------------|------------------------------------------------------------------|
+/// | the list record | allocated and freed by the caller                                |
+/// | array and items | allocated by the call, freed by the caller; no item is null      |
+/// | too small       | never: it is as long as it must be                               |
+/// | all failures    | but for 8 as `dwStatus`, the count is 0 and the array null       |
+///
+///     for (uint32_t i = 0; i < list.dwCount; ++i) delete list.lppItems[i];
+///     delete[] list.lppItems;
+///
+/// Twice: safe, and a second list to free. Next: WFMGetDeviceConfigInfo for a device that was changed.
+TORVIAPI_EXPORT uint32_t WFMGetConfigNotifyInfo(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                uint32_t port, const wchar_t* user, const wchar_t* deviceUID,
+                                                uint32_t lower, uint32_t upper, void* reserved,
+                                                uint32_t* resultWord, WFM_TORVI_CONFIG_NOTIFY_LIST* list);
+
+/// Asks which items the user may change.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param reserved     null
+/// @param resultWord   not null
+/// @param information  not null; zeroed first, filled when both numbers are 0
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                    |
+/// |----------|-------------|-------------------------|
+/// | 0        | 0           | `information` is filled |
+/// | 0        | -4          | refused                 |
+///
+/// Twice: safe. Next: WFMAuthConfigPassword, if a password is wanted; WFMSetDeviceConfigInfo.
+TORVIAPI_EXPORT uint32_t WFMGetConfigACL(_WFM_AUTH_CONTEXT* context, const wchar_t* server, uint32_t port,
+                                         void* reserved, uint32_t* resultWord,
+                                         WFM_TORVI_CONFIG_ACL_INFO* information);
+
+/// Tests the configuration password.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param password    not null or empty; it stands in the URL, which is cut at 2047 characters
+/// @param reserved    null
+/// @param resultWord  not null
+/// @param authResult  receives the server's own number when both numbers are 0, otherwise -1, as also if it
+///                    sends none. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                  |
+/// |----------|-------------|-----------------------|
+/// | 0        | 0           | `authResult` tells    |
+/// | 0        | -4          | refused               |
+///
+/// Twice: up to the server, which may count. Next: WFMSetDeviceConfigInfo with the password.
+TORVIAPI_EXPORT uint32_t WFMAuthConfigPassword(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                               uint32_t port, const wchar_t* password, void* reserved,
+                                               uint32_t* resultWord, uint32_t* authResult);
+
+/// Lists the devices of a user that have a configuration.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param user        whose; not null or empty
+/// @param lower       where the page begins, sent as given
+/// @param upper       where it ends, sent as given; the two aren't compared
+/// @param reserved    null
+/// @param total       receives how many there are on all pages, by the server's count; not null
+/// @param count       in: entries of `list`, may be 0. Out: records filled, or entries needed. Not null
+/// @param list        the caller's records; not null, also if `count` is 0
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                            |
+/// |----------|-------------|-----------------------------------------------------------------|
+/// | 0        | 0           | `count` records are filled, maybe none                          |
+/// | 0        | 122         | more devices came than the list has entries: `count` is theirs  |
+/// | 0        | -4          | refused                                                         |
+///
+/// | Of the list         | Whose it is, and what becomes of it                                           |
+/// |---------------------|-------------------------------------------------------------------------------|
+/// | array and records   | allocated and freed by the caller                                             |
+/// | a null in the array | skipped, with its device; `count` doesn't count it, so go through all entries |
+/// | too small           | 122: `total` is set, `count` is how large it must be, no record is touched    |
+/// | other failures      | but for 8, `total` and `count` are 0; no record is touched                    |
+///
+/// Twice: safe; set `count` to what the list holds before each call. Next: WFMGetDeviceConfigInfo with a
+/// device's uid.
+TORVIAPI_EXPORT uint32_t WebFileManGetDeviceList(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                 uint32_t port, const wchar_t* user, uint32_t lower,
+                                                 uint32_t upper, void* reserved, uint32_t* total,
+                                                 uint32_t* count, _WFM_TORVI_DEVICE_INFORMATION** list,
+                                                 uint32_t* resultWord);
+
+/// Sets the configuration of a device back to what the server begins with.
+/// @param context,server,port  the session and where; not null or empty, not 0
+/// @param user        whose device it is; not null or empty
+/// @param deviceUID   the device, sent as given; not null or empty
+/// @param reserved    null
+/// @param resultWord  not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                                                            |
+/// |----------|-------------|---------------------------------------------------------------------------------|
+/// | 0        | 0           | done                                                                            |
+/// | 0        | other       | refused: the server's own status, **1 too**; -1 if it sends none, or a reply is |
+/// |          |             | JSON but no object                                                              |
+///
+/// Twice: safe. Next: WFMGetDeviceConfigInfo.
+TORVIAPI_EXPORT uint32_t WebFileManResetDeviceConfig(_WFM_AUTH_CONTEXT* context, const wchar_t* server,
+                                                     uint32_t port, const wchar_t* user,
+                                                     const wchar_t* deviceUID, void* reserved,
+                                                     uint32_t* resultWord);
 
 /// @}
 
