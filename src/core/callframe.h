@@ -169,6 +169,10 @@ public:
     /// A request to nowhere, which the transport refuses.
     void getNothing();
 
+    /// The headers of the request beside the transport's own, in order.
+    void header(const char* name, const QString& value) { m_input->add_raw_header(name, value); }
+    void header(const char* name, const std::wstring& value) { header(name, ToQString(value)); }
+    void header(const char* name, const wchar_t* value) { header(name, ToQString(value)); }
     /// The form fields of the request, in order.
     void field(const char* key, const std::wstring& value) { m_input->add_var(key, ToQString(value)); }
     void field(const char* key, const wchar_t* value) { m_input->add_var(key, ToQString(value)); }
