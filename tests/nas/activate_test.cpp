@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "nasnodes.h"
 #include "nastest.h"
 
 using testing::HasSubstr;
@@ -70,15 +71,9 @@ TEST_F(NasActivate, SystemsSessionIsNotForOthers) {
 
 TEST(NasActivateCluster, NodesThatShareSessionsTakeEachOthersTokens) {
     TempDir sessions;
-    const auto node = [&](const std::string& id, const std::string& folder) {
-        Nas::Options options;
-        options.tls = false;
-        options.arguments = {"--slave-id", id, "--session-dir", folder};
-        return options;
-    };
     TempDir elsewhere;
-    Nas first(node("node1", sessions.string())), second(node("node2", sessions.string())),
-        stranger(node("node3", elsewhere.string()));
+    Nas first(nodeOptions("node1", sessions.string())), second(nodeOptions("node2", sessions.string())),
+        stranger(nodeOptions("node3", elsewhere.string()));
     const std::string sid = loginSid(first.port(), "ben", "hidden");
     const auto status = [&](const Nas& nas, const std::string& prefix) {
         return exchange(nas.port(), NasRequest::get(prefix + activation(sid))).status();

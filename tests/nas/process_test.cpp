@@ -5,6 +5,7 @@
 #include <sstream>
 #include <thread>
 
+#include "nasnodes.h"
 #include "nastest.h"
 #include "support/nginx.h"
 
@@ -105,14 +106,9 @@ TEST_F(NasProcess, ManyConnectionsAtOnceAreServed) {
 /// Two nodes that share their sessions, behind a real nginx.
 class NasCluster : public testing::Test {
 protected:
-    static Nas::Options node(const std::string& id, const std::string& sessions) {
-        Nas::Options options;
-        options.arguments = {"--slave-id", id, "--session-dir", sessions};
-        return options;
-    }
     TempDir sessions;
-    Nas master{node("alpha", sessions.string())};
-    Nas other{node("beta", sessions.string())};
+    Nas master{nodeOptions("alpha", sessions.string())};
+    Nas other{nodeOptions("beta", sessions.string())};
 };
 
 TEST_F(NasCluster, LoginNamesTheNode) {

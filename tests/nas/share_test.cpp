@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "nasnodes.h"
 #include "sharing.h"
 
 using testing::HasSubstr;
@@ -339,15 +340,9 @@ TEST_F(NasShare, APolicyAnswersForTheReceiver) {
 /// Two nodes with folders of their own; anna's is the first, ben comes to the second.
 class NasShareCluster : public testing::Test {
 protected:
-    static Nas::Options node(const std::string& id, const std::string& sessions) {
-        Nas::Options options;
-        options.arguments = {"--slave-id", id, "--session-dir", sessions};
-        return options;
-    }
-
     TempDir sessions;
-    Nas first{node("node1", sessions.string())};
-    Nas second{node("node2", sessions.string())};
+    Nas first{nodeOptions("node1", sessions.string())};
+    Nas second{nodeOptions("node2", sessions.string())};
 };
 
 TEST_F(NasShareCluster, TheReceiverFindsTheFolderOnTheOtherNode) {

@@ -3,6 +3,7 @@
 
 #include <ctime>
 
+#include "nasnodes.h"
 #include "nastest.h"
 
 using testing::ElementsAre;
@@ -153,9 +154,7 @@ TEST_F(NasState, ASingleServerHasNoNodes) {
 class NasNodes : public testing::Test {
 protected:
     static Nas::Options node(const std::string& id, const std::string& sessions) {
-        Nas::Options options;
-        options.arguments = {"--slave-id", id, "--server-name", "host-" + id, "--session-dir", sessions};
-        return options;
+        return nodeOptions(id, sessions, {"--server-name", "host-" + id});
     }
     NasNodes() {
         std::filesystem::create_directory(master.folder().path() / "Films");

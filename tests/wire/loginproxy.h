@@ -4,20 +4,21 @@
 
 #include <string>
 
+#include "WebFileManAPI.h"
 #include "support/proxy.h"
 #include "support/wire.h"
 
 namespace wire {
 
-/// A real proxy that knows "pu" with "pp" alone, and the logins that go through it.
+/// A real proxy that knows "pu" with "pp" alone, and the logins and sessions that go through it.
 class LoginProxy {
 public:
-    template <typename Login>
-    void lead(Login& login, const wchar_t* password = L"pp") const {
-        login.proxyMode = 2;
-        login.proxyHost = m_host.c_str();
-        login.proxyUser = L"pu";
-        login.proxyPassword = password;
+    template <typename Arguments>
+    void lead(Arguments& call, const wchar_t* password = L"pp") const {
+        call.proxyMode = 2;
+        call.proxyHost = m_host.c_str();
+        call.proxyUser = L"pu";
+        call.proxyPassword = password;
     }
     bool passedOn(const std::string& cgi) const { return m_proxy.waitForLog(cgi); }
 

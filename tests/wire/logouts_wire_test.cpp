@@ -7,6 +7,7 @@
 
 // Only here can a session without a sid be had.
 #include "../../src/core/authcontext.h"
+#include "loginproxy.h"
 #include "support/logcapture.h"
 #include "support/proxy.h"
 #include "support/session.h"
@@ -63,15 +64,12 @@ TEST_P(LogoutWire, GoesAsTheSessionDoes) {
 
 TEST_P(LogoutWire, GoesThroughTheSessionsProxy) {
     if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
+    const LoginProxy proxy;
     SessionOptions options;
-    options.proxyMode = 2;
-    options.proxyHost = proxy.hostAndPort();
-    options.proxyUser = L"pu";
-    options.proxyPassword = L"pp";
+    proxy.lead(options);
     const RawServer server({Reply::json(kDone)});
     EXPECT_EQ(run(server, makeSession(options)), 0u);
-    EXPECT_TRUE(proxy.waitForLog(GetParam().place));
+    EXPECT_TRUE(proxy.passedOn(GetParam().place));
 }
 
 TEST_P(LogoutWire, LeavesTheSessionAsItIs) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "activations.h"
+#include "loginproxy.h"
 // Only here can a session without a sid be had.
 #include "../../src/core/authcontext.h"
 #include "support/logcapture.h"
@@ -24,17 +25,14 @@ TEST(TorviActivateSidWire, GoesAsTheSessionDoes) {
 
 TEST(TorviActivateSidWire, GoesThroughTheSessionsProxy) {
     if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
+    const LoginProxy proxy;
     SessionOptions options = ActivateSession::node();
-    options.proxyMode = 2;
-    options.proxyHost = proxy.hostAndPort();
-    options.proxyUser = L"pu";
-    options.proxyPassword = L"pp";
+    proxy.lead(options);
     const RawServer server({Reply::json(R"({"status":1})")});
     ActivateSession call(options);
     call.port = server.port();
     EXPECT_EQ(call.run(), 0u);
-    EXPECT_TRUE(proxy.waitForLog("torvisrvPrepare.cgi"));
+    EXPECT_TRUE(proxy.passedOn("torvisrvPrepare.cgi"));
 }
 
 TEST(TorviActivateSidWire, AsksTheSyncServicesPlaceWhateverTheSessionSpeaksTo) {

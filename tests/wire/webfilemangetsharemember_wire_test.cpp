@@ -10,6 +10,7 @@
 #include "replies.h"
 #include "sessioncall.h"
 #include "shareroutes.h"
+#include "smalllist.h"
 #include "support/teamrecords.h"
 #include "support/timers.h"
 
@@ -198,30 +199,8 @@ TEST(WebFileManGetShareMemberWire, TheMembersAreCopiedIntoTheCallersRecords) {
 }
 
 TEST(WebFileManGetShareMemberWire, AListThatIsTooSmallIs122WithTheTotalAlone) {
-    const struct {
-        uint32_t capacity;
-        int members;
-        bool fits;
-    } rows[] = {{3, 3, true}, {0, 0, true}, {3, 4, false}, {2, 3, false}, {0, 1, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::to_string(row.members) + " members for " + std::to_string(row.capacity));
-        RawServer server({Reply::json(listOf(row.members))});
-        MemberCall call(server);
-        call.count = row.capacity;
-        LogCapture log;
-        EXPECT_EQ(call.run(), 0u);
-        EXPECT_EQ(call.total, 9u);
-        if (row.fits) {
-            EXPECT_EQ(call.result, 0u);
-            EXPECT_EQ(call.count, row.capacity);
-            log.expectNoLines();
-        } else {
-            EXPECT_EQ(call.result, 122u);
-            EXPECT_EQ(call.count, 0u);
-            EXPECT_TRUE(call.members.isUntouched());
-            log.expectLines({kInsufficientBuffer});
-        }
-    }
+    expectTooSmallListIs122<MemberCall>([](int number) { return listOf(number); }, &MemberCall::members,
+                                        kInsufficientBuffer);
 }
 
 TEST(WebFileManGetShareMemberWire, AMemberWithoutARecordIsSkippedAndNotCounted) {

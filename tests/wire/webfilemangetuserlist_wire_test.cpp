@@ -10,6 +10,7 @@
 #include "replies.h"
 #include "routes.h"
 #include "sessioncall.h"
+#include "smalllist.h"
 #include "support/userrecords.h"
 
 using namespace wire;
@@ -177,30 +178,8 @@ TEST(WebFileManGetUserListWire, TheUsersAreCopiedIntoTheCallersRecords) {
 }
 
 TEST(WebFileManGetUserListWire, AListThatIsTooSmallIs122WithTheTotalAlone) {
-    const struct {
-        uint32_t capacity;
-        int users;
-        bool fits;
-    } rows[] = {{3, 3, true}, {0, 0, true}, {3, 4, false}, {2, 3, false}, {0, 1, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::to_string(row.users) + " users for " + std::to_string(row.capacity));
-        RawServer server({Reply::json(listOf(row.users))});
-        UserListCall call(server);
-        call.count = row.capacity;
-        LogCapture log;
-        EXPECT_EQ(call.run(), 0u);
-        EXPECT_EQ(call.total, 9u);
-        if (row.fits) {
-            EXPECT_EQ(call.result, 0u);
-            EXPECT_EQ(call.count, row.capacity);
-            log.expectNoLines();
-        } else {
-            EXPECT_EQ(call.result, 122u);
-            EXPECT_EQ(call.count, 0u);
-            EXPECT_TRUE(call.users.isUntouched());
-            log.expectLines({kInsufficientBuffer});
-        }
-    }
+    expectTooSmallListIs122<UserListCall>([](int number) { return listOf(number); }, &UserListCall::users,
+                                          kInsufficientBuffer);
 }
 
 TEST(WebFileManGetUserListWire, AUserWithoutANameNeedsNoRoom) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "loginproxy.h"
 #include "replies.h"
 #include "support/logcapture.h"
 #include "support/proxy.h"
@@ -118,17 +119,13 @@ TEST(WFMValidIPWire, SpeaksTlsAtBothPlaces) {
 
 TEST(WFMValidIPWire, GoesThroughItsProxy) {
     if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
-    const TinyProxy proxy("pu", "pp");
+    const LoginProxy proxy;
     const RawServer server({Reply::status(404), Reply::json(kIdentity)});
-    const std::wstring host = proxy.hostAndPort();
     Probe probe(server);
-    probe.proxyMode = 2;
-    probe.proxyHost = host.c_str();
-    probe.proxyUser = L"pu";
-    probe.proxyPassword = L"pp";
+    proxy.lead(probe);
     EXPECT_EQ(probe.run(), 0u);
-    EXPECT_TRUE(proxy.waitForLog("torvisrvPrepare.cgi"));
-    EXPECT_TRUE(proxy.waitForLog("torviPrepare.cgi"));
+    EXPECT_TRUE(proxy.passedOn("torvisrvPrepare.cgi"));
+    EXPECT_TRUE(proxy.passedOn("torviPrepare.cgi"));
     probe.proxyPassword = L"wrong";
     EXPECT_EQ(probe.run(), 11u);
     EXPECT_EQ(server.requestCount(), 2u);

@@ -7,7 +7,7 @@ namespace {
 
 // The folder need not be there yet, but the user must be able to have it.
 void requireRootFolder(Service& service, const User& user, std::string path) {
-    if (path.rfind("vtf://", 0) != 0 && path[0] != '/') {
+    if (!isTeamPath(path) && path[0] != '/') {
         throw StatusError(Status::NoPath, "upload_root_dir is no path: " + path);
     }
     for (std::string missing;;) {

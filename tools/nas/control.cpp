@@ -2,6 +2,7 @@
 
 #include "log.h"
 #include "service.h"
+#include "wire_text.h"
 
 namespace nas {
 
@@ -26,7 +27,7 @@ nlohmann::json stateOf(Service& service) {
         }
         teams.push_back({{"id", share.team},
                          {"share_id", share.id},
-                         {"path", "vtf://" + share.team + "/"},
+                         {"path", kTeamScheme + share.team + "/"},
                          {"owner", share.owner},
                          {"owner_path", share.path},
                          {"receivers", receivers}});

@@ -2,17 +2,13 @@
 
 #include "service.h"
 #include "sharing.h"
+#include "wire_text.h"
 
 namespace nas {
 
 namespace {
 
 const std::string kHomes = "homes";
-const std::string kScheme = "vtf://";
-
-bool isTeamPath(const std::string& path) {
-    return path.rfind(kScheme, 0) == 0;
-}
 
 // Of the user's own team area, for those who see it.
 bool inTeamArea(const User& user, const std::string& path) {
@@ -31,7 +27,7 @@ std::string placeOfPath(Service& service, const User& user, const std::string& p
             return placeOf(folder, "") + gone;
         } catch (const StatusError& error) {
             const size_t slash = at.rfind('/');
-            const size_t first = isTeamPath(at) ? kScheme.size() : 1;
+            const size_t first = isTeamPath(at) ? kTeamScheme.size() : 1;
             if (error.status() != Status::Missing || slash == std::string::npos || slash < first) {
                 throw;
             }
@@ -46,13 +42,6 @@ bool takesAlong(Action action) {
            action == Action::Recovered;
 }
 
-std::string withoutLastSlash(std::string path) {
-    while (path.size() > 1 && path.back() == '/' && path != kScheme) {
-        path.pop_back();
-    }
-    return path;
-}
-
 }  // namespace
 
 LogView::LogView(Service& service, const User& user) : log_(&service.changeLog()), shares_(true) {
@@ -65,7 +54,7 @@ LogView::LogView(Service& service, const User& user) : log_(&service.changeLog()
         }
         if (const User* owner = service.options().users.find(share.owner)) {
             try {
-                folders_.emplace_back(placeOfPath(service, *owner, share.path), kScheme + share.team);
+                folders_.emplace_back(placeOfPath(service, *owner, share.path), kTeamScheme + share.team);
             } catch (const StatusError&) {
                 // Its share is gone.
             }

@@ -4,11 +4,9 @@ namespace nas {
 
 namespace {
 
-const char* const kScheme = "vtf://";
-
 // Without doubled slashes; one in front goes without saying.
 std::string plain(const std::string& path) {
-    std::string out = path.rfind(kScheme, 0) == 0 ? kScheme : "/";
+    std::string out = isTeamPath(path) ? kTeamScheme : "/";
     for (size_t i = out.size() > 1 ? out.size() : 0; i < path.size(); ++i) {
         if (path[i] != '/' || out.back() != '/') {
             out += path[i];

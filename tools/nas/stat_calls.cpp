@@ -7,17 +7,15 @@ namespace nas {
 
 namespace {
 
-const std::string kScheme = "vtf://";
-
 // An empty name speaks of a team folder itself, which answers to its path without the scheme.
 std::string shownName(const std::string& path, const std::string& name) {
     if (!name.empty()) {
         return name;
     }
-    if (path.rfind(kScheme, 0) != 0) {
+    if (!isTeamPath(path)) {
         throw StatusError(Status::IllegalName, "empty name outside of a team folder");
     }
-    return path.substr(kScheme.size());
+    return path.substr(kTeamScheme.size());
 }
 
 nlohmann::json oneEntry(const nlohmann::json& entry) {

@@ -58,7 +58,7 @@ nlohmann::json folderJson(Service& service, const ShareBook& book, const Share& 
             {"parent_id", parentOf(book, share)},
             {"nas_id", share.nas},
             {"name", received ? part->display : leafOf(share.path)},
-            {"path", received ? "vtf://" + share.team + "/"
+            {"path", received ? kTeamScheme + share.team + "/"
                      : part   ? ""
                               : share.path},
             {"original_path", received ? teamAreaPath(*part) + "/"
@@ -70,13 +70,6 @@ nlohmann::json folderJson(Service& service, const ShareBook& book, const Share& 
 
 bool concerns(const ShareBook& book, const Share& share, const std::string& user) {
     return share.owner == user || book.partIn(share.id, user);
-}
-
-std::string withoutLastSlash(std::string path) {
-    if (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    return path;
 }
 
 // A folder by any of its paths, or one that it lies in.

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "disk.h"
+#include "wire_text.h"
 
 namespace nas {
 
@@ -18,7 +19,6 @@ namespace {
 
 constexpr size_t kLongestName = 255;
 const char* const kHomes = "homes";
-const char* const kScheme = "vtf://";
 
 bool startsWith(const std::string& text, const char* prefix) {
     return text.rfind(prefix, 0) == 0;
@@ -218,8 +218,8 @@ std::optional<Entry> Tree::lookupInTeamArea(const User& user, const Folder& area
 }
 
 Folder Tree::open(const User& user, const std::string& path) const {
-    if (startsWith(path, kScheme)) {
-        return openTeam(user, path.substr(std::strlen(kScheme)));
+    if (isTeamPath(path)) {
+        return openTeam(user, path.substr(kTeamScheme.size()));
     }
     if (path.empty() || path[0] != '/') {
         throw StatusError(Status::Missing, "path doesn't begin with a slash: \"" + path + "\"");

@@ -131,6 +131,13 @@ bool validUtf8(const std::string& text) {
     return true;
 }
 
+std::string withoutLastSlash(std::string path) {
+    while (path.size() > 1 && path.back() == '/' && path != kTeamScheme) {
+        path.pop_back();
+    }
+    return path;
+}
+
 std::string lowerCase(std::string text) {
     for (char& c : text) {
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;

@@ -8,6 +8,16 @@
 
 namespace nas {
 
+// Begins a path inside a team folder.
+inline const std::string kTeamScheme = "vtf://";
+
+inline bool isTeamPath(const std::string& path) {
+    return path.rfind(kTeamScheme, 0) == 0;
+}
+
+// "/" and the scheme alone stay as they are.
+std::string withoutLastSlash(std::string path);
+
 // Key and value pairs in the order in which they came.
 using Fields = std::vector<std::pair<std::string, std::string>>;
 
