@@ -1,5 +1,5 @@
 /// @file WebFileManAPI.h
-/// libTorviAPI: the client side of a NAS's file and sync service.
+/// libTorviAPI: the client side of a NAS's file and sync service, and of the maker's cloud services.
 ///
 /// A session, from end to end:
 ///
@@ -130,7 +130,7 @@
 ///
 /// The caller owns contexts, `QFile` objects, buffers, records and every list that a call hands out. The
 /// library keeps no pointer of them. A list is an array from `new[]` of records from `new`; there is no free
-/// function:
+/// function but for what comes from the cloud (ZenoFreeDeviceInfo, ZenoFreeCloudInfo):
 ///
 ///     for (uint32_t i = 0; i < count; ++i) delete list[i];
 ///     delete[] list;
@@ -361,6 +361,150 @@ struct USER_QUOTA_INFO {
     int64_t llQuotaSize;      ///< bytes; -1 unknown
     int64_t llAvailableSize;  ///< bytes; 0 unless used is below quota; -1 unknown
     int64_t llUsedSize;       ///< bytes; -1 unknown
+};
+
+/// What the cloud's account service says of a token, filled by ZenoAPIAPPSignin, ZenoAPIAPPRefreshToken and
+/// ZenoAPIGetTokenInfo. What the service doesn't send is empty or 0. All texts are terminated; one that is
+/// longer than its field is cut. **Holds secrets in clear**, and isn't wiped by the library.
+struct _CLOUD_TOKEN_INFORMATION {
+    wchar_t szError[260];              ///< the service's word for its refusal; empty if there is none
+    wchar_t szErrorDescription[4096];  ///< the same for people
+    wchar_t szAccessToken[260];        ///< sign-in and refresh only
+    wchar_t szTokenType[260];          ///< sign-in and refresh only
+    wchar_t szRefreshToken[260];       ///< sign-in and refresh only
+    wchar_t szEmail[260];              ///< token info only
+    wchar_t szDisplayName[260];        ///< token info only
+    wchar_t szUserID[260];             ///< token info only
+    int32_t nExpiresIn;                ///< seconds from now
+};
+
+/// The device that a user's id stands for, filled by ZenoAPIGetDeviceID. Texts are terminated; one that is
+/// longer than its field is cut.
+struct _CLOUD_DEVICE_ID_INFORMATION {
+    int32_t nResponseCode;  ///< see ZenoAPIGetDeviceID; 0: szDeviceID is filled
+    wchar_t szDeviceID[260];
+    wchar_t szMessage[260];  ///< the service's own words
+};
+
+/// One network address of a device.
+struct _NAS_DEVICE_IP_INFO {
+    wchar_t szName[260];  ///< of the interface
+    wchar_t szIPv4[260];
+    wchar_t szIPv6[260];
+};
+
+/// One service that a device has on its local network.
+struct _NAS_DEVICE_SERVICE_INFO {
+    wchar_t szServiceName[260];
+    wchar_t szProtocol[260];
+    wchar_t szUri[260];
+    int32_t nExternalPort;  ///< 0 if the cloud has none
+    int32_t nInternalPort;  ///< 0 if the cloud has none
+    bool bPublished;
+    bool bPrivate;
+};
+
+/// One user who has an account on a device.
+struct _NAS_DEVICE_USER_INFO {
+    wchar_t szUserName[260];
+};
+
+/// What a device last told the cloud of itself.
+struct _NAS_DEVICE_UPDATE_INFO {
+    wchar_t szDeviceType[260];
+    wchar_t szModelName[260];
+    wchar_t szFwModelName[260];
+    wchar_t szHwSerialNumber[260];
+    wchar_t szFwSerialNumber[260];
+    wchar_t szMacAddress[260];
+    wchar_t szHostName[260];
+    wchar_t szFirmwareVersion[260];
+    wchar_t szFirmwareBuildNumber[260];
+    wchar_t szFirmwarePatchVersion[260];
+    wchar_t szAgentVersion[260];
+    wchar_t szFirmwareNumber[260];
+    _NAS_DEVICE_IP_INFO lanGateway;
+    int32_t nLanIPCount;
+    _NAS_DEVICE_IP_INFO** lppLanIPs;  ///< null if there are none
+    int32_t nWanIPCount;
+    _NAS_DEVICE_IP_INFO** lppWanIPs;  ///< null if there are none
+};
+
+/// What the cloud knows of a device's model.
+struct _NAS_DEVICE_MODEL_INFO {
+    wchar_t szName[260];
+    wchar_t szLatestFwVersion[260];
+    wchar_t szLatestFwBuildNumber[260];
+    wchar_t szLatestFwPatchVersion[260];
+    wchar_t szImgUrl[260];
+};
+
+/// What the user may do with a device, in the cloud's own words.
+struct _NAS_DEVICE_PERMISSIONS {
+    wchar_t szBasicInfo[260];
+    wchar_t szRemoteAccess[260];
+    wchar_t szPublicLocalService[260];
+    wchar_t szPrivateLocalService[260];
+    wchar_t szPublicPackageServices[260];
+    wchar_t szProtectedPackageServices[260];
+    wchar_t szPrivatePackageServices[260];
+};
+
+/// One device of a user, from ZenoAPIGetAllDeviceInfo and ZenoAPIGetDeviceInfoByName; freed by
+/// ZenoFreeDeviceInfo, with the lists in it. What the cloud doesn't tell is empty, 0 or false. All texts are
+/// terminated; one that is longer than its field is cut. **szToken and szAccessCode are the device's
+/// credentials**: the library passes them on and doesn't use them.
+struct _NAS_DEVICE_INFORMATION_API_V11 {
+    wchar_t szDeviceID[260];
+    wchar_t szToken[260];
+    wchar_t szDeviceName[260];
+    wchar_t szAccessCode[260];
+    wchar_t szAccessControlMode[260];
+    wchar_t szUserID[260];
+    wchar_t szDescription[260];
+    wchar_t szDomainName[260];
+    _NAS_DEVICE_UPDATE_INFO info;
+    int32_t nServiceCount;
+    _NAS_DEVICE_SERVICE_INFO** lppServices;  ///< null if there are none
+    int32_t nUserCount;
+    _NAS_DEVICE_USER_INFO** lppUsers;  ///< null if there are none
+    _NAS_DEVICE_MODEL_INFO modelInfo;
+    _NAS_DEVICE_PERMISSIONS permissions;
+};
+
+/// Where a device's web server can be reached over HTTP, filled by ZenoAPIGetCloudLinkSetting and freed by
+/// ZenoFreeCloudInfo. Entries are "address:port", or the address alone where the cloud tells no port; none
+/// stands twice in a list, whatever its case.
+struct _CLOUD_LINK_INFORMATION {
+    int32_t nResultCode;  ///< 0, or why there are no lists: the result words of ZenoAPIGetAllDeviceInfo
+    int32_t nWanIPCount;
+    wchar_t** lppWanIPs;  ///< from the internet; null if there are none
+    int32_t nLanIPCount;
+    wchar_t** lppLanIPs;  ///< in the device's own network; null if there are none
+    int32_t nDdnsCount;
+    wchar_t** lppDdns;           ///< dynamic DNS names; null if there are none
+    wchar_t szCloudLinkID[260];  ///< terminated; empty if there is none, cut at 259
+};
+
+/// How a device is reached through the remote-access service, filled by PeltAPIGetVLinkInfo. Texts are
+/// terminated; one that is longer than its field is cut.
+struct _CLOUD_VLINK_INFORMATION {
+    int32_t nReplyCode;         ///< see PeltAPIGetVLinkInfo; 0: the addresses are filled
+    int32_t nHttpCode;          ///< the service's own code, 200 for success; 0 if it sends none
+    wchar_t szActionTime[260];  ///< when the service answered, in its own words
+    wchar_t szVLinkID[260];
+    wchar_t szWANIP[260];
+    wchar_t szLANIPs[2080];  ///< one text as the service sends it
+    wchar_t szGatewayIP[260];
+    wchar_t szMessage[260];  ///< the service's own words
+};
+
+/// The ports of a device's web server, filled by PeltAPIGetServicePorts. 0 is a port that isn't mapped.
+struct _CLOUD_SERVICE_PORTS {
+    int32_t nInternalHttpPort;
+    int32_t nInternalHttpsPort;
+    int32_t nExternalHttpPort;
+    int32_t nExternalHttpsPort;
 };
 
 /// Progress of a transfer, asked for a verdict: 0 goes on, 1 stops.
@@ -2169,6 +2313,297 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
                                                         const wchar_t* path, const wchar_t* lockID,
                                                         const wchar_t* versionID, int64_t modifiedTime,
                                                         void* reserved, uint32_t* resultWord, wchar_t* pid);
+
+/// @}
+
+/// @name The cloud
+///
+/// Calls on the maker's cloud services: the account service (Zeno) and the remote-access service (Pelt). They
+/// have no session: every call brings its credentials along, and the library keeps none.
+///
+///     ZenoAPIAPPSignin                the application's own token
+///     ZenoAPIAPPRefreshToken          a new token for a refresh token
+///     ZenoAPIGetTokenInfo             whose token it is
+///     ZenoAPIGetAllDeviceInfo         the user's devices
+///     ZenoAPIGetCloudLinkSetting      the addresses of one of them, then WFMGetNASUserUID and a login there
+///     PeltAPIGetVLinkInfo             the same with the application's secret in place of a token
+///     ZenoAPIAPPSignOut               ends the token
+///
+/// What is the same everywhere:
+///
+/// - `server` is the service's host without scheme and port, not null or empty. The port is 443 if `secure`,
+///   otherwise 80.
+/// - `agentName`, `appVersion` and `clientID` or `appID` (the same thing) are not null or empty; nor is any
+///   other text but the proxy's. They become headers, and device ids, names and tokens become parts of URLs,
+///   **as they stand: nothing is encoded**. Give texts without control characters and line ends, and where
+///   one becomes part of a URL, letters, digits, "-", "." and "_" only. Form fields are encoded.
+/// - `proxyMode`, `proxyHost`, `proxyUser`, `proxyPassword` as in the file comment. Time-out 60 seconds.
+/// - `reserved` is ignored; pass null.
+/// - Records are zeroed first. Which of them a failed call fills is said there.
+/// - Over plain HTTP tokens and secrets go in clear. Use `secure`, and know that the certificate isn't
+///   verified.
+/// - **A log at level 4 (Debug) has the access tokens** of sign-in, refresh, token info and sign-out in it,
+///   and the addresses of devices.
+///
+/// The checksum. ZenoAPIGetDeviceID and the two Pelt calls prove the application by a checksum of its secret
+/// and the time: the secret stays at home. The header has the checksum in raw bytes, mangled in a way that
+/// the services expect; it may be short or empty. One in seven has a line end in it and **goes out as it
+/// is**: the server then sees a broken request and refuses. Call again, at another millisecond. A clock that
+/// is wrong makes the service refuse with code 2.
+/// @{
+
+/// Signs the application in: a token of its own, not a user's.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param clientSecret  not null or empty; a form field
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param token         not null
+/// @return `dwStatus`
+///
+/// | dwStatus | When                                                                              |
+/// |----------|-----------------------------------------------------------------------------------|
+/// | 0        | an answer came: a token, or szError says why there is none                        |
+/// | 6        | HTTP 400, 401, 403 and their like: refused; szError says why, if the service does |
+/// | 14       | the answer isn't a JSON object                                                    |
+///
+/// The record is filled from the body of any HTTP error too, 11 and 12 included. There is no result word.
+/// Twice: another token. Next: the calls that take an access token; in the end ZenoAPIAPPSignOut.
+TORVIAPI_EXPORT uint32_t ZenoAPIAPPSignin(const wchar_t* server, const wchar_t* agentName,
+                                          const wchar_t* appVersion, const wchar_t* clientID,
+                                          const wchar_t* clientSecret, bool secure, uint32_t proxyMode,
+                                          const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                          const wchar_t* proxyPassword, void* reserved,
+                                          _CLOUD_TOKEN_INFORMATION* token);
+
+/// Gets a new access token for a refresh token.
+/// @param server,agentName  see above
+/// @param refreshToken      from an earlier sign-in or refresh; not null or empty; a form field
+/// @param appVersion,clientID  see above
+/// @param clientSecret      not null or empty; a form field
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param token             not null
+/// @return `dwStatus`, as ZenoAPIAPPSignin
+///
+/// Twice: up to the service, which may take a refresh token once only; keep the one that came back. Next: as
+/// ZenoAPIAPPSignin.
+TORVIAPI_EXPORT uint32_t ZenoAPIAPPRefreshToken(const wchar_t* server, const wchar_t* agentName,
+                                                const wchar_t* refreshToken, const wchar_t* appVersion,
+                                                const wchar_t* clientID, const wchar_t* clientSecret,
+                                                bool secure, uint32_t proxyMode, const wchar_t* proxyHost,
+                                                const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                                void* reserved, _CLOUD_TOKEN_INFORMATION* token);
+
+/// Asks whose an access token is and how long it is good. **The token stands in the URL**, which servers and
+/// proxies on the way may log.
+/// @param server,agentName  see above
+/// @param accessToken       not null or empty; goes into the URL as it stands
+/// @param appVersion,clientID  see above
+/// @param tokenInfo         ignored; may be null
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param token             not null
+/// @return `dwStatus`, as ZenoAPIAPPSignin, with user, email and name in place of tokens
+///
+/// A failure writes one line to the log, not two. Twice: safe. Next: ZenoAPIGetAllDeviceInfo.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetTokenInfo(const wchar_t* server, const wchar_t* agentName,
+                                             const wchar_t* accessToken, const wchar_t* appVersion,
+                                             const wchar_t* clientID, const wchar_t* tokenInfo, bool secure,
+                                             uint32_t proxyMode, const wchar_t* proxyHost,
+                                             const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                             void* reserved, _CLOUD_TOKEN_INFORMATION* token);
+
+/// Ends an access token.
+/// @param server       see above
+/// @param accessToken  not null or empty; a form field and a header
+/// @param agentName,appVersion,clientID  see above
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword  see above
+/// @return `dwStatus`; 0 whatever the service's answer says, as long as it isn't an HTTP error
+///
+/// Twice: up to the service. Next: nothing; forget the token.
+TORVIAPI_EXPORT uint32_t ZenoAPIAPPSignOut(const wchar_t* server, const wchar_t* accessToken,
+                                           const wchar_t* agentName, const wchar_t* appVersion,
+                                           const wchar_t* clientID, bool secure, uint32_t proxyMode,
+                                           const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                           const wchar_t* proxyPassword);
+
+/// Asks for the device that a user's id stands for, with the application's secret.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param userID     not null or empty; goes into the URL as it stands
+/// @param appSecret  not null or empty; isn't sent
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param device     not null; filled when `dwStatus` is 0
+/// @return `dwStatus`
+///
+/// | dwStatus | nResponseCode | When                                                   |
+/// |----------|---------------|--------------------------------------------------------|
+/// | 0        | 0             | szDeviceID is the device                               |
+/// | 0        | 2             | the time in the checksum is refused: look at the clock |
+/// | 0        | 5             | there is no such device                                |
+/// | 0        | 7             | the service doesn't know the application               |
+/// | 0        | 8             | the checksum is refused: another secret                |
+/// | 0        | 1             | anything else; szMessage has the service's words       |
+///
+/// There is no result word, and HTTP errors, 404 included, fill nothing. Twice: safe. Next:
+/// PeltAPIGetVLinkInfo.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetDeviceID(const wchar_t* server, const wchar_t* agentName,
+                                            const wchar_t* appVersion, const wchar_t* clientID,
+                                            const wchar_t* userID, const wchar_t* appSecret, bool secure,
+                                            uint32_t proxyMode, const wchar_t* proxyHost,
+                                            const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                            void* reserved, _CLOUD_DEVICE_ID_INFORMATION* device);
+
+/// Counts a user's devices.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param accessToken  not null or empty; a header
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param resultWord   not null
+/// @param count        not null; becomes 0 first, filled when both numbers are 0
+/// @return `dwStatus`, with the result words of ZenoAPIGetAllDeviceInfo; HTTP 404 is 6
+///
+/// Twice: safe. Next: ZenoAPIGetAllDeviceInfo.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetAllDeviceCount(const wchar_t* server, const wchar_t* agentName,
+                                                  const wchar_t* appVersion, const wchar_t* clientID,
+                                                  const wchar_t* accessToken, bool secure, uint32_t proxyMode,
+                                                  const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                                  const wchar_t* proxyPassword, void* reserved,
+                                                  uint32_t* resultWord, int32_t* count);
+
+/// Lists a user's devices.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param accessToken  not null or empty; a header
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param resultWord   not null
+/// @param count        not null; becomes 0 first
+/// @param devices      receives the list when both numbers are 0, to be freed by ZenoFreeDeviceInfo;
+///                     otherwise null. Not null
+/// @return `dwStatus`
+///
+/// | dwStatus | Result word | When                                          |
+/// |----------|-------------|-----------------------------------------------|
+/// | 0        | 0           | `count` devices; there may be none            |
+/// | 0        | 3           | the service's code 1013001; the list is empty |
+/// | 0        | 4           | the service's code 1013002; the list is empty |
+/// | 0        | 5           | the service's code 1070001; the list is empty |
+/// | 0        | 1           | any other code; the list is empty             |
+/// | 10       | -1          | HTTP 404: no such service here                |
+///
+/// What the codes mean is the service's affair. Twice: safe, another list. Next: ZenoAPIGetCloudLinkSetting.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetAllDeviceInfo(const wchar_t* server, const wchar_t* agentName,
+                                                 const wchar_t* appVersion, const wchar_t* clientID,
+                                                 const wchar_t* accessToken, bool secure, uint32_t proxyMode,
+                                                 const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                                 const wchar_t* proxyPassword, void* reserved,
+                                                 uint32_t* resultWord, int32_t* count,
+                                                 _NAS_DEVICE_INFORMATION_API_V11*** devices);
+
+/// Lists those of a user's devices that have a name.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param accessToken  not null or empty; a header
+/// @param deviceName   not null or empty; goes into the URL as it stands
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param resultWord,count,devices  as for ZenoAPIGetAllDeviceInfo
+/// @return `dwStatus`, with the numbers of ZenoAPIGetAllDeviceInfo
+///
+/// Twice: safe, another list. Next: ZenoAPIGetCloudLinkSetting.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetDeviceInfoByName(const wchar_t* server, const wchar_t* agentName,
+                                                    const wchar_t* appVersion, const wchar_t* clientID,
+                                                    const wchar_t* accessToken, const wchar_t* deviceName,
+                                                    bool secure, uint32_t proxyMode, const wchar_t* proxyHost,
+                                                    const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                                    void* reserved, uint32_t* resultWord, int32_t* count,
+                                                    _NAS_DEVICE_INFORMATION_API_V11*** devices);
+
+/// Frees what ZenoAPIGetAllDeviceInfo and ZenoAPIGetDeviceInfoByName allocated.
+/// @param count    as it came with the list; 0 frees the array alone
+/// @param devices  where the list is kept; becomes null. May be null, and so may the list
+/// @return 0
+///
+/// Twice: safe, as the list is null then.
+TORVIAPI_EXPORT uint32_t ZenoFreeDeviceInfo(int count, _NAS_DEVICE_INFORMATION_API_V11*** devices);
+
+/// Asks by which addresses a device's web server is reached.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param accessToken  not null or empty; a header
+/// @param deviceID     szDeviceID of a device; not null or empty; goes into the URL as it stands
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param link         not null; zeroed first without being freed, filled when `dwStatus` is 0. Free it with
+///                     ZenoFreeCloudInfo
+/// @return `dwStatus`; 10 for HTTP 404. There is no result word: see nResultCode
+///
+/// Twice: safe, other lists; free the first ones before. Next: WFMGetNASUserUID at one of the addresses.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetCloudLinkSetting(const wchar_t* server, const wchar_t* agentName,
+                                                    const wchar_t* appVersion, const wchar_t* clientID,
+                                                    const wchar_t* accessToken, const wchar_t* deviceID,
+                                                    bool secure, uint32_t proxyMode, const wchar_t* proxyHost,
+                                                    const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                                    void* reserved, _CLOUD_LINK_INFORMATION* link);
+
+/// Frees the lists of ZenoAPIGetCloudLinkSetting and sets them to null, their counts to 0.
+/// @param link  the record, which is the caller's; may be null
+/// @return 0
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t ZenoFreeCloudInfo(_CLOUD_LINK_INFORMATION* link);
+
+/// Asks by which address this machine is seen from the internet.
+/// @param server,agentName,appVersion,clientID  see above
+/// @param accessToken  not null or empty; a header
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param publicIP     not null, **260** characters: at most 259 and a terminator are written. Filled when
+///                     `dwStatus` is 0; empty if the service refuses
+/// @return `dwStatus`; HTTP 404 is 6. There is no result word
+///
+/// Twice: safe.
+TORVIAPI_EXPORT uint32_t ZenoAPIGetPublicIP(const wchar_t* server, const wchar_t* agentName,
+                                            const wchar_t* appVersion, const wchar_t* clientID,
+                                            const wchar_t* accessToken, bool secure, uint32_t proxyMode,
+                                            const wchar_t* proxyHost, const wchar_t* proxyUser,
+                                            const wchar_t* proxyPassword, void* reserved, wchar_t* publicIP);
+
+/// Asks the remote-access service for a device's link and addresses, with the application's secret.
+/// @param server     see above
+/// @param deviceID   not null or empty; goes into the URL as it stands
+/// @param agentName,appVersion,appID  see above
+/// @param appSecret  not null or empty; isn't sent
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param link       not null; filled when `dwStatus` is 0
+/// @return `dwStatus`
+///
+/// | dwStatus | nReplyCode | When                                                                          |
+/// |----------|------------|-------------------------------------------------------------------------------|
+/// | 0        | 0          | the addresses are filled, as far as the service has them                      |
+/// | 0        | 2          | the time in the checksum is refused: look at the clock; nothing is sent again |
+/// | 0        | 5          | there is no such device, or the service can't get at it                       |
+/// | 0        | 6          | the device has no link set up                                                 |
+/// | 0        | 7          | the service doesn't know the application                                      |
+/// | 0        | 8          | the checksum is refused: another secret                                       |
+/// | 0        | 1          | anything else, or an answer that says nothing; see szMessage                  |
+/// | 14       | 0          | the answer isn't a JSON object                                                |
+///
+/// There is no result word, and HTTP errors fill nothing: test `dwStatus` first, as nReplyCode 0 alone says
+/// nothing. Twice: safe. Next: PeltAPIGetServicePorts, then WFMGetNASUserUID at one of the addresses.
+TORVIAPI_EXPORT uint32_t PeltAPIGetVLinkInfo(const wchar_t* server, const wchar_t* deviceID,
+                                             const wchar_t* agentName, const wchar_t* appVersion,
+                                             const wchar_t* appID, const wchar_t* appSecret, bool secure,
+                                             uint32_t proxyMode, const wchar_t* proxyHost,
+                                             const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                             void* reserved, _CLOUD_VLINK_INFORMATION* link);
+
+/// Asks the remote-access service for the ports of a device's web server, with the application's secret.
+/// @param server     see above
+/// @param deviceID   not null or empty; goes into the URL as it stands
+/// @param agentName,appVersion,appID  see above
+/// @param appSecret  not null or empty; isn't sent
+/// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
+/// @param ports      not null; filled when `dwStatus` is 0
+/// @return `dwStatus`; 0 also if the service refuses, which looks like ports that aren't mapped: only the log
+///         at level 4 has the service's words
+///
+/// There is no result word. Twice: safe. Next: WFMGetNASUserUID at an address of PeltAPIGetVLinkInfo.
+TORVIAPI_EXPORT uint32_t PeltAPIGetServicePorts(const wchar_t* server, const wchar_t* deviceID,
+                                                const wchar_t* agentName, const wchar_t* appVersion,
+                                                const wchar_t* appID, const wchar_t* appSecret, bool secure,
+                                                uint32_t proxyMode, const wchar_t* proxyHost,
+                                                const wchar_t* proxyUser, const wchar_t* proxyPassword,
+                                                void* reserved, _CLOUD_SERVICE_PORTS* ports);
 
 /// @}
 
