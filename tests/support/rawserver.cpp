@@ -163,12 +163,16 @@ private:
     EVP_MD_CTX* m_context;
 };
 
-int boundSocket(std::uint16_t& port) {
+/// A port of 0 becomes one that is free.
+int boundSocket(std::uint16_t& port, const char* host = "127.0.0.1") {
     const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (fd < 0) throw std::runtime_error("socket");
+    const int yes = 1;  // connections of an earlier server at a given port may still be ending
+    if (port != 0) ::setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_addr.s_addr = ::inet_addr(host);
+    address.sin_port = htons(port);
     socklen_t size = sizeof(address);
     if (::bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof(address)) != 0 ||
         ::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
@@ -924,7 +928,8 @@ RawServer::RawServer(Handler handler, Options options) : m_state(std::make_uniqu
 void RawServer::start(const Options& options) {
     std::signal(SIGPIPE, SIG_IGN);  // TLS writes to a closed connection
     m_state->options = options;
-    m_state->listener = boundSocket(m_port);
+    m_port = options.port;
+    m_state->listener = boundSocket(m_port, options.address.c_str());
     m_state->wake = ::eventfd(0, EFD_CLOEXEC);
     if (m_state->wake < 0 || ::listen(m_state->listener, options.listenBacklog) != 0) {
         throw std::runtime_error("listen");
@@ -979,6 +984,12 @@ void RawServer::acceptLoop() {
             worker.done = true;
         });
     }
+}
+
+std::string RawServer::authority() const {
+    const Options& options = m_state->options;
+    const bool isDefault = m_port == (options.certificate == Certificate::None ? 80 : 443);
+    return options.address + (isDefault ? std::string() : ":" + std::to_string(m_port));
 }
 
 void RawServer::enqueue(Reply reply) {

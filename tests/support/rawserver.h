@@ -176,6 +176,8 @@ public:
         bool repeatLast = true;            ///< the last step answers what comes behind it; else: close
         std::size_t keepBody = 16u << 20;  ///< bytes of each request's body that are kept
         int listenBacklog = 64;
+        std::string address = "127.0.0.1";
+        std::uint16_t port = 0;  ///< 0: any that is free
     };
 
     // Two overloads: a default argument can't use the nested struct's own defaults.
@@ -189,8 +191,8 @@ public:
     RawServer& operator=(const RawServer&) = delete;
 
     std::uint16_t port() const { return m_port; }
-    /// "127.0.0.1:<port>", as in the Host header.
-    std::string authority() const { return "127.0.0.1:" + std::to_string(m_port); }
+    /// "127.0.0.1:<port>", as in the Host header: without the port where it is the scheme's own.
+    std::string authority() const;
 
     /// Adds a step at the end of the script.
     void enqueue(Reply reply);
