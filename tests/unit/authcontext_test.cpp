@@ -4,24 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <new>
 #include <string>
 #include <vector>
 
+#include "shortage.h"
 #include "support/logcapture.h"
 
 namespace {
-
-/// The allocation that fails, counted from 0; negative: none does.
-thread_local int failingAllocation = -1;
-
-class FailAllocation {
-public:
-    explicit FailAllocation(int number) { failingAllocation = number; }
-    ~FailAllocation() { failingAllocation = -1; }
-    FailAllocation(const FailAllocation&) = delete;
-    FailAllocation& operator=(const FailAllocation&) = delete;
-};
 
 wchar_t* text(const wchar_t* literal) {
     return const_cast<wchar_t*>(literal);
@@ -51,15 +40,6 @@ const Shortage kOfUpdate[] = {{0, "lppOriPathList/lppTeamFolderPathList/lppTeamF
 
 }  // namespace
 
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    if (failingAllocation >= 0 && failingAllocation-- == 0) return nullptr;
-    try {
-        return ::operator new[](size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-}
-
 TEST(AuthContextShortage, AnUpdateFreesAllListsAndIsMinus1) {
     for (const auto& [allocation, shortOf] : kOfUpdate) {
         SCOPED_TRACE(allocation);
@@ -86,7 +66,7 @@ TEST(AuthContextShortage, ACloneMakesNothing) {
         _WFM_AUTH_CONTEXT* clone = nullptr;
         LogCapture log;
         {
-            const FailAllocation failing(allocation + 1);  // the sid comes first
+            const FailAllocation failing(allocation + 2);  // record and sid come first
             EXPECT_EQ(WFMCloneAuthContext(source.get(), &clone), 0u);
         }
         log.expectLines({std::string("[WFM] WFMCloneAuthContext Failed to allocate memory ") + shortOf});

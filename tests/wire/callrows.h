@@ -52,3 +52,4 @@ void addStateRows(std::vector<CallRow>& rows);
 void addTeamRows(std::vector<CallRow>& rows);
 void addShareSettingRows(std::vector<CallRow>& rows);
 void addLinkRows(std::vector<CallRow>& rows);
+void addConfigRows(std::vector<CallRow>& rows);

@@ -585,6 +585,7 @@ const std::vector<CallRow>& callTable() {
         addTeamRows(rows);
         addShareSettingRows(rows);
         addLinkRows(rows);
+        addConfigRows(rows);
         return rows;
     }();
     return table;
