@@ -8,9 +8,8 @@ namespace Lattice {
 namespace {
 
 std::wstring WithoutCase(std::wstring text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](wchar_t c) {
-        return static_cast<wchar_t>(QChar::toCaseFolded(static_cast<uint>(c)));
-    });
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return static_cast<wchar_t>(QChar::toCaseFolded(static_cast<uint>(c))); });
     return text;
 }
 

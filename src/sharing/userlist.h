@@ -1,9 +1,9 @@
 #pragma once
 
-#include <algorithm>
 #include <string>
 
 #include "core/callframe.h"
+#include "core/handover.h"
 
 namespace Lattice {
 
@@ -18,17 +18,6 @@ struct Directory {
 inline Directory DirectoryOf(uint32_t userType, const wchar_t* netbios, const wchar_t* domain) {
     if (userType == kLocalUsers) return {};
     return {Encoded(netbios), Encoded(domain)};
-}
-
-/// A text from new[] for the caller to delete.
-inline wchar_t* HandOverAnyText(const std::wstring& text) {
-    auto* const copy = new wchar_t[text.size() + 1];
-    std::copy_n(text.c_str(), text.size() + 1, copy);
-    return copy;
-}
-/// The same; null for an empty one.
-inline wchar_t* HandOverText(const std::wstring& text) {
-    return text.empty() ? nullptr : HandOverAnyText(text);
 }
 
 }  // namespace Lattice
