@@ -134,7 +134,9 @@ TEST_P(EveryCloudCallWire, ARefusedConnectionIs2) {
 TEST_P(EveryCloudCallWire, AConnectionClosedBeforeTheReplyIs2) {
     const CloudServer server({Reply::closeBeforeReply()});
     expectFailsBy(2, 0);
-    if (server.request(0).method() == "POST") EXPECT_EQ(server.requestCount(), 1u);
+    if (server.request(0).method() == "POST") {
+        EXPECT_EQ(server.requestCount(), 1u);
+    }
 }
 
 TEST_P(EveryCloudCallWire, AReplyThatBreaksOffIs2) {

@@ -1,0 +1,84 @@
+// What the calls with a token record share: ZenoAPIAPPSignin, ZenoAPIAPPRefreshToken and ZenoAPIGetTokenInfo.
+
+#include <gtest/gtest.h>
+
+#include "support/logcapture.h"
+#include "tokencalls.h"
+
+using namespace wire;
+
+namespace {
+
+const char* const kRefusal =
+    R"({"error":"invalid_client","error_description":"no such client","expires_in":"7"})";
+
+template <class Args>
+class TokenCallWire : public CloudTest<> {};
+
+struct NameOf {
+    template <class Args>
+    static std::string GetName(int) {
+        return Args::kName;
+    }
+};
+
+void expectRefusal(const TokenArgs& args) {
+    EXPECT_STREQ(args.record.szError, L"invalid_client");
+    EXPECT_STREQ(args.record.szErrorDescription, L"no such client");
+    EXPECT_STREQ(args.record.szAccessToken, L"");
+    EXPECT_EQ(args.record.nExpiresIn, 7);
+}
+
+}  // namespace
+
+using TokenCalls = testing::Types<SigninArgs, RefreshArgs, TokenInfoArgs>;
+TYPED_TEST_SUITE(TokenCallWire, TokenCalls, NameOf);
+
+TYPED_TEST(TokenCallWire, ARefusalWithHttp200IsAReply) {
+    const CloudServer server({Reply::json(kRefusal)});
+    TypeParam args;
+    LogCapture log;
+    EXPECT_EQ(args.run(), 0u);
+    expectRefusal(args);
+    log.expectNoLines();
+}
+
+TYPED_TEST(TokenCallWire, ARefusalAsAnHttpErrorFillsTheRecordAndKeepsTheStatus) {
+    for (const auto& [http, dwStatus] :
+         {std::pair(400, 6u), {401, 6u}, {403, 6u}, {404, 6u}, {500, 6u}, {407, 11u}, {503, 12u}}) {
+        SCOPED_TRACE(http);
+        const CloudServer server({Reply::status(http, kRefusal)});
+        TypeParam args;
+        EXPECT_EQ(args.run(), dwStatus);
+        expectRefusal(args);
+    }
+}
+
+TYPED_TEST(TokenCallWire, WhatIsNotUnderstoodLeavesTheRecordEmpty) {
+    const std::string broken = R"({"error":"half","expires_in":99999999999})";
+    for (const Reply& reply :
+         {Reply::json(broken), Reply::status(400, broken), Reply::status(400, "<html>sorry</html>"),
+          Reply::status(401), Reply::json(kRefusal).contentLength(5000), Reply::closeBeforeReply()}) {
+        const CloudServer server({reply});
+        TypeParam args;
+        EXPECT_NE(args.run(), 0u);
+        EXPECT_TRUE(args.isEmpty());
+    }
+}
+
+TYPED_TEST(TokenCallWire, AnEmptyObjectIsAReplyThatSaysNothing) {
+    const CloudServer server({Reply::json("{}")});
+    TypeParam args;
+    EXPECT_EQ(args.run(), 0u);
+    EXPECT_TRUE(args.isEmpty());
+}
+
+TYPED_TEST(TokenCallWire, CutsTextsToTheirFields) {
+    const std::string text(9000, 'w');
+    const CloudServer server(
+        {Reply::json(R"({"error":")" + text + R"(","error_description":")" + text + "\"}")});
+    TypeParam args;
+    EXPECT_EQ(args.run(), 0u);
+    EXPECT_EQ(args.record.szError, std::wstring(259, L'w'));
+    EXPECT_EQ(args.record.szErrorDescription, std::wstring(4095, L'w'));
+}
