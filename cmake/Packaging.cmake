@@ -9,7 +9,7 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/include/WebFileManAPI.h
   ${PROJECT_SOURCE_DIR}/include/WebFileManShareAPI.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-foreach(tool torvi torvi-nas)
+foreach(tool torvi torvi-nas torvi-cloud)
   if(TARGET ${tool})
     install(TARGETS ${tool} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   endif()

@@ -42,7 +42,7 @@ case $check in
         readelf -d "$lib/libTorviAPI.so.1.0.0" | grep 'SONAME.*\[libTorviAPI\.so\.1\]' >/dev/null || fail "wrong SONAME"
         ! readelf -d "$lib/libTorviAPI.so.1.0.0" | grep -E 'R(UN)?PATH|TEXTREL' || fail "a path or relocations in code"
         ! grep -rl -e torviapi_objects -e "$BUILD_DIR" "$lib/cmake" "$lib/pkgconfig" || fail "the build leaks out"
-        for tool in torvi torvi-nas; do
+        for tool in torvi torvi-nas torvi-cloud; do
             [ ! -e "$BUILD_DIR/bin/$tool" ] || "$PREFIX/bin/$tool" --help >/dev/null || fail "$tool doesn't start"
         done
         ;;

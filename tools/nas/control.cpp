@@ -1,5 +1,6 @@
 #include "control.h"
 
+#include "common_control.h"
 #include "log.h"
 #include "service.h"
 #include "wire_text.h"
@@ -47,22 +48,8 @@ nlohmann::json stateOf(Service& service) {
 }
 
 nlohmann::json run(Service& service, const std::string& what, const std::string& body, int& http) {
-    if (what == "GET /control/faults") {
-        return {{"faults", service.faults().toJson()}};
-    }
-    if (what == "POST /control/faults") {
-        return {{"id", service.faults().arm(parseFault(nlohmann::json::parse(body)))}};
-    }
-    if (what == "DELETE /control/faults") {
-        service.faults().clear();
-        return nlohmann::json::object();
-    }
-    if (what == "GET /control/requests") {
-        return service.ledger().toJson();
-    }
-    if (what == "DELETE /control/requests") {
-        service.ledger().clear();
-        return nlohmann::json::object();
+    if (auto reply = runCommonControl(service.faults(), service.ledger(), what, body)) {
+        return *reply;
     }
     if (what == "POST /control/sessions/expire") {
         service.sessions().expireAll();
@@ -74,6 +61,17 @@ nlohmann::json run(Service& service, const std::string& what, const std::string&
     }
     if (what == "POST /control/boot/end") {
         service.endBoot();
+        return nlohmann::json::object();
+    }
+    if (what == "POST /control/config/acl") {
+        const ConfigItem rule = nlohmann::json::parse(body);
+        requireAclRule(rule);
+        service.devices().change([&](DeviceBook& book) { book.follow({{rule}, {}}); });
+        return nlohmann::json::object();
+    }
+    if (what == "POST /control/config/password") {
+        const std::string password = nlohmann::json::parse(body).at("password");
+        service.devices().change([&](DeviceBook& book) { book.follow({{}, password}); });
         return nlohmann::json::object();
     }
     if (what == "GET /control/state") {

@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <openssl/rand.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -286,20 +285,6 @@ void writeAll(int fd, const char* data, size_t length) {
         }
         done += static_cast<size_t>(n);
     }
-}
-
-std::string randomHex(size_t bytes) {
-    std::vector<unsigned char> random(bytes);
-    if (RAND_bytes(random.data(), static_cast<int>(bytes)) != 1) {
-        throw std::runtime_error("no random bytes");
-    }
-    static const char digits[] = "0123456789abcdef";
-    std::string text;
-    for (unsigned char byte : random) {
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
 }
 
 }  // namespace nas

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "fd.h"
+#include "random.h"
 
 namespace nas {
 
@@ -38,6 +39,5 @@ void copyTree(int from, const std::string& name, int to, const std::string& newN
               const Progress& progress);
 
 void writeAll(int fd, const char* data, size_t length);
-std::string randomHex(size_t bytes);
 
 }  // namespace nas

@@ -30,6 +30,7 @@ int serve(const nas::Options& options, const sigset_t& signals) {
     int port = relay.listen(options.address, options.port, nullptr);
     int tlsPort = tls ? relay.listen(options.address, options.tlsPort, tls.get()) : 0;
     service.setPorts(port, tlsPort);
+    nas::registerAtCloud(options, port, tlsPort);
     http.start();
     std::thread loop([&] { relay.run(); });
 

@@ -43,6 +43,24 @@ void addIdentityOptions(CLI::App& app, Identity& identity, std::vector<std::stri
     app.add_option("--no-sync-for", withoutSync, "A user who may not sync, repeatable");
 }
 
+void addCloudOptions(CLI::App& app, CloudEntry& cloud) {
+    auto* url =
+        app.add_option("--cloud", cloud.url, "http://host[:port] of a torvi-cloud that lists this server")
+            ->check([](const std::string& text) {
+                return text.rfind("http://", 0) == 0 ? "" : "not http://host[:port]: " + text;
+            });
+    auto* user = app.add_option("--cloud-user", cloud.user, "Whose device it is there")->needs(url);
+    url->needs(user);
+    app.add_option("--device-name", cloud.deviceName, "Its name there; --server-name unless given")
+        ->needs(url);
+    app.add_option("--device-id", cloud.deviceId, "Its id there; --uid unless given")->needs(url);
+    app.add_option("--device-description", cloud.description, "A word about it")->needs(url);
+    app.add_option("--device-address", cloud.address,
+                   "Its address in its own network; --address unless given")
+        ->needs(url);
+    app.add_flag("!--no-remote-access", cloud.remoteAccess, "Not reached from outside")->needs(url);
+}
+
 }  // namespace
 
 int readOptions(int argc, char** argv, Options& options) {
@@ -56,6 +74,7 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> domains;
     std::vector<std::string> directoryUsers;
     std::vector<std::string> descriptions;
+    std::vector<std::string> configAcl;
     std::vector<std::string> faults;
     std::vector<std::string> secondFactors;
     std::vector<std::string> questionTexts;
@@ -100,6 +119,11 @@ int readOptions(int argc, char** argv, Options& options) {
         "NETBIOS:name of a user whom a directory knows; an account NETBIOS\\name lets them log in, "
         "repeatable");
     app.add_option("--description", descriptions, "name:text that user lists tell of somebody, repeatable");
+    app.add_option("--config-acl", configAcl,
+                   "section:key:0 or section:key:1 of what users may change of their devices' configuration, "
+                   "repeatable");
+    app.add_option("--config-password", options.configRules.password,
+                   "Password that opens what users may not change; an empty one opens nothing");
     app.add_option("--second-factor", secondFactors,
                    "name:code=CODE, name:question=NO:TEXT:ANSWER or name:mail=ADDRESS, asked for after the "
                    "password; repeatable, the login asks for a user's first");
@@ -142,6 +166,7 @@ int readOptions(int argc, char** argv, Options& options) {
     app.add_flag("--redirect-tls", options.redirectTls,
                  "Send logins and identity requests from the HTTP port to the HTTPS port");
     addIdentityOptions(app, options.identity, withoutSync);
+    addCloudOptions(app, options.cloud);
     app.add_flag("--no-fcgi", noFcgi, "A server without torvisrv.fcgi");
     app.add_option("--fail", faults,
                    "Arm a fault: name[,match=TEXT][,count=N][,skip=N][,bytes=K][,ms=M]..., repeatable");
@@ -158,6 +183,7 @@ int readOptions(int argc, char** argv, Options& options) {
         for (const std::string& rule : domains) options.directory.addDomain(rule);
         for (const std::string& rule : directoryUsers) options.directory.addUser(rule);
         for (const std::string& rule : descriptions) options.directory.describe(rule);
+        for (const std::string& rule : configAcl) options.configRules.acl.push_back(parseAclRule(rule));
         for (const std::string& rule : volumes) options.volumes.add(rule);
         for (const std::string& pattern : options.veto) {
             if (pattern.empty() || pattern.find('/') != std::string::npos) {

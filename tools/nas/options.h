@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "cloud_registration.h"
+#include "config_items.h"
 #include "faults.h"
 #include "identity.h"
 #include "people.h"
@@ -38,6 +40,7 @@ struct Options {
     std::string mailFolder;
     QuestionTexts questionTexts;
     Identity identity;
+    CloudEntry cloud;
     bool control = false;
     bool sync = true;
     bool fcgi = true;
@@ -46,6 +49,7 @@ struct Options {
     Directory directory;
     Volumes volumes;
     std::vector<std::string> veto;
+    ConfigRules configRules;
     long long changesKept = 10000;
     std::vector<Fault> faults;
 

@@ -1,0 +1,64 @@
+#include <csignal>
+#include <iostream>
+#include <thread>
+
+#include "http_server.h"
+#include "nas/relay.h"
+#include "nas/tls.h"
+#include "options.h"
+#include "service.h"
+
+namespace {
+
+int serve(const cloud::Options& options, const sigset_t& signals) {
+    nas::Faults faults;
+    for (const nas::Fault& fault : options.faults) {
+        faults.arm(fault);
+    }
+    nas::SslContext tls;
+    if (options.tlsPort >= 0) {
+        tls = nas::makeSslContext(options.certificate, options.key, "torvi-cloud");
+    }
+    cloud::Service service(options, faults);
+    cloud::HttpServer http([&](const cloud::HttpRequest& request) { return service.serve(request); });
+    nas::Relay relay(faults, http.port());
+    const int port = relay.listen(options.address, options.port, nullptr);
+    const int tlsPort = tls ? relay.listen(options.address, options.tlsPort, tls.get()) : 0;
+    http.start();
+    std::thread loop([&] { relay.run(); });
+
+    // One line that programs can read.
+    const std::string ready = "torvi-cloud ready http=" + options.address + ":" + std::to_string(port) +
+                              " tls=" + (tls ? options.address + ":" + std::to_string(tlsPort) : "-");
+    std::cout << ready << std::endl;
+
+    int signal = 0;
+    sigwait(&signals, &signal);
+    relay.stop();
+    loop.join();
+    http.stop();
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    cloud::Options options;
+    const int early = cloud::readOptions(argc, argv, options);
+    if (early != -1) {
+        return early;
+    }
+    // Blocked before any thread starts, so that only sigwait takes them.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return serve(options, signals);
+    } catch (const std::exception& error) {
+        std::cerr << "torvi-cloud: " << error.what() << "\n";
+        return 1;
+    }
+}
