@@ -28,6 +28,7 @@ const std::vector<Call>& allCalls() {
         addMemberCalls(all);
         addUserCalls(all);
         addSettingCalls(all);
+        addConfigCalls(all);
         addFolderLinkCalls(all);
         addLinkCalls(all);
         addLinkPageCalls(all);

@@ -27,6 +27,8 @@ struct Call {
     bool prefix = false;
     // Also for browsers, whose headers are their own.
     bool anybody = false;
+    // Keys whose values clients put into the query as they are.
+    Shape typed = {};
 };
 
 const std::vector<Call>& allCalls();
@@ -53,6 +55,7 @@ void addTeamCalls(std::vector<Call>& calls);
 void addMemberCalls(std::vector<Call>& calls);
 void addUserCalls(std::vector<Call>& calls);
 void addSettingCalls(std::vector<Call>& calls);
+void addConfigCalls(std::vector<Call>& calls);
 void addFolderLinkCalls(std::vector<Call>& calls);
 void addLinkCalls(std::vector<Call>& calls);
 void addLinkPageCalls(std::vector<Call>& calls);

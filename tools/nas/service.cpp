@@ -142,6 +142,17 @@ bool wantsBody(const httplib::Request& http) {
     return http.has_header("Content-Length") || http.has_header("Transfer-Encoding");
 }
 
+// The keys of the call whose values stand in its query as they are.
+const Shape& typedKeys(Endpoint endpoint, const std::string& query) {
+    static const Shape none;
+    for (const Call& call : allCalls()) {
+        if (call.endpoints & on(endpoint) && query.rfind("func=" + call.name + "&", 0) == 0) {
+            return call.typed;
+        }
+    }
+    return none;
+}
+
 Fields decodeQuery(Endpoint endpoint, const std::string& query) {
     switch (endpoint) {
         case Endpoint::AuthLogin:
@@ -149,7 +160,7 @@ Fields decodeQuery(Endpoint endpoint, const std::string& query) {
         case Endpoint::SharePage:
             return decodeLoosely(query, "query");
         default:
-            return decodeFields(query, "query");
+            return decodeTyped(query, "query", typedKeys(endpoint, query));
     }
 }
 
@@ -183,6 +194,7 @@ Service::Service(const Options& options, Faults& faults)
       managerUsers_(options.users.asSeenByManager()),
       faults_(faults),
       shares_(options.root, options.sessionFolder, options.slaveId),
+      devices_(keptAt(options.root, options.sessionFolder, options.slaveId, "devices")),
       tree_(options.root, options.users, shares_),
       sessions_(options.sessionTtl, options.sessionFolder),
       secondSteps_(options.tryLimit),
@@ -196,6 +208,10 @@ Service::Service(const Options& options, Faults& faults)
       jobs_(options.jobDelay) {
     Version::dropOld(*this, options.partialMaxAge);
     addTeams(*this, options.teams);
+    const ConfigRules& rules = options.configRules;
+    if (!rules.acl.empty() || rules.password) {
+        devices_.change([&](DeviceBook& book) { book.follow(rules); });
+    }
 }
 
 void Service::setPorts(int http, int tls) {

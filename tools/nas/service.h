@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "change_log.h"
+#include "device_book.h"
 #include "disk_space.h"
 #include "faults.h"
 #include "jobs.h"
@@ -36,6 +37,7 @@ public:
 
     const Options& options() const { return options_; }
     Shares& shares() { return shares_; }
+    Kept<DeviceBook>& devices() { return devices_; }
     const Tree& tree() const { return tree_; }
     Sessions& sessions() { return sessions_; }
     SecondSteps& secondSteps() { return secondSteps_; }
@@ -73,6 +75,7 @@ private:
     const Users managerUsers_;
     Faults& faults_;
     Shares shares_;
+    Kept<DeviceBook> devices_;
     Tree tree_;
     Sessions sessions_;
     SecondSteps secondSteps_;

@@ -36,8 +36,29 @@ void checkDevice(const Fields& form) {
     }
 }
 
-nlohmann::json welcome(Service& service, const User& user, const Fields& form) {
-    const std::string device = hasField(form, "nubo_computer") ? field(form, "nubo_computer") : "";
+// The relay hides where a client is. One on this machine may tell whom it acts for.
+std::string addressOf(const Request& request) {
+    const std::string told = request.http.get_header_value("X-Forwarded-For");
+    return told.empty() ? "127.0.0.1" : told;
+}
+
+void meetDevice(Service& service, const Request& request, const User& user, const Fields& form) {
+    const std::string& uid = field(form, "uid");
+    const std::string& name = field(form, "nubo_computer");
+    const std::string ip = addressOf(request);
+    const auto book = service.devices().read();
+    const Device* known = book->find(user.name, uid);
+    if (!known || known->name != name || known->ip != ip) {
+        service.devices().change([&](DeviceBook& later) { later.meet(user.name, uid, name, ip); });
+    }
+}
+
+nlohmann::json welcome(Service& service, const Request& request, const User& user, const Fields& form) {
+    std::string device;
+    if (hasField(form, "nubo_computer")) {
+        device = field(form, "nubo_computer");
+        meetDevice(service, request, user, form);
+    }
     return {{"status", number(Status::Ok)},
             {"sid", service.sessions().open(user.name, device)},
             {"admingroup", user.admin ? "1" : "0"},
@@ -59,7 +80,7 @@ Answer syncLogin(Service& service, Request& request, httplib::Response&) {
     nlohmann::json reply = {{"status", number(Status::Ok)}, {"nubo_cluster_status", options.clusterStatus}};
     // A node that isn't part of its cluster yet tells where it is, but opens no session.
     if (options.inCluster()) {
-        reply.update(welcome(service, user, form));
+        reply.update(welcome(service, request, user, form));
     }
     if (!options.slaveId.empty()) {
         reply["nubo_slave_id"] = options.slaveId;
@@ -94,7 +115,7 @@ Answer managerLogin(Service& service, Request& request, httplib::Response&) {
     }
     requireText(form, "user");
     const User& user = checkLogin(service, request, form);
-    return user.second.wanted() ? secondStepWanted(service, user) : Answer{welcome(service, user, form)};
+    return user.second.wanted() ? secondStepWanted(service, user) : Answer{welcome(service, request, user, form)};
 }
 
 Answer logout(Service& service, Request& request, httplib::Response&) {

@@ -2,37 +2,29 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 
+#include "kept.h"
 #include "share_book.h"
 
 namespace nas {
 
-// Where the book of shares is kept: a file of the root, or of the folder that the nodes of a cluster share,
-// so that each of them knows what the others' users do.
+// The book of shares, and whose node this is.
 class Shares {
 public:
     // Empty, and kept nowhere.
     Shares() = default;
-    Shares(const std::string& root, const std::string& sessionFolder, const std::string& nas);
+    Shares(const std::string& root, const std::string& sessionFolder, const std::string& nas)
+        : nas_(nas), book_(keptAt(root, sessionFolder, nas, "shares")) {}
 
     // The own node's slave id.
     const std::string& nas() const { return nas_; }
-    // As it is now; it stays so for whoever holds it.
-    std::shared_ptr<const ShareBook> read() const;
-    // One change at a time, on all nodes. Nothing changes if it throws.
-    void change(const std::function<void(ShareBook&)>& act);
+    std::shared_ptr<const ShareBook> read() const { return book_.read(); }
+    void change(const std::function<void(ShareBook&)>& act) { book_.change(act); }
 
 private:
-    std::shared_ptr<const ShareBook> load() const;
-    std::string stamp() const;
-
     std::string nas_;
-    std::string file_;
-    mutable std::mutex mutex_;
-    mutable std::shared_ptr<const ShareBook> book_ = std::make_shared<ShareBook>();
-    mutable std::string bookStamp_;
+    Kept<ShareBook> book_;
 };
 
 }  // namespace nas

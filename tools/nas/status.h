@@ -14,6 +14,7 @@ enum class Status {
     OtherPath = -41,
     Gone = -40,
     NoPath = -4,
+    NotConfigured = -3,
     Failed = 0,
     Ok = 1,
     Exists = 2,

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "status.h"
 
@@ -29,6 +30,11 @@ std::string quoted(const std::string& text) {
 
 bool sentByBrowsers(char c) {
     return unreserved(c) || (c > ' ' && c < 0x7f && !std::strchr("&#%+", c));
+}
+
+// What URLs hold unencoded in a query, beside the "?" that the relay encodes.
+bool leftInUrls(char c) {
+    return unreserved(c) || (c != '\0' && std::strchr("!$'()*+,;=:@/[]", c));
 }
 
 using Plain = bool (*)(char);
@@ -72,7 +78,7 @@ size_t matched(const Fields& fields, const Shape& shape) {
 }
 
 Fields decodePairs(const std::string& raw, const std::string& what, const std::string& repeating,
-                   Plain plain) {
+                   const std::function<Plain(const std::string& key)>& plainOf) {
     Fields fields;
     if (raw.empty()) {
         return fields;
@@ -89,7 +95,7 @@ Fields decodePairs(const std::string& raw, const std::string& what, const std::s
         if (key != repeating && hasField(fields, key)) {
             throw Refusal(what + " names the key " + quoted(key) + " twice");
         }
-        std::string value = decodeValue(pair.substr(equals + 1), what + " key " + quoted(key), plain);
+        std::string value = decodeValue(pair.substr(equals + 1), what + " key " + quoted(key), plainOf(key));
         fields.emplace_back(std::move(key), std::move(value));
         from = to + 1;
     }
@@ -161,11 +167,17 @@ std::string decodeTwice(const std::string& value, const std::string& what) {
 }
 
 Fields decodeFields(const std::string& raw, const std::string& what, const std::string& repeating) {
-    return decodePairs(raw, what, repeating, unreserved);
+    return decodePairs(raw, what, repeating, [](const std::string&) { return unreserved; });
 }
 
 Fields decodeLoosely(const std::string& raw, const std::string& what) {
-    return decodePairs(raw, what, {}, sentByBrowsers);
+    return decodePairs(raw, what, {}, [](const std::string&) { return sentByBrowsers; });
+}
+
+Fields decodeTyped(const std::string& raw, const std::string& what, const Shape& keys) {
+    return decodePairs(raw, what, {}, [&](const std::string& key) {
+        return std::find(keys.begin(), keys.end(), key) == keys.end() ? unreserved : leftInUrls;
+    });
 }
 
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what) {

@@ -30,6 +30,9 @@ Fields decodeFields(const std::string& raw, const std::string& what, const std::
 // The same from a browser, which leaves more characters as they are.
 Fields decodeLoosely(const std::string& raw, const std::string& what);
 
+// The same where the values of these keys stand as somebody typed them, as far as a URL can hold that.
+Fields decodeTyped(const std::string& raw, const std::string& what, const Shape& keys);
+
 // Refuses fields that match none of the shapes, naming the first difference to the nearest one.
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what);
 
