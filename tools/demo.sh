@@ -11,6 +11,7 @@ nginx_template=$(dirname "$(readlink -f "$0")")/nas/nginx-cluster.conf.in
 nas_log=$scratch/nas.log
 local_files=$scratch/mine
 nas=
+cloud=
 cluster=()
 
 stop_nas() {
@@ -27,11 +28,19 @@ stop_cluster() {
     cluster=()
 }
 
+stop_cloud() {
+    [ -n "$cloud" ] || return 0
+    kill "$cloud" 2>/dev/null || true
+    wait "$cloud" 2>/dev/null || true
+    cloud=
+}
+
 clean_up() {
     local status=$?
     trap - EXIT
     stop_nas
     stop_cluster
+    stop_cloud
     rm -rf "$scratch"
     exit "$status"
 }
@@ -93,7 +102,7 @@ start_nas() {
 ready_line() {
     local ready=
     for _ in $(seq 200); do
-        ready=$(grep -m 1 '^torvi-nas ready' "$1" || true)
+        ready=$(grep -m 1 '^torvi-[a-z]* ready' "$1" || true)
         [ -z "$ready" ] || break
         kill -0 "$2" 2>/dev/null || break
         sleep 0.05
@@ -109,6 +118,23 @@ start_node() {
         --user bob:builder --port 0 >"$scratch/$1.log" 2>&1 </dev/null &
     cluster+=($!)
     node_port=$(ready_line "$scratch/$1.log" $! | sed -n 's/.* http=[^ ]*:\([0-9]*\).*/\1/p')
+}
+
+# A cloud at the ports that its clients know, on a loopback address of its own: cloud_host. Fails where the system
+# keeps these ports for others.
+start_cloud() {
+    cloud_host=127.$((64 + RANDOM % 64)).$((RANDOM % 256)).$((1 + RANDOM % 254))
+    typed "torvi-cloud --address $cloud_host --port 80 --tls-port 443 --app desk-app:... --user alice:... &"
+    "$bin/torvi-cloud" --address "$cloud_host" --port 80 --tls-port 443 --app desk-app:desk-secret \
+        --user alice:alice-refresh:alice@example.test:Alice >"$scratch/cloud.log" 2>&1 </dev/null &
+    cloud=$!
+    for _ in $(seq 200); do
+        ! grep -m 1 '^torvi-cloud ready' "$scratch/cloud.log" || return 0
+        kill -0 "$cloud" 2>/dev/null || break
+        sleep 0.05
+    done
+    stop_cloud
+    return 1
 }
 
 # nginx before the nodes at these ports, on a port that is free: front_port.
@@ -356,6 +382,34 @@ step "The NAS goes away, and the library's log on stderr says what happened"
 requests=$((requests + $(grep -c 'cgi-bin' "$nas_log" || true)))
 stop_nas
 refused 3 torvi version --server 127.0.0.1 --port "$http_port" -v
+
+step "The cloud knows where the NAS is: alice finds hers by it, and logs in over the address that came back"
+# The secret of the application and the token that alice gave it: neither is ever an argument.
+export TORVI_CLIENT_SECRET=desk-secret
+printf 'alice-refresh\n' >token
+if start_cloud; then
+    nas_log=$scratch/cloud-nas.log
+    start_nas --cloud "http://$cloud_host" --cloud-user alice --device-name Cellar --device-id cellar-1 \
+        --external-address 198.51.100.4 --external-port 8081 --ddns-name cellar.example
+    shown torvi cloud signin --cloud "$cloud_host" --client-id desk-app --refresh-token-file token
+    shown torvi cloud devices
+    shown torvi cloud reach cellar-1
+    address=$(torvi cloud reach cellar-1 --json | sed -n '/"lan": \[/{n; s/.*"\(.*\)".*/\1/p; q}')
+    [ "$address" = "127.0.0.1:$http_port" ] || die "the cloud tells $address, and not where the NAS is"
+    shown torvi login -s "$address" --user alice
+    shown torvi get /home/letter.txt from-afar.txt --quiet
+    cmp letter.txt from-afar.txt
+    say "Every byte the same."
+    shown torvi cloud signout
+    shown torvi logout
+    requests=$((requests + $(grep -c 'cgi-bin' "$nas_log" || true)))
+    stop_nas
+    stop_cloud
+else
+    say "Left out: the cloud's clients know the ports 80 and 443 only, and torvi-cloud can't have them here."
+    sed 's/^/   /' "$scratch/cloud.log"
+    say "Run it as root, or in a network of its own: unshare --user --map-root-user --net sh -c 'ip link set lo up; ...'"
+fi
 
 printf '\n%sDone.%s %s requests over TLS and HTTP; 3 x %s MiB sent and read, and every byte was the same.\n' \
     "$bold" "$plain" "$requests" "$megabytes"

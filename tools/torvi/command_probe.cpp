@@ -1,10 +1,10 @@
 #include <WebFileManAPI.h>
 
-#include <QRegularExpression>
 #include <QStringList>
 #include <memory>
 #include <vector>
 
+#include "address.h"
 #include "connection.h"
 #include "failure.h"
 #include "output.h"
@@ -124,15 +124,11 @@ struct PingOptions {
     std::string uid;
 };
 
-/// HOST or HOST:PORT, the port being the connection's otherwise.
-Connection candidateOf(Connection connection, const QString& address) {
-    static const QRegularExpression form(QStringLiteral(R"(^(\[[^\]]+\]|[^:]+)(?::(\d{1,5}))?$)"));
-    const QRegularExpressionMatch match = form.match(address);
-    const int port = match.captured(2).isEmpty() ? connection.port : match.captured(2).toInt();
-    if (!match.hasMatch() || port < 1 || port > 65535)
-        throw Failure(Exit::Usage, QStringLiteral("ping: %1 is not HOST or HOST:PORT").arg(address));
-    connection.server = match.captured(1);
-    connection.port = port;
+/// The address, at the connection's port if it names none.
+Connection candidateOf(Connection connection, const QString& text) {
+    const Address address = parseAddress(QStringLiteral("ping"), text);
+    connection.server = address.host;
+    connection.port = address.port.value_or(connection.port);
     return connection;
 }
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "address.h"
 #include "failure.h"
 #include "keptsession.h"
 #include "options.h"
@@ -97,7 +98,8 @@ std::vector<Connection> loggedIn(const GlobalOptions& global, bool all) {
 bool speaksOfAnother(const GlobalOptions& global) {
     try {
         const std::optional<Profile> profile = loadProfile();
-        return profile && global.server && QString::fromStdString(*global.server) != profile->server;
+        const QString named = namedServer(global).host;
+        return profile && !named.isEmpty() && named != profile->server;
     } catch (const Failure&) {
         return false;
     }

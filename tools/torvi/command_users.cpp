@@ -107,16 +107,8 @@ void addUsersCommand(const Commands& commands) {
         ->excludes(directory);
     command->add_flag("--all", options->all, "Those, too, who may not sync");
     command->add_flag("--refresh", options->refresh, "Have the server look anew");
-    command->add_option("--offset", options->window.offset, "Leave out so many at the start")
-        ->check(CLI::Range(0, 1000000000).description(""))
-        ->type_name("COUNT");
-    command->add_option("--limit", options->window.limit, "Show at most so many")
-        ->check(CLI::Range(1, 1000000000).description(""))
-        ->type_name("COUNT");
-    command->add_option("--page-size", options->window.pageSize, "Users in one request")
-        ->check(CLI::Range(1, 10000).description(""))
-        ->type_name("COUNT")
-        ->capture_default_str();
+    options->window.addTo(*command);
+    options->window.addPagesTo(*command, "Users");
     runs(commands, command, options, users);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 
+#include "address.h"
 #include "failure.h"
 #include "password.h"
 #include "profile.h"
@@ -16,20 +17,14 @@ QString text(const std::optional<std::string>& value) {
     return QString::fromStdString(value.value_or(""));
 }
 
-void resolveProxyPassword(Connection& connection, const GlobalOptions& options,
-                          const std::optional<Profile>& own) {
-    if (connection.proxyMode != 2 || connection.proxyUser.isEmpty()) return;
-    if (options.proxyPasswordFile) {
-        connection.proxyPassword = readPasswordFile(text(options.proxyPasswordFile));
-    } else if (const char* password = std::getenv("TORVI_PROXY_PASSWORD")) {
-        connection.proxyPassword = QString::fromUtf8(password);
-    } else if (own && own->proxyPassword && own->proxyUser == connection.proxyUser &&
-               own->proxy == connection.proxy) {
-        connection.proxyPassword = *own->proxyPassword;
-    } else {
-        connection.proxyPassword = askPassword(QStringLiteral("Password of %1 for the proxy %2: ")
-                                                   .arg(connection.proxyUser, connection.proxyHost));
-    }
+QString findProxyPassword(const Connection& connection, const GlobalOptions& options,
+                          const StoredProxy& stored) {
+    if (options.proxyPasswordFile) return readPasswordFile(text(options.proxyPasswordFile));
+    if (const char* password = std::getenv("TORVI_PROXY_PASSWORD")) return QString::fromUtf8(password);
+    if (stored.password && stored.user == connection.proxyUser && stored.proxy == connection.proxy)
+        return *stored.password;
+    return askPassword(
+        QStringLiteral("Password of %1 for the proxy %2: ").arg(connection.proxyUser, connection.proxyHost));
 }
 
 QString findPassword(const Connection& connection, const std::optional<std::string>& file,
@@ -82,13 +77,21 @@ const wchar_t* agentName() {
     return L"torvi";
 }
 
+void resolveProxy(Connection& connection, const GlobalOptions& options, const StoredProxy& stored) {
+    connection.proxyUser = options.proxyUser ? text(options.proxyUser) : stored.user;
+    connection.useProxy(options.proxy ? text(options.proxy) : stored.proxy);
+    if (connection.proxyMode == 2 && !connection.proxyUser.isEmpty())
+        connection.proxyPassword = findProxyPassword(connection, options, stored);
+}
+
 Connection resolveConnection(const GlobalOptions& options, Needs needs) {
     std::optional<Profile> own = loadProfile();
     // The profile speaks of one server and says nothing about another.
-    if (own && options.server && text(options.server) != own->server) own.reset();
+    const Address named = namedServer(options);
+    if (own && options.server && named.host != own->server) own.reset();
 
     Connection connection;
-    connection.server = own ? own->server : text(options.server);
+    connection.server = own ? own->server : named.host;
     if (connection.server.isEmpty()) {
         throw Failure(Exit::Usage,
                       QStringLiteral("no server: give --server, or store one with `torvi login`"));
@@ -97,10 +100,10 @@ Connection resolveConnection(const GlobalOptions& options, Needs needs) {
     connection.tls = options.tls.value_or(profile.tls);
     const bool sameScheme = own && profile.tls == connection.tls;
     const int defaultPort = connection.tls ? 443 : 8080;
-    connection.port = options.port.value_or(sameScheme && profile.port > 0 ? profile.port : defaultPort);
+    const int usualPort = sameScheme && profile.port > 0 ? profile.port : defaultPort;
+    connection.port = named.port.value_or(options.port.value_or(usualPort));
     connection.tlsPort = options.tlsPort.value_or(0);
     connection.user = options.user ? text(options.user) : profile.user;
-    connection.proxyUser = options.proxyUser ? text(options.proxyUser) : profile.proxyUser;
     connection.node = options.node ? text(options.node) : profile.node;
     connection.fcgi = options.fcgi.value_or(profile.fcgi);
     // What the profile knows of the server holds at the port where it was learned.
@@ -111,11 +114,10 @@ Connection resolveConnection(const GlobalOptions& options, Needs needs) {
     connection.teams = options.teams.empty() ? profile.teams : parseTeamFolders(options.teams);
     connection.timeoutMs = static_cast<uint32_t>(std::lround(options.timeoutSeconds * 1000));
 
-    connection.useProxy(options.proxy ? text(options.proxy) : profile.proxy);
     if (needs == Needs::Login && connection.user.isEmpty()) {
         throw Failure(Exit::Usage, QStringLiteral("no user: give --user, or store one with `torvi login`"));
     }
-    resolveProxyPassword(connection, options, own);
+    resolveProxy(connection, options, {profile.proxy, profile.proxyUser, profile.proxyPassword});
     connection.password = Password(
         [connection, file = options.passwordFile, own] { return findPassword(connection, file, own); });
     return connection;

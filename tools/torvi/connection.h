@@ -71,6 +71,15 @@ struct Connection {
 
 enum class Needs { Server, Login };
 
+/// The way out that was stored: none, system, or HOST:PORT.
+struct StoredProxy {
+    QString proxy;
+    QString user;
+    std::optional<QString> password;
+};
+/// Merges command line, environment and what was stored; asks for the proxy's password if it is wanted.
+void resolveProxy(Connection& connection, const GlobalOptions& options, const StoredProxy& stored);
+
 /// Merges command line, environment, profile and defaults. The password waits until it is needed.
 Connection resolveConnection(const GlobalOptions& options, Needs needs);
 

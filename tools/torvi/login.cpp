@@ -15,16 +15,6 @@ constexpr uint32_t kNoSuchService = 10;
 constexpr int32_t kInsistsOnTls = -8;
 constexpr uint32_t kServerNameCapacity = 260;
 
-/// The same for this user on this machine every time, and it tells nobody which machine that is.
-QString installationId() {
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    hash.addData("torvi/");
-    hash.addData(QSysInfo::machineUniqueId());
-    hash.addData(QSysInfo::machineHostName().toUtf8());
-    hash.addData(qgetenv("USER"));
-    return QString::fromLatin1(hash.result().toHex());
-}
-
 QString computerName() {
     const QString name = QSysInfo::machineHostName();
     return name.isEmpty() ? QStringLiteral("computer") : name;
@@ -126,6 +116,15 @@ Entrance enter(Connection& connection) {
 }
 
 }  // namespace
+
+QString installationId() {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData("torvi/");
+    hash.addData(QSysInfo::machineUniqueId());
+    hash.addData(QSysInfo::machineHostName().toUtf8());
+    hash.addData(qgetenv("USER"));
+    return QString::fromLatin1(hash.result().toHex());
+}
 
 Entrance logIn(Connection& connection) {
     try {

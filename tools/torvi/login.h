@@ -12,4 +12,8 @@ Entrance logIn(Connection& connection);
 /// more); throws if it can't be asked. Sessions of the older service can't be taken up.
 Entrance takeUp(const Connection& connection, const std::wstring& sid, const std::wstring& slaveId);
 
+/// By which a server tells this machine from others: the same for this user every time, and it tells nobody
+/// which machine that is.
+QString installationId();
+
 }  // namespace torvi

@@ -96,6 +96,8 @@ int main(int argc, char** argv) {
     torvi::addUsersCommand(commands);
     torvi::addLinkCommand(commands);
     torvi::addSettingsCommand(commands);
+    torvi::addDeviceCommand(commands);
+    torvi::addCloudCommand(commands);
     torvi::addFooter(app);
     try {
         app.parse(argc, argv);

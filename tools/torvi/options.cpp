@@ -25,6 +25,10 @@ Examples:
   torvi rm -r /home/drafts --dry-run                    show all that would go
   torvi log --follow                                    changes on the server as they come
   torvi link create /home/report.pdf --expires 7d       an address that anybody can open
+  torvi device config set mail-port=25                  what the server keeps for this machine
+  torvi cloud signin --cloud cloud.example --client-id desk-app --refresh-token-file token
+  torvi cloud reach                                     by which addresses one's NAS is reached
+  torvi login -s 192.168.1.20:8080 --user alice         one of them
   torvi ls /home --json | jq '.entries[].name'          for scripts
 
 Exit codes:
@@ -70,8 +74,9 @@ void addGlobalOptions(CLI::App& app, GlobalOptions& options) {
     app.set_version_flag("--version", "torvi " TORVI_VERSION);
 
     const char* connection = "Connection";
-    app.add_option("--server", options.server, "Host name or address")
+    app.add_option("--server,-s", options.server, "Host name or address, with or without a port")
         ->envname("TORVI_SERVER")
+        ->type_name("HOST[:PORT]")
         ->group(connection);
     app.add_option("--port", options.port, "Port (8080, or 443 with --tls)")
         ->check(CLI::Range(1, 65535).description(""))

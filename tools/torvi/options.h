@@ -67,6 +67,8 @@ void addTeamCommands(const Commands& commands);
 void addUsersCommand(const Commands& commands);
 void addLinkCommand(const Commands& commands);
 void addSettingsCommand(const Commands& commands);
+void addDeviceCommand(const Commands& commands);
+void addCloudCommand(const Commands& commands);
 
 /// Has the command run that function with its options.
 template <typename Options>

@@ -73,19 +73,23 @@ bool readLine(int fd, std::string& line) {
 
 }  // namespace
 
-QString readPasswordFile(const QString& path) {
+QString readSecretFile(const QString& path, const QString& what) {
     const bool standardInput = path == QLatin1String("-");
     const int fd = standardInput ? STDIN_FILENO : ::open(path.toUtf8().constData(), O_RDONLY | O_CLOEXEC);
     std::string line;
     const bool good = fd >= 0 && readLine(fd, line);
     const int error = errno;
     if (!standardInput && fd >= 0) ::close(fd);
-    if (interrupted()) throwCancelled(QStringLiteral("password"));
+    if (interrupted()) throwCancelled(what);
     if (!good) {
-        throw Failure(Exit::Local, QStringLiteral("cannot read the password from %1: %2")
-                                       .arg(path, QString::fromLocal8Bit(std::strerror(error))));
+        throw Failure(Exit::Local, QStringLiteral("cannot read the %1 from %2: %3")
+                                       .arg(what, path, QString::fromLocal8Bit(std::strerror(error))));
     }
     return QString::fromStdString(line);
+}
+
+QString readPasswordFile(const QString& path) {
+    return readSecretFile(path, QStringLiteral("password"));
 }
 
 QString askPassword(const QString& prompt) {

@@ -4,7 +4,8 @@
 
 namespace torvi {
 
-/// The first line of the file, "-" being standard input.
+/// The first line of the file, "-" being standard input. `what` names it in failures.
+QString readSecretFile(const QString& path, const QString& what);
 QString readPasswordFile(const QString& path);
 /// Asks on the terminal, with no echo. Fails as wrong usage where there is no terminal.
 QString askPassword(const QString& prompt);

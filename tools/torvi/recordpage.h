@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "window.h"
+
 namespace torvi {
 
 // What the calls allocate within a record of the caller's.
@@ -45,13 +47,6 @@ private:
     std::vector<Record> m_records;
     std::vector<Record*> m_list;
     uint32_t m_count;
-};
-
-/// Which part of a list is wanted, and how much of it at a time.
-struct Window {
-    uint32_t offset = 0;
-    uint32_t limit = 0;  ///< 0 for all that there is
-    uint32_t pageSize = 100;
 };
 
 /// Asks for one page after the other: `ask(lower, upper, page)` fills it and gives how many records there are
