@@ -1308,12 +1308,12 @@ TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const
 /// session. Device uids go out as given everywhere, users in WFMSetDeviceConfigInfo and
 /// WFMGetConfigNotifyInfo: they must be safe in a URL.
 ///
-/// | Call                        | Result word, `dwStatus` being 0                                            |
-/// |-----------------------------|----------------------------------------------------------------------------|
-/// | WFMSetDeviceConfigInfo      | the server's own status, **which isn't a client code**: 0 is done          |
-/// | WebFileManResetDeviceConfig | the same                                                                   |
-/// | the five that ask           | 0, or -4: the server refuses with -3. Any other status is a reply that     |
-/// |                             | isn't understood, 14: **a server that agrees sends none**                  |
+/// | Call                        | Result word, `dwStatus` being 0                                             |
+/// |-----------------------------|-----------------------------------------------------------------------------|
+/// | WFMSetDeviceConfigInfo      | the server's own status, **which isn't a client code**: 0 is done           |
+/// | WebFileManResetDeviceConfig | the same                                                                    |
+/// | the five that ask           | 0, a number of their own, or -4 where the server refuses with -3. Any other |
+/// |                             | status is a reply that isn't understood, 14: **one that agrees sends none** |
 /// @{
 
 /// Asks for the items of a device.
@@ -1374,9 +1374,9 @@ TORVIAPI_EXPORT uint32_t WFMGetDeviceConfigInfo(_WFM_AUTH_CONTEXT* context, cons
 /// | 8        | -1          | nothing sent: no item of the list is one that can be set                        |
 /// | 8        | untouched   | as ever; the line names TorviActivateSid                                        |
 ///
-/// | Of the list                     | Whose it is, and what becomes of it      |
-/// |---------------------------------|------------------------------------------|
-/// | record, array, items and values | the caller allocates and frees all       |
+/// | Of the list                     | Whose it is, and what becomes of it       |
+/// |---------------------------------|-------------------------------------------|
+/// | record, array, items and values | the caller allocates and frees all        |
 /// | from WFMGetDeviceConfigInfo     | good as it is, and freed as it says there |
 ///
 /// Twice: safe. Next: WFMGetDeviceConfigInfo to see what counts.
