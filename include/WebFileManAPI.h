@@ -71,8 +71,8 @@
 /// |              |                               | 122          | the list or the buffer is too small     |
 ///
 /// Each call uses client codes or system-style numbers, never both for the same thing; its table says which.
-/// A few have numbers of their own: 8 of WFMGetDomainIPList and of lists of device configuration, 14 and 16 to
-/// 19 of the logins that may want a second step, 6 (mail) and 7 (time) of calls that make, change or mail links.
+/// A few have numbers of their own: 8 of WFMGetDomainIPList and of configuration lists, 14 and 16 to 19 of
+/// the logins that may want a second step, 6 (mail) and 7 (time) of calls that make, change or mail links.
 ///
 /// @section arguments Arguments that are the same everywhere
 ///
