@@ -9,6 +9,20 @@
 #include "status.h"
 
 namespace torvi {
+namespace {
+
+/// None where the server doesn't tell: what it refuses here isn't understood.
+std::vector<Device> devicesIfTold(const Session& session, const QString& what, const QString& user) {
+    constexpr uint32_t kNotUnderstood = 14;
+    try {
+        return deviceList(session, what, user, {}).devices;
+    } catch (const Failure& failure) {
+        if (failure.dwStatus() != kNotUnderstood) throw;
+        return {};
+    }
+}
+
+}  // namespace
 
 void DeviceChoice::addTo(CLI::App& command) {
     command.add_option("--device", device, "The device's name or uid; this machine's if not given")
@@ -57,7 +71,7 @@ ChosenDevice chooseDevice(const Session& session, const QString& what, const Dev
     if (choice.device.empty()) return {user, installationId()};
     const QString given = QString::fromStdString(choice.device);
     QStringList named;
-    for (const Device& device : deviceList(session, what, user, {}).devices) {
+    for (const Device& device : devicesIfTold(session, what, user)) {
         if (device.uid == given) return {user, given};
         if (device.name == given) named << device.uid;
     }
