@@ -4,6 +4,7 @@
 
 #include <QCryptographicHash>
 #include <QString>
+#include <QVector>
 #include <chrono>
 #include <string>
 #include <utility>
