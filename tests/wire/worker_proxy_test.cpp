@@ -149,16 +149,17 @@ TEST(WorkerProxy, A401ThatTheProxyPassesOnStaysA401) {
 }
 
 // Qt takes no application proxy for this machine's own addresses, so the request is for another host, which
-// the proxy can't reach: it says so once it has accepted the password.
+// the proxy can't reach: it looks for it once it has accepted the password. Its answer may be lost, as it
+// closes without reading the body.
 TEST(WorkerProxy, InMode1ABodyGoesThroughTheApplicationsProxyWithItsPassword) {
     if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
     const TempDir dir;
     const std::string path = dir.write("f", "content");
-    TinyProxy proxy("user", "secret");
     const QNetworkProxy before = QNetworkProxy::applicationProxy();
-    QNetworkProxy::setApplicationProxy(
-        QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", proxy.port(), "user", "secret"));
     for (const char* method : {"GET", "POST", "upload"}) {
+        const TinyProxy proxy("user", "secret");
+        QNetworkProxy::setApplicationProxy(
+            QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", proxy.port(), "user", "secret"));
         const bool upload = std::string(method) == "upload";
         HttpRequestInput input("http://nas.invalid/", upload ? "POST" : method, false);
         input.set_timeout_msec(kPatience);
@@ -170,7 +171,7 @@ TEST(WorkerProxy, InMode1ABodyGoesThroughTheApplicationsProxyWithItsPassword) {
         } else {
             worker.execute(&input);
         }
-        EXPECT_EQ(worker.http_status, 500) << method;
+        EXPECT_TRUE(proxy.waitForLog("Could not retrieve address info for nas.invalid")) << method;
     }
     QNetworkProxy::setApplicationProxy(before);
 }

@@ -71,7 +71,6 @@ void Jobs::run(Job& job, const Work& work) {
         work([&](int64_t done, int64_t total) { advance(job, done, total); });
     } catch (const Dropped&) {
         status = Status::Failed;
-        why = "dropped";
     } catch (const StatusError& error) {
         status = error.status();
         why = error.what();
@@ -79,9 +78,13 @@ void Jobs::run(Job& job, const Work& work) {
         status = Status::Failed;
         why = error.what();
     }
+    std::lock_guard<std::mutex> lock(mutex_);
+    // What it worked on may go before it notices that nobody waits any more.
+    if (job.dropped && status != Status::Ok) {
+        why = "dropped";
+    }
     logLine("job " + std::to_string(job.pid) + " " + job.state.name + " of " + job.user +
             " status=" + std::to_string(static_cast<int>(status)) + " (" + why + ")");
-    std::lock_guard<std::mutex> lock(mutex_);
     job.state.done = true;
     job.state.status = status;
     job.state.percent = status == Status::Ok ? 100 : job.state.percent;
