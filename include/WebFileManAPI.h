@@ -367,15 +367,15 @@ struct USER_QUOTA_INFO {
 /// ZenoAPIGetTokenInfo. What the service doesn't send is empty or 0. All texts are terminated; one that is
 /// longer than its field is cut. **Holds secrets in clear**, and isn't wiped by the library.
 struct _CLOUD_TOKEN_INFORMATION {
-    wchar_t szError[260];              ///< the service's word for its refusal; empty if there is none
-    wchar_t szErrorDescription[4096];  ///< the same for people
-    wchar_t szAccessToken[260];        ///< sign-in and refresh only
-    wchar_t szTokenType[260];          ///< sign-in and refresh only
-    wchar_t szRefreshToken[260];       ///< sign-in and refresh only
-    wchar_t szEmail[260];              ///< token info only
-    wchar_t szDisplayName[260];        ///< token info only
-    wchar_t szUserID[260];             ///< token info only
-    int32_t nExpiresIn;                ///< seconds from now
+    wchar_t error[260];               ///< the service's word for its refusal; empty if there is none
+    wchar_t error_description[4096];  ///< the same for people
+    wchar_t access_token[260];        ///< sign-in and refresh only
+    wchar_t token_type[260];          ///< sign-in and refresh only
+    wchar_t refresh_token[260];       ///< sign-in and refresh only
+    wchar_t email[260];               ///< token info only
+    wchar_t display_name[260];        ///< token info only
+    wchar_t user_id[260];             ///< token info only
+    int32_t expires_in;               ///< seconds from now
 };
 
 /// The device that a user's id stands for, filled by ZenoAPIGetDeviceID. Texts are terminated; one that is
@@ -2361,8 +2361,8 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
 ///
 /// | dwStatus | When                                                                              |
 /// |----------|-----------------------------------------------------------------------------------|
-/// | 0        | an answer came: a token, or szError says why there is none                        |
-/// | 6        | HTTP 400, 401, 403 and their like: refused; szError says why, if the service does |
+/// | 0        | an answer came: a token, or `error` says why there is none                        |
+/// | 6        | HTTP 400, 401, 403 and their like: refused; `error` says why, if the service does |
 /// | 14       | the answer isn't a JSON object                                                    |
 ///
 /// The record is filled from the body of any HTTP error too, 11 and 12 included. There is no result word.

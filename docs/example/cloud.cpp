@@ -32,8 +32,8 @@ std::wstring accessToken(const Application& app, const std::wstring& refreshToke
         ZenoAPIAPPRefreshToken(app.host.c_str(), kAgent, refreshToken.c_str(), kVersion, app.id.c_str(),
                                app.secret.c_str(), true, 0, nullptr, nullptr, nullptr, nullptr, token.get());
     // The cloud gives its reasons in words, with an HTTP error or without one.
-    if (token->szError[0] != 0) std::fprintf(stderr, "token: %ls\n", token->szErrorDescription);
-    return failed("token", status) ? std::wstring() : token->szAccessToken;
+    if (token->error[0] != 0) std::fprintf(stderr, "token: %ls\n", token->error_description);
+    return failed("token", status) ? std::wstring() : token->access_token;
 }
 
 // The id of the user's first device; empty if there is none.

@@ -23,7 +23,7 @@ uint32_t ZenoAPIAPPRefreshToken(const wchar_t* server, const wchar_t* agentName,
     call.field("refresh_token", refreshToken);
     CZenoAPIAPPSigninJson reply;
     if (!AskForToken(call, reply, *token)) return call.end();
-    call.debugLine("[WFM] ZenoAPIAPPRefreshToken: AccessToken(%ls), Msg(%ls)", token->szAccessToken,
-                   token->szErrorDescription);
+    call.debugLine("[WFM] ZenoAPIAPPRefreshToken: AccessToken(%ls), Msg(%ls)", token->access_token,
+                   token->error_description);
     return call.end();
 }

@@ -20,7 +20,7 @@ uint32_t ZenoAPIAPPSignin(const wchar_t* server, const wchar_t* agentName, const
     call.field("client_secret", clientSecret);
     CZenoAPIAPPSigninJson reply;
     if (!AskForToken(call, reply, *token)) return call.end();
-    call.debugLine("[WFM] ZenoAPIAPPSignin: AccessToken(%ls), Msg(%ls)", token->szAccessToken,
-                   token->szErrorDescription);
+    call.debugLine("[WFM] ZenoAPIAPPSignin: AccessToken(%ls), Msg(%ls)", token->access_token,
+                   token->error_description);
     return call.end();
 }

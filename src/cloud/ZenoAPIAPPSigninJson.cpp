@@ -19,10 +19,10 @@ int CZenoAPIAPPSigninJson::Parser(char* text) {
 }
 
 void CZenoAPIAPPSigninJson::store(_CLOUD_TOKEN_INFORMATION& token) const {
-    CopyTextCut(token.szError, error);
-    CopyTextCut(token.szErrorDescription, errorDescription);
-    CopyTextCut(token.szAccessToken, accessToken);
-    CopyTextCut(token.szTokenType, tokenType);
-    CopyTextCut(token.szRefreshToken, refreshToken);
-    token.nExpiresIn = expiresIn;
+    CopyTextCut(token.error, error);
+    CopyTextCut(token.error_description, errorDescription);
+    CopyTextCut(token.access_token, accessToken);
+    CopyTextCut(token.token_type, tokenType);
+    CopyTextCut(token.refresh_token, refreshToken);
+    token.expires_in = expiresIn;
 }

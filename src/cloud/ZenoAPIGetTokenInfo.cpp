@@ -22,6 +22,6 @@ uint32_t ZenoAPIGetTokenInfo(const wchar_t* server, const wchar_t* agentName, co
     CZenoGetTokenInfoJson reply;
     if (!AskForToken(call, reply, *token)) return call.end();
     call.debugLine("[WFM] ZenoAPIGetTokenInfo: AccessToken(%ls), Msg(%ls)", accessToken,
-                   token->szErrorDescription);
+                   token->error_description);
     return call.end();
 }

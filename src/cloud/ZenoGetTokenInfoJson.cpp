@@ -20,10 +20,10 @@ int CZenoGetTokenInfoJson::Parser(char* text) {
 }
 
 void CZenoGetTokenInfoJson::store(_CLOUD_TOKEN_INFORMATION& token) const {
-    CopyTextCut(token.szError, error);
-    CopyTextCut(token.szErrorDescription, errorDescription);
-    CopyTextCut(token.szUserID, userID);
-    CopyTextCut(token.szDisplayName, displayName);
-    CopyTextCut(token.szEmail, email);
-    token.nExpiresIn = expiresIn;
+    CopyTextCut(token.error, error);
+    CopyTextCut(token.error_description, errorDescription);
+    CopyTextCut(token.user_id, userID);
+    CopyTextCut(token.display_name, displayName);
+    CopyTextCut(token.email, email);
+    token.expires_in = expiresIn;
 }

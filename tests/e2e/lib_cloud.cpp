@@ -11,15 +11,15 @@ constexpr int kTries = 8;
 
 Token tokenOf(std::uint32_t dwStatus, const _CLOUD_TOKEN_INFORMATION& record) {
     return {dwStatus,
-            utf8(record.szError),
-            utf8(record.szErrorDescription),
-            utf8(record.szAccessToken),
-            utf8(record.szTokenType),
-            utf8(record.szRefreshToken),
-            utf8(record.szEmail),
-            utf8(record.szDisplayName),
-            utf8(record.szUserID),
-            record.nExpiresIn};
+            utf8(record.error),
+            utf8(record.error_description),
+            utf8(record.access_token),
+            utf8(record.token_type),
+            utf8(record.refresh_token),
+            utf8(record.email),
+            utf8(record.display_name),
+            utf8(record.user_id),
+            record.expires_in};
 }
 
 CloudDevice deviceOf(const _NAS_DEVICE_INFORMATION_API_V11& record) {

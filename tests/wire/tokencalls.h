@@ -79,12 +79,12 @@ inline const char* const kNewToken =
 /// `kNewToken` and nothing else is in the record.
 inline void expectNewToken(const TokenArgs& args) {
     const _CLOUD_TOKEN_INFORMATION& record = args.record;
-    EXPECT_STREQ(record.szAccessToken, L"token-1");
-    EXPECT_STREQ(record.szTokenType, L"bearer");
-    EXPECT_STREQ(record.szRefreshToken, L"refresh-2");
-    EXPECT_EQ(record.nExpiresIn, 3600);
+    EXPECT_STREQ(record.access_token, L"token-1");
+    EXPECT_STREQ(record.token_type, L"bearer");
+    EXPECT_STREQ(record.refresh_token, L"refresh-2");
+    EXPECT_EQ(record.expires_in, 3600);
     for (const wchar_t* empty :
-         {record.szError, record.szErrorDescription, record.szEmail, record.szDisplayName, record.szUserID})
+         {record.error, record.error_description, record.email, record.display_name, record.user_id})
         EXPECT_STREQ(empty, L"");
 }
 

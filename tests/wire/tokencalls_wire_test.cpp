@@ -23,10 +23,10 @@ struct NameOf {
 };
 
 void expectRefusal(const TokenArgs& args) {
-    EXPECT_STREQ(args.record.szError, L"invalid_client");
-    EXPECT_STREQ(args.record.szErrorDescription, L"no such client");
-    EXPECT_STREQ(args.record.szAccessToken, L"");
-    EXPECT_EQ(args.record.nExpiresIn, 7);
+    EXPECT_STREQ(args.record.error, L"invalid_client");
+    EXPECT_STREQ(args.record.error_description, L"no such client");
+    EXPECT_STREQ(args.record.access_token, L"");
+    EXPECT_EQ(args.record.expires_in, 7);
 }
 
 }  // namespace
@@ -79,6 +79,6 @@ TYPED_TEST(TokenCallWire, CutsTextsToTheirFields) {
         {Reply::json(R"({"error":")" + text + R"(","error_description":")" + text + "\"}")});
     TypeParam args;
     EXPECT_EQ(args.run(), 0u);
-    EXPECT_EQ(args.record.szError, std::wstring(259, L'w'));
-    EXPECT_EQ(args.record.szErrorDescription, std::wstring(4095, L'w'));
+    EXPECT_EQ(args.record.error, std::wstring(259, L'w'));
+    EXPECT_EQ(args.record.error_description, std::wstring(4095, L'w'));
 }

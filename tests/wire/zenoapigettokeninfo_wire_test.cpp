@@ -20,12 +20,12 @@ TEST_F(ZenoAPIGetTokenInfoWire, SendsTheTokenInTheUrlAndHandsOutItsOwner) {
     EXPECT_EQ(args.run(), 0u);
     expectTokenRequest(server, "/oauth/tokeninfo?access_token=token-1");
     const _CLOUD_TOKEN_INFORMATION& record = args.record;
-    EXPECT_STREQ(record.szUserID, L"7001");
-    EXPECT_STREQ(record.szDisplayName, L"Änne");
-    EXPECT_STREQ(record.szEmail, L"aenne@example.org");
-    EXPECT_EQ(record.nExpiresIn, 120);
-    for (const wchar_t* empty : {record.szError, record.szErrorDescription, record.szAccessToken,
-                                 record.szTokenType, record.szRefreshToken})
+    EXPECT_STREQ(record.user_id, L"7001");
+    EXPECT_STREQ(record.display_name, L"Änne");
+    EXPECT_STREQ(record.email, L"aenne@example.org");
+    EXPECT_EQ(record.expires_in, 120);
+    for (const wchar_t* empty : {record.error, record.error_description, record.access_token,
+                                 record.token_type, record.refresh_token})
         EXPECT_STREQ(empty, L"");
 }
 

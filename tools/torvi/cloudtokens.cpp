@@ -19,8 +19,8 @@ QString text(const wchar_t* field) {
 
 /// Why the service refused, in its words; empty if it didn't.
 QString refusalOf(const _CLOUD_TOKEN_INFORMATION& record) {
-    const QString error = text(record.szError);
-    const QString description = text(record.szErrorDescription);
+    const QString error = text(record.error);
+    const QString description = text(record.error_description);
     if (error.isEmpty() || description.isEmpty()) return error + description;
     return QStringLiteral("%1 (%2)").arg(description, error);
 }
@@ -34,7 +34,7 @@ CloudTokens tokensOf(const QString& what, uint32_t dwStatus, const _CLOUD_TOKEN_
             .withNumbers(dwStatus, std::nullopt);
     }
     if (dwStatus != 0) throw statusFailure(what, dwStatus);
-    const CloudTokens tokens = {text(record.szAccessToken), text(record.szRefreshToken)};
+    const CloudTokens tokens = {text(record.access_token), text(record.refresh_token)};
     if (tokens.access.isEmpty())
         throw Failure(Exit::Refused, QStringLiteral("%1: the cloud gave no token").arg(what));
     return tokens;
@@ -82,10 +82,10 @@ TokenOwner tokenOwner(const Cloud& cloud, const QString& what) {
     owner.refusal = refusalOf(*record);
     if (!owner.refusal.isEmpty()) return owner;
     if (dwStatus != 0) throw statusFailure(what, dwStatus);
-    owner.userId = text(record->szUserID);
-    owner.email = text(record->szEmail);
-    owner.displayName = text(record->szDisplayName);
-    owner.expiresIn = record->nExpiresIn;
+    owner.userId = text(record->user_id);
+    owner.email = text(record->email);
+    owner.displayName = text(record->display_name);
+    owner.expiresIn = record->expires_in;
     return owner;
 }
 
