@@ -987,9 +987,7 @@ void RawServer::acceptLoop() {
 }
 
 std::string RawServer::authority() const {
-    const Options& options = m_state->options;
-    const bool isDefault = m_port == (options.certificate == Certificate::None ? 80 : 443);
-    return options.address + (isDefault ? std::string() : ":" + std::to_string(m_port));
+    return m_state->options.address + ":" + std::to_string(m_port);
 }
 
 void RawServer::enqueue(Reply reply) {

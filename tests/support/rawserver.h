@@ -191,7 +191,7 @@ public:
     RawServer& operator=(const RawServer&) = delete;
 
     std::uint16_t port() const { return m_port; }
-    /// "127.0.0.1:<port>", as in the Host header: without the port where it is the scheme's own.
+    /// "127.0.0.1:<port>", as in the Host header.
     std::string authority() const;
 
     /// Adds a step at the end of the script.

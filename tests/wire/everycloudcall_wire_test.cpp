@@ -81,7 +81,7 @@ TEST_P(EveryCloudCallWire, TellsItsSuccessAtTheDebugLevelAlone) {
 TEST_P(EveryCloudCallWire, GoesToPort443WithTls) {
     const CloudServer server({Reply::json(GetParam().goodReply)}, true);
     EXPECT_EQ(GetParam().run({cloudHost(), true}), 0u);
-    EXPECT_EQ(server.onlyRequest().header("Host"), *cloudAddress());
+    EXPECT_EQ(server.onlyRequest().header("Host"), *cloudAddress() + ":443");
 }
 
 TEST_P(EveryCloudCallWire, GoesThroughAManualProxyOnly) {
@@ -95,7 +95,7 @@ TEST_P(EveryCloudCallWire, GoesThroughAManualProxyOnly) {
     EXPECT_EQ(server.requestCount(), 2u);
     EXPECT_EQ(GetParam().run({cloudHost(), false, 2, place.c_str()}), 0u);
     EXPECT_EQ(server.requestCount(), 2u);
-    EXPECT_EQ(proxy.onlyRequest().target(), "http://" + *cloudAddress() + server.request(0).target());
+    EXPECT_EQ(proxy.onlyRequest().target(), "http://" + server.authority() + server.request(0).target());
 }
 
 TEST_P(EveryCloudCallWire, Http407Is11) {
