@@ -1319,9 +1319,8 @@ TORVIAPI_EXPORT uint32_t WFMSendShareLinkMail2(_WFM_AUTH_CONTEXT* context, const
 /// Asks for the items of a device.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param deviceUID   the device, sent as given; not null or empty
-/// @param mode        1 asks for the template besides, 3 sends 2 as "get_all"; any other number is the plain
-///                    question
-/// @param checkExist  true has the server check first that it knows the device
+/// @param mode        1 asks for the template, 3 sends 2 as "get_all"; any other number is the plain question
+/// @param checkExist  true has the server refuse where it keeps nothing of what is asked for
 /// @param reserved    null
 /// @param resultWord  not null
 /// @param list        becomes the items; what stood in it is overwritten, not freed. Not null
@@ -1353,7 +1352,7 @@ TORVIAPI_EXPORT uint32_t WFMGetDeviceConfigInfo(_WFM_AUTH_CONTEXT* context, cons
                                                 bool checkExist, void* reserved, uint32_t* resultWord,
                                                 WFM_TORVI_DEVICE_CONFIG_LIST* list);
 
-/// Sets items of a device, or of the template.
+/// Sets items of a device, and of the template if that is wanted.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param reserved    null
 /// @param user        whose device it is, sent as given; not null or empty
@@ -1390,8 +1389,8 @@ TORVIAPI_EXPORT uint32_t WFMSetDeviceConfigInfo(_WFM_AUTH_CONTEXT* context, cons
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param user        null or empty: anybody's; otherwise this user's, sent as given
 /// @param deviceUID   null or empty: on any device; otherwise on this one, sent as given
-/// @param lower       where the page begins; not above `upper`
-/// @param upper       where it ends
+/// @param lower       where the page begins; not above `upper`. Above 0x7FFFFFFF it goes out negative
+/// @param upper       where it ends, sent likewise
 /// @param reserved    null
 /// @param resultWord  not null
 /// @param list        becomes the changes; what stood in it is overwritten, not freed. Not null
@@ -1457,13 +1456,14 @@ TORVIAPI_EXPORT uint32_t WFMAuthConfigPassword(_WFM_AUTH_CONTEXT* context, const
                                                uint32_t port, const wchar_t* password, void* reserved,
                                                uint32_t* resultWord, uint32_t* authResult);
 
-/// Lists the devices of a user that have a configuration.
+/// Lists the devices of a user.
 /// @param context,server,port  the session and where; not null or empty, not 0
 /// @param user        whose; not null or empty
-/// @param lower       where the page begins, sent as given
-/// @param upper       where it ends, sent as given; the two aren't compared
+/// @param lower       where the page begins, sent as given; above 0x7FFFFFFF it goes out negative
+/// @param upper       where it ends, sent likewise; the two aren't compared
 /// @param reserved    null
-/// @param total       receives how many there are on all pages, by the server's count; not null
+/// @param total       receives how many there are on all pages, by the server's count, a negative one as
+///                    0; not null
 /// @param count       in: entries of `list`, may be 0. Out: records filled, or entries needed. Not null
 /// @param list        the caller's records; not null, also if `count` is 0
 /// @param resultWord  not null
