@@ -2363,7 +2363,7 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
 /// |----------|-----------------------------------------------------------------------------------|
 /// | 0        | an answer came: a token, or `error` says why there is none                        |
 /// | 6        | HTTP 400, 401, 403 and their like: refused; `error` says why, if the service does |
-/// | 14       | the answer isn't a JSON object                                                    |
+/// | 14       | the answer isn't a JSON object, or a value in it has a type that isn't right      |
 ///
 /// The record is filled from the body of any HTTP error too, 11 and 12 included. There is no result word.
 /// Twice: another token. Next: the calls that take an access token; in the end ZenoAPIAPPSignOut.
@@ -2415,7 +2415,8 @@ TORVIAPI_EXPORT uint32_t ZenoAPIGetTokenInfo(const wchar_t* server, const wchar_
 /// @param accessToken  not null or empty; a form field and a header
 /// @param agentName,appVersion,clientID  see above
 /// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword  see above
-/// @return `dwStatus`; 0 whatever the service's answer says, as long as it isn't an HTTP error
+/// @return `dwStatus`; 0 whatever the service's answer says, as long as it isn't an HTTP error. Never 14, as
+///         the answer isn't read
 ///
 /// Twice: up to the service. Next: nothing; forget the token.
 TORVIAPI_EXPORT uint32_t ZenoAPIAPPSignOut(const wchar_t* server, const wchar_t* accessToken,
@@ -2576,7 +2577,7 @@ TORVIAPI_EXPORT uint32_t ZenoAPIGetPublicIP(const wchar_t* server, const wchar_t
 /// | 0        | 7          | the service doesn't know the application                                      |
 /// | 0        | 8          | the checksum is refused: another secret                                       |
 /// | 0        | 1          | anything else, or an answer that says nothing; see szMessage                  |
-/// | 14       | 0          | the answer isn't a JSON object                                                |
+/// | 14       | 0          | the answer isn't a JSON object, or a value in it has a type that isn't right  |
 ///
 /// There is no result word, and HTTP errors fill nothing: test `dwStatus` first, as nReplyCode 0 alone says
 /// nothing. Twice: safe. Next: PeltAPIGetServicePorts, then WFMGetNASUserUID at one of the addresses.
@@ -2595,7 +2596,8 @@ TORVIAPI_EXPORT uint32_t PeltAPIGetVLinkInfo(const wchar_t* server, const wchar_
 /// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
 /// @param ports      not null; filled when `dwStatus` is 0
 /// @return `dwStatus`; 0 also if the service refuses, which looks like ports that aren't mapped: only the log
-///         at level 4 has the service's words
+///         at level 4 has the service's words. 14: the answer isn't a JSON object, or a value in it has a
+///         type that isn't right
 ///
 /// There is no result word. Twice: safe. Next: WFMGetNASUserUID at an address of PeltAPIGetVLinkInfo.
 TORVIAPI_EXPORT uint32_t PeltAPIGetServicePorts(const wchar_t* server, const wchar_t* deviceID,

@@ -9,20 +9,20 @@ int CZenoAPIAPPSigninJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
         error = JsonLongText(root, "error");
-        errorDescription = JsonLongText(root, "error_description");
-        accessToken = JsonLongText(root, "access_token");
-        tokenType = JsonLongText(root, "token_type");
-        refreshToken = JsonLongText(root, "refresh_token");
-        expiresIn = JsonGetInt(root, "expires_in", 0);
+        error_description = JsonLongText(root, "error_description");
+        access_token = JsonLongText(root, "access_token");
+        token_type = JsonLongText(root, "token_type");
+        refresh_token = JsonLongText(root, "refresh_token");
+        expires_in = JsonGetInt(root, "expires_in", 0);
         return 1;
     });
 }
 
 void CZenoAPIAPPSigninJson::store(_CLOUD_TOKEN_INFORMATION& token) const {
     CopyTextCut(token.error, error);
-    CopyTextCut(token.error_description, errorDescription);
-    CopyTextCut(token.access_token, accessToken);
-    CopyTextCut(token.token_type, tokenType);
-    CopyTextCut(token.refresh_token, refreshToken);
-    token.expires_in = expiresIn;
+    CopyTextCut(token.error_description, error_description);
+    CopyTextCut(token.access_token, access_token);
+    CopyTextCut(token.token_type, token_type);
+    CopyTextCut(token.refresh_token, refresh_token);
+    token.expires_in = expires_in;
 }

@@ -11,9 +11,9 @@ public:
     void store(_CLOUD_TOKEN_INFORMATION& token) const;
 
     std::wstring error;
-    std::wstring errorDescription;
-    std::wstring accessToken;
-    std::wstring tokenType;
-    std::wstring refreshToken;
-    int expiresIn = 0;  ///< seconds
+    std::wstring error_description;
+    std::wstring access_token;
+    std::wstring token_type;
+    std::wstring refresh_token;
+    int expires_in = 0;  ///< seconds
 };

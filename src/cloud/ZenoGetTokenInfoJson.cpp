@@ -9,21 +9,21 @@ int CZenoGetTokenInfoJson::Parser(char* text) {
     return ParseReply(text, [this](const Json::Value& root) {
         if (!root.isObject()) return -1;
         error = JsonLongText(root, "error");
-        errorDescription = JsonLongText(root, "error_description");
-        userID = JsonLongText(root, "user_id");
+        error_description = JsonLongText(root, "error_description");
+        user_id = JsonLongText(root, "user_id");
         const Json::Value& user = root["user"];
-        displayName = JsonLongText(user, "display_name");
+        display_name = JsonLongText(user, "display_name");
         email = JsonLongText(user, "email");
-        expiresIn = JsonGetInt(root, "expires_in", 0);
+        expires_in = JsonGetInt(root, "expires_in", 0);
         return 1;
     });
 }
 
 void CZenoGetTokenInfoJson::store(_CLOUD_TOKEN_INFORMATION& token) const {
     CopyTextCut(token.error, error);
-    CopyTextCut(token.error_description, errorDescription);
-    CopyTextCut(token.user_id, userID);
-    CopyTextCut(token.display_name, displayName);
+    CopyTextCut(token.error_description, error_description);
+    CopyTextCut(token.user_id, user_id);
+    CopyTextCut(token.display_name, display_name);
     CopyTextCut(token.email, email);
-    token.expires_in = expiresIn;
+    token.expires_in = expires_in;
 }

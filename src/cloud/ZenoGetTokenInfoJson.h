@@ -11,9 +11,9 @@ public:
     void store(_CLOUD_TOKEN_INFORMATION& token) const;
 
     std::wstring error;
-    std::wstring errorDescription;
-    std::wstring userID;
-    std::wstring displayName;
+    std::wstring error_description;
+    std::wstring user_id;
+    std::wstring display_name;
     std::wstring email;
-    int expiresIn = 0;  ///< seconds
+    int expires_in = 0;  ///< seconds
 };
