@@ -165,6 +165,26 @@ TEST_F(CloudLink, ManyDigestsAreReadAsTheClientWritesThem) {
     }
 }
 
+/// A secret within Latin-1, one beyond it and one beyond a single UTF-16 unit.
+class CloudSecret : public TorviCloudTest, public testing::WithParamInterface<const char*> {
+protected:
+    CloudSecret() : TorviCloudTest({"--app", std::string("phone-app:") + GetParam()}) {}
+};
+
+TEST_P(CloudSecret, IsReadAsLatin1) {
+    const long long time = now();
+    const QByteArray bytes =
+        (QString::fromUtf8(GetParam()) + "phone-app" + QString::number(time) + "1.2").toLatin1();
+    const QByteArray check = QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
+    NasRequest request =
+        withCheck("/v1/users/deviceId/ben", time, QString(check.constData()).toUtf8().toStdString());
+    const Json::Value answer = run(request.set("X-VEXA-APP-ID", "phone-app")).json()["return"];
+    EXPECT_EQ("The device is not found.", answer["StatusCode"]["message"].asString());
+}
+
+INSTANTIATE_TEST_SUITE_P(, CloudSecret,
+                         testing::Values("schl\u00fcssel", "\u00ff\u20ac key", "key \U0001f511"));
+
 class CloudClock : public TorviCloudTest {
 protected:
     CloudClock() : TorviCloudTest({"--clock-offset", "3600"}) {}
