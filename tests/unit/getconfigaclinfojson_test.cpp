@@ -38,6 +38,10 @@ TEST(CGetConfigACLInfoJson, BeginsWithNothingAllowed) {
     EXPECT_EQ(reply.GetStatus(), -1);
     EXPECT_EQ(reply.total, 0);
     EXPECT_EQ(numbersOf(reply.rights), kNone);
+    CGetConfigACLInfoJson parsed;
+    EXPECT_EQ(parse(parsed, "{}"), 1);
+    EXPECT_EQ(parsed.total, 0);
+    EXPECT_EQ(numbersOf(parsed.rights), kNone);
 }
 
 TEST(CGetConfigACLInfoJson, EachRightHasItsSectionAndKey) {

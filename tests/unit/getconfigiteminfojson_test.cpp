@@ -92,6 +92,9 @@ TEST(CGetConfigItemInfoJson, BrokenUtf8IsReplacedAndInANameMatchesNothing) {
 TEST(CGetConfigItemInfoJson, ADeviceMayHaveNoItems) {
     for (const char* text : {"{}", R"({"config":null})", R"({"config":[]})", R"({"total":-5,"config":[]})"})
         EXPECT_EQ(itemsOf(text), Items{}) << text;
+    CGetConfigItemInfoJson reply;
+    EXPECT_EQ(parse(reply, "{}"), 1);
+    EXPECT_EQ(reply.total, 0);
 }
 
 TEST(CGetConfigItemInfoJson, RefusesWhatCannotBeRead) {

@@ -71,6 +71,9 @@ TEST(CGetConfigNotifyItemInfoJson, WithoutANumberTheReplyIsNotUnderstood) {
     }
     CGetConfigNotifyItemInfoJson reply;
     EXPECT_EQ(parse(reply, listOf("{}")), -1);
+    // Not even that of an event which is dropped.
+    reply.SetFilter(L"ann", {});
+    EXPECT_EQ(parse(reply, listOf(event("x", "bob", "d-1"))), -1);
 }
 
 TEST(CGetConfigNotifyItemInfoJson, EventsOfOthersAreLoggedAndDropped) {
@@ -125,6 +128,9 @@ TEST(CGetConfigNotifyItemInfoJson, ThereMayBeNoEvents) {
     for (const char* text :
          {"{}", R"({"event":null})", R"({"event":[]})", R"({"count":-1,"event":[null,5,[],"x"]})"})
         EXPECT_EQ(idsOf(text), Ids{}) << text;
+    CGetConfigNotifyItemInfoJson reply;
+    EXPECT_EQ(parse(reply, "{}"), 1);
+    EXPECT_EQ(reply.count, 0);
 }
 
 TEST(CGetConfigNotifyItemInfoJson, RefusesWhatCannotBeRead) {
