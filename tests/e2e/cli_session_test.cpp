@@ -51,6 +51,19 @@ TEST_F(CliSession, AServerThatIsNotThereIsItsOwnExitCode) {
     EXPECT_THAT(result.err, HasSubstr("WFM_PARSE_XML_HTTPTRAN_CONNECT_FAIL"));
 }
 
+TEST_F(CliSession, APortMayStandBehindTheServersName) {
+    const auto stat = [this](const std::string& address) {
+        return cli.runBare({"stat", "/home", "-s", address, "--port", "1", "--user", "anna"});
+    };
+    EXPECT_EQ(stat("127.0.0.1:" + std::to_string(nas.port())).exitCode, 0);
+    EXPECT_EQ(stat("127.0.0.1").exitCode, 3);
+    for (const char* wrong : {"127.0.0.1:0", "127.0.0.1:65536", "127.0.0.1:http", "::1"}) {
+        const ProcessResult result = stat(wrong);
+        EXPECT_EQ(result.exitCode, 2) << wrong;
+        EXPECT_THAT(result.err, HasSubstr("is not HOST or HOST:PORT")) << wrong;
+    }
+}
+
 TEST_F(CliSession, TheProfileServesLaterCommands) {
     ASSERT_EQ(cli.run({"login"}).exitCode, 0);
     const ProcessResult result = cli.runBare({"stat", "/home"});

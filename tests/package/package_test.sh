@@ -52,9 +52,20 @@ case $check in
         [ -x "$nas" ] || { echo "torvi-nas isn't built"; exit 0; }
         mkdir -p "$work/nas/Public" "$work/example"
         touch "$work/nas/Public/first file" "$work/nas/Public/second"
+        trap 'kill $(jobs -p) 2>/dev/null || true' EXIT
+        # The cloud's clients know its ports and no others. Where they can't be had, the NAS is listed nowhere.
+        place=127.$((128 + RANDOM % 100)).$((RANDOM % 256)).$((1 + RANDOM % 254))
+        listed=()
+        "$BUILD_DIR/bin/torvi-cloud" --address "$place" --port 80 --tls-port 443 --app desk-app:desk-secret \
+            --user ann:ann-refresh >"$work/cloud-ready" 2>"$work/cloud.log" &
+        until grep -q '^torvi-cloud ready' "$work/cloud-ready"; do
+            kill -0 $! 2>/dev/null || break
+            sleep 0.1
+        done
+        ! grep -q '^torvi-cloud ready' "$work/cloud-ready" ||
+            listed=(--cloud "http://$place" --cloud-user ann --device-name Cellar)
         "$nas" --root "$work/nas" --port 0 --user ann:secret --user bob:hidden --description "bob:Bob of sales" \
-            --team ann:/home/Plans:bob >"$work/ready" 2>"$work/nas.log" &
-        trap 'kill $!' EXIT
+            --team ann:/home/Plans:bob "${listed[@]}" >"$work/ready" 2>"$work/nas.log" &
         # They are as they stand in the documentation, but for the port: the server takes one that is free.
         cp "$here"/../../docs/example/* "$work/example"
         CXXFLAGS="$CXXFLAGS -Wall -Wextra -Werror" build_against "$PREFIX" "$work/example"
@@ -68,11 +79,18 @@ case $check in
         says() {
             local program=$1
             shift
-            "$work/cmake/$program" >"$work/said"
+            # shellcheck disable=SC2086  # a program with arguments
+            "$work/cmake/"$program >"$work/said"
             printf '%s\n' "$@" | sort | diff - <(sort "$work/said") || fail "$program says: $(cat "$work/said")"
         }
         says example 'dwStatus 0, result word 0' 'first file' second
         says sharing 'user ann (-)' 'user bob (Bob of sales)' 'team folder Plans for bob' 'share /home/Plans/'
+        if [ ${#listed[@]} -gt 0 ]; then
+            printf 'desk-secret\nann-refresh\n' |
+                says "cloud $place desk-app" 'device Cellar' "logged in to torvi-nas at 127.0.0.1:$port"
+        else
+            echo "the cloud is left out: $(cat "$work/cloud.log")"
+        fi
         ;;
     PkgConfigBuildsAProgramThatRuns) with_pkg_config "$PREFIX" ;;
     MovedPrefixStillServesBoth)
