@@ -86,8 +86,8 @@ void Accounts::requireApp(const std::string& app, const std::string& secret) con
     }
 }
 
-TokenPair Accounts::issue(const Grant& grant, const std::string& refresh, const Lifetimes& lifetimes,
-                          int64_t now) {
+TokenPair Accounts::give(const Grant& grant, const std::string& refresh, const Lifetimes& lifetimes,
+                         int64_t now) {
     dropEnded(access_, now);
     dropEnded(refresh_, now);
     TokenPair pair{nas::randomHex(kTokenBytes), refresh, lifetimes.access};
@@ -100,7 +100,7 @@ TokenPair Accounts::issue(const Grant& grant, const std::string& refresh, const 
 }
 
 TokenPair Accounts::signIn(const std::string& app, const Lifetimes& lifetimes, int64_t now) {
-    return issue({app, "", "", 0}, "", lifetimes, now);
+    return give({app, "", "", 0}, "", lifetimes, now);
 }
 
 TokenPair Accounts::refresh(const std::string& app, const std::string& token, const Lifetimes& lifetimes,
@@ -121,7 +121,7 @@ TokenPair Accounts::refresh(const std::string& app, const std::string& token, co
     if (lifetimes.rotate) {
         refresh_.erase(it);
     }
-    return issue(grant, lifetimes.rotate ? "" : token, lifetimes, now);
+    return give(grant, lifetimes.rotate ? "" : token, lifetimes, now);
 }
 
 std::string Accounts::grant(const std::string& user, const Lifetimes& lifetimes, int64_t now) {

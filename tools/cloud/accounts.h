@@ -74,7 +74,7 @@ public:
     void load(const nlohmann::json& json);
 
 private:
-    TokenPair issue(const Grant& grant, const std::string& refresh, const Lifetimes& lifetimes, int64_t now);
+    TokenPair give(const Grant& grant, const std::string& refresh, const Lifetimes& lifetimes, int64_t now);
 
     std::map<std::string, std::string> apps_;
     std::map<std::string, User> users_;
