@@ -11,7 +11,9 @@ int CPeltGetServicePortJson::Parser(char* text) {
         const CloudReturn said = ReadCloudReturn(root);
         m_status = said.status();
         m_message = said.message;
-        for (const Json::Value& entry : said.answer["portMapping"]) {
+        const Json::Value& mapping = said.answer["portMapping"];
+        if (!mapping.isNull() && !mapping.isArray()) return -1;
+        for (const Json::Value& entry : mapping) {
             if (!JsonTextIs(entry, "serviceName", "WebAdministration") || !JsonTextIs(entry, "proto", "TCP"))
                 continue;
             const bool isSecured = JsonTextIs(entry, "subServiceName", "Secured");

@@ -86,5 +86,6 @@ TEST(CPeltGetServicePortJson, AMappingOutsideOfReturnDoesNotCount) {
 TEST(CPeltGetServicePortJson, RefusesWhatCannotBeRead) {
     expectRefusesAllButObjects<CPeltGetServicePortJson>(
         {R"({"return":"no"})", R"({"return":{"StatusCode":[]}})", R"({"return":{"portMapping":["x"]}})",
+         R"({"return":{"portMapping":"none"}})", R"({"return":{"portMapping":{}}})",
          R"({"return":{"portMapping":[)" + entry(R"("internalPort":99999999999)") + "]}}"});
 }
