@@ -13,8 +13,8 @@ std::vector<CloudRow> cloudAccountRows() {
                     [](const CloudTarget& at) {
                         _CLOUD_TOKEN_INFORMATION token;
                         return ZenoAPIAPPSignin(at.server, L"agent", L"1.2.3", L"desk-app", L"secret",
-                                                at.secure, at.proxyMode, at.proxyHost, nullptr, nullptr,
-                                                nullptr, &token);
+                                                at.secure, at.proxyMode, at.proxyHost, at.proxyUser,
+                                                at.proxyPassword, nullptr, &token);
                     },
                     kToken};
     signin.goodLine = "[WFM] ZenoAPIAPPSignin: AccessToken(token-1), Msg(fine)";
@@ -24,9 +24,9 @@ std::vector<CloudRow> cloudAccountRows() {
     CloudRow refresh{"ZenoAPIAPPRefreshToken",
                      [](const CloudTarget& at) {
                          _CLOUD_TOKEN_INFORMATION token;
-                         return ZenoAPIAPPRefreshToken(at.server, L"agent", L"refresh-1", L"1.2.3",
-                                                       L"desk-app", L"secret", at.secure, at.proxyMode,
-                                                       at.proxyHost, nullptr, nullptr, nullptr, &token);
+                         return ZenoAPIAPPRefreshToken(
+                             at.server, L"agent", L"refresh-1", L"1.2.3", L"desk-app", L"secret", at.secure,
+                             at.proxyMode, at.proxyHost, at.proxyUser, at.proxyPassword, nullptr, &token);
                      },
                      kToken};
     refresh.goodLine = "[WFM] ZenoAPIAPPRefreshToken: AccessToken(token-1), Msg(fine)";
@@ -36,8 +36,8 @@ std::vector<CloudRow> cloudAccountRows() {
                        [](const CloudTarget& at) {
                            _CLOUD_TOKEN_INFORMATION token;
                            return ZenoAPIGetTokenInfo(at.server, L"agent", L"token-1", L"1.2.3", L"desk-app",
-                                                      nullptr, at.secure, at.proxyMode, at.proxyHost, nullptr,
-                                                      nullptr, nullptr, &token);
+                                                      nullptr, at.secure, at.proxyMode, at.proxyHost,
+                                                      at.proxyUser, at.proxyPassword, nullptr, &token);
                        },
                        R"({"user_id":"7","user":{"email":"a@b.example"},"error_description":"fine"})"};
     tokenInfo.goodLine = "[WFM] ZenoAPIGetTokenInfo: AccessToken(token-1), Msg(fine)";
@@ -49,7 +49,8 @@ std::vector<CloudRow> cloudAccountRows() {
     CloudRow signOut{"ZenoAPIAPPSignOut",
                      [](const CloudTarget& at) {
                          return ZenoAPIAPPSignOut(at.server, L"token-1", L"agent", L"1.2.3", L"desk-app",
-                                                  at.secure, at.proxyMode, at.proxyHost, nullptr, nullptr);
+                                                  at.secure, at.proxyMode, at.proxyHost, at.proxyUser,
+                                                  at.proxyPassword);
                      },
                      "{}"};
     signOut.goodLine = "[WFM] ZenoAPIAPPSignOut: AccessToken(token-1)";
@@ -61,8 +62,8 @@ std::vector<CloudRow> cloudAccountRows() {
                   [](const CloudTarget& at) {
                       _CLOUD_VLINK_INFORMATION link;
                       return PeltAPIGetVLinkInfo(at.server, L"attic", L"agent", L"1.2.3", L"desk-app",
-                                                 L"secret", at.secure, at.proxyMode, at.proxyHost, nullptr,
-                                                 nullptr, nullptr, &link);
+                                                 L"secret", at.secure, at.proxyMode, at.proxyHost,
+                                                 at.proxyUser, at.proxyPassword, nullptr, &link);
                   },
                   R"({"return":{"StatusCode":{"code":"200","message":"Access successfully."},"vlinkId":"L-1",
             "lanIp":"10.0.0.2,10.0.0.3","lanGW":"10.0.0.1","wanIp":"192.0.2.7","actTime":"noon"}})"};
@@ -79,7 +80,7 @@ std::vector<CloudRow> cloudAccountRows() {
                        _CLOUD_SERVICE_PORTS ports;
                        return PeltAPIGetServicePorts(at.server, L"attic", L"agent", L"1.2.3", L"desk-app",
                                                      L"secret", at.secure, at.proxyMode, at.proxyHost,
-                                                     nullptr, nullptr, nullptr, &ports);
+                                                     at.proxyUser, at.proxyPassword, nullptr, &ports);
                    },
                    R"({"return":{"StatusCode":{"code":"200","message":"Access successfully."},"portMapping":[
             {"serviceName":"WebAdministration","proto":"TCP","internalPort":8080,"externalPort":18080},

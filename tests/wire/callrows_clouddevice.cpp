@@ -5,14 +5,15 @@ namespace {
 uint32_t deviceID(const CloudTarget& to) {
     _CLOUD_DEVICE_ID_INFORMATION device;
     return ZenoAPIGetDeviceID(to.server, L"Desk/7", L"1.2.3", L"desk-app", L"user-7", L"secret", to.secure,
-                              to.proxyMode, to.proxyHost, nullptr, nullptr, nullptr, &device);
+                              to.proxyMode, to.proxyHost, to.proxyUser, to.proxyPassword, nullptr, &device);
 }
 
 uint32_t deviceCount(const CloudTarget& to) {
     uint32_t result = 0;
     int32_t count = 0;
     return ZenoAPIGetAllDeviceCount(to.server, L"Desk/7", L"1.2.3", L"desk-app", L"token-1", to.secure,
-                                    to.proxyMode, to.proxyHost, nullptr, nullptr, nullptr, &result, &count);
+                                    to.proxyMode, to.proxyHost, to.proxyUser, to.proxyPassword, nullptr,
+                                    &result, &count);
 }
 
 uint32_t allDevices(const CloudTarget& to) {
@@ -20,8 +21,8 @@ uint32_t allDevices(const CloudTarget& to) {
     int32_t count = 0;
     _NAS_DEVICE_INFORMATION_API_V11** devices = nullptr;
     const uint32_t status = ZenoAPIGetAllDeviceInfo(to.server, L"Desk/7", L"1.2.3", L"desk-app", L"token-1",
-                                                    to.secure, to.proxyMode, to.proxyHost, nullptr, nullptr,
-                                                    nullptr, &result, &count, &devices);
+                                                    to.secure, to.proxyMode, to.proxyHost, to.proxyUser,
+                                                    to.proxyPassword, nullptr, &result, &count, &devices);
     ZenoFreeDeviceInfo(count, &devices);
     return status;
 }
@@ -32,16 +33,16 @@ uint32_t devicesByName(const CloudTarget& to) {
     _NAS_DEVICE_INFORMATION_API_V11** devices = nullptr;
     const uint32_t status = ZenoAPIGetDeviceInfoByName(
         to.server, L"Desk/7", L"1.2.3", L"desk-app", L"token-1", L"attic", to.secure, to.proxyMode,
-        to.proxyHost, nullptr, nullptr, nullptr, &result, &count, &devices);
+        to.proxyHost, to.proxyUser, to.proxyPassword, nullptr, &result, &count, &devices);
     ZenoFreeDeviceInfo(count, &devices);
     return status;
 }
 
 uint32_t cloudLink(const CloudTarget& to) {
     _CLOUD_LINK_INFORMATION link{};
-    const uint32_t status =
-        ZenoAPIGetCloudLinkSetting(to.server, L"Desk/7", L"1.2.3", L"desk-app", L"token-1", L"d-1", to.secure,
-                                   to.proxyMode, to.proxyHost, nullptr, nullptr, nullptr, &link);
+    const uint32_t status = ZenoAPIGetCloudLinkSetting(
+        to.server, L"Desk/7", L"1.2.3", L"desk-app", L"token-1", L"d-1", to.secure, to.proxyMode,
+        to.proxyHost, to.proxyUser, to.proxyPassword, nullptr, &link);
     ZenoFreeCloudInfo(&link);
     return status;
 }
@@ -49,7 +50,7 @@ uint32_t cloudLink(const CloudTarget& to) {
 uint32_t publicIP(const CloudTarget& to) {
     wchar_t address[260];
     return ZenoAPIGetPublicIP(to.server, L"Desk/7", L"1.2.3", L"desk-app", L"token-1", to.secure,
-                              to.proxyMode, to.proxyHost, nullptr, nullptr, nullptr, address);
+                              to.proxyMode, to.proxyHost, to.proxyUser, to.proxyPassword, nullptr, address);
 }
 
 const char* const kDevices = R"({"code":0,"result":[{"device_id":"d-1","local_users":[{"user_name":"a"}]}]})";

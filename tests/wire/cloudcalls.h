@@ -14,6 +14,8 @@ struct CloudTarget {
     bool secure = false;
     uint32_t proxyMode = 0;
     const wchar_t* proxyHost = nullptr;
+    const wchar_t* proxyUser = nullptr;
+    const wchar_t* proxyPassword = nullptr;
 };
 
 /// Every call on the cloud, as a row: how it is called, and how it words its failures. A row here gives a

@@ -1,11 +1,14 @@
 // The road that all calls on the cloud share, driven through every call of the table: what each fault of the
 // network and each kind of bad reply does to `dwStatus` and the log.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "cloudcalls.h"
 #include "support/cloudplace.h"
 #include "support/logcapture.h"
+#include "support/proxy.h"
+#include "support/systemproxy.h"
 #include "support/timers.h"
 #include "support/wire.h"
 
@@ -96,6 +99,39 @@ TEST_P(EveryCloudCallWire, GoesThroughAManualProxyOnly) {
     EXPECT_EQ(GetParam().run({cloudHost(), false, 2, place.c_str()}), 0u);
     EXPECT_EQ(server.requestCount(), 2u);
     EXPECT_EQ(proxy.onlyRequest().target(), "http://" + server.authority() + server.request(0).target());
+}
+
+TEST_P(EveryCloudCallWire, TakesNoProxyHostForAnEmptyOne) {
+    const CloudServer server({Reply::json(GetParam().goodReply)});
+    LogCapture log;
+    const uint32_t ofEmpty = GetParam().run({cloudHost(), false, 2, L""});
+    const auto lines = log.texts();
+    EXPECT_NE(ofEmpty, 0u);
+    log.clear();
+    EXPECT_EQ(GetParam().run({cloudHost(), false, 2, nullptr}), ofEmpty);
+    EXPECT_EQ(log.texts(), lines);
+    EXPECT_EQ(server.requestCount(), 0u);
+}
+
+TEST_P(EveryCloudCallWire, TellsTheProxyUserAndPassword) {
+    if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
+    const CloudServer server({Reply::json(GetParam().goodReply)});
+    const TinyProxy proxy("pu", "pp");
+    const std::wstring place = proxy.hostAndPort();
+    EXPECT_EQ(GetParam().run({cloudHost(), false, 2, place.c_str(), L"pu", L"pp"}), 0u);
+    EXPECT_EQ(server.onlyRequest().headerCount("Proxy-Authorization"), 0u);
+    EXPECT_TRUE(proxy.waitForLog(server.onlyRequest().path()));
+}
+
+// For another host, as Qt takes no application proxy for this machine's own addresses.
+TEST_P(EveryCloudCallWire, GoesThroughTheApplicationsProxyInTheOtherModes) {
+    for (const uint32_t mode : {0u, 1u}) {
+        SCOPED_TRACE(mode);
+        const RawServer proxy({Reply::json(GetParam().goodReply)});
+        const SystemProxy system(proxy.port());
+        EXPECT_EQ(GetParam().run({L"cloud.invalid", false, mode, L"127.0.0.1:1"}), 0u);
+        EXPECT_THAT(proxy.onlyRequest().target(), testing::StartsWith("http://cloud.invalid:80/"));
+    }
 }
 
 TEST_P(EveryCloudCallWire, Http407Is11) {

@@ -28,6 +28,7 @@ private:
 
 struct SigninArgs : TokenArgs {
     static constexpr const char* kName = "ZenoAPIAPPSignin";
+    static constexpr const char* kNotUnderstood = "[WFM] ZenoAPIAPPSignin WFM_PARSE_XML_FAIL";
     uint32_t run() {
         return ZenoAPIAPPSignin(server, agent, appVersion, clientID, secret, secure, 0, nullptr, nullptr,
                                 nullptr, nullptr, out);
@@ -36,6 +37,7 @@ struct SigninArgs : TokenArgs {
 
 struct RefreshArgs : TokenArgs {
     static constexpr const char* kName = "ZenoAPIAPPRefreshToken";
+    static constexpr const char* kNotUnderstood = "[WFM] ZenoAPIAPPRefreshToken: WFM_PARSE_XML_FAIL";
     uint32_t run() {
         return ZenoAPIAPPRefreshToken(server, agent, refreshToken, appVersion, clientID, secret, secure, 0,
                                       nullptr, nullptr, nullptr, nullptr, out);
@@ -44,6 +46,7 @@ struct RefreshArgs : TokenArgs {
 
 struct TokenInfoArgs : TokenArgs {
     static constexpr const char* kName = "ZenoAPIGetTokenInfo";
+    static constexpr const char* kNotUnderstood = "[WFM] ZenoAPIGetTokenInfo FAIL(httpStatusCode=200)";
     uint32_t run() {
         return ZenoAPIGetTokenInfo(server, agent, token, appVersion, clientID, tokenInfo, secure, 0, nullptr,
                                    nullptr, nullptr, nullptr, out);

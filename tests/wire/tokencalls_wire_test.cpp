@@ -1,5 +1,6 @@
 // What the calls with a token record share: ZenoAPIAPPSignin, ZenoAPIAPPRefreshToken and ZenoAPIGetTokenInfo.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/logcapture.h"
@@ -56,13 +57,25 @@ TYPED_TEST(TokenCallWire, ARefusalAsAnHttpErrorFillsTheRecordAndKeepsTheStatus) 
 
 TYPED_TEST(TokenCallWire, WhatIsNotUnderstoodLeavesTheRecordEmpty) {
     const std::string broken = R"({"error":"half","expires_in":99999999999})";
-    for (const Reply& reply :
-         {Reply::json(broken), Reply::status(400, broken), Reply::status(400, "<html>sorry</html>"),
-          Reply::status(401), Reply::json(kRefusal).contentLength(5000), Reply::closeBeforeReply()}) {
+    for (const auto& [reply, dwStatus] : {std::pair(Reply::json(broken), 14u),
+                                          {Reply::status(400, broken), 6u},
+                                          {Reply::status(407, broken), 11u},
+                                          {Reply::status(503, broken), 12u},
+                                          {Reply::status(400, "<html>sorry</html>"), 6u},
+                                          {Reply::status(401), 6u},
+                                          {Reply::json(kRefusal).contentLength(5000), 2u},
+                                          {Reply::closeBeforeReply(), 2u}}) {
         const CloudServer server({reply});
         TypeParam args;
-        EXPECT_NE(args.run(), 0u);
+        LogCapture log;
+        EXPECT_EQ(args.run(), dwStatus);
         EXPECT_TRUE(args.isEmpty());
+        const std::string reason = log.texts().at(0);
+        if (dwStatus == 14) {
+            EXPECT_EQ(reason, TypeParam::kNotUnderstood);
+        } else {
+            EXPECT_THAT(reason, testing::Not(testing::HasSubstr("WFM_PARSE_XML_FAIL")));
+        }
     }
 }
 
