@@ -381,7 +381,7 @@ struct _CLOUD_TOKEN_INFORMATION {
 /// The device that a user's id stands for, filled by ZenoAPIGetDeviceID. Texts are terminated; one that is
 /// longer than its field is cut.
 struct _CLOUD_DEVICE_ID_INFORMATION {
-    int32_t nResponseCode;  ///< see ZenoAPIGetDeviceID; 0: szDeviceID is filled
+    int32_t nResponseCode;  ///< see ZenoAPIGetDeviceID; means nothing unless the call returned 0
     wchar_t szDeviceID[260];
     wchar_t szMessage[260];  ///< the service's own words
 };
@@ -452,8 +452,8 @@ struct _NAS_DEVICE_PERMISSIONS {
 
 /// One device of a user, from ZenoAPIGetAllDeviceInfo and ZenoAPIGetDeviceInfoByName; freed by
 /// ZenoFreeDeviceInfo, with the lists in it. What the cloud doesn't tell is empty, 0 or false. All texts are
-/// terminated; one that is longer than its field is cut. **szToken and szAccessCode are the device's
-/// credentials**: the library passes them on and doesn't use them.
+/// terminated; one that is longer than its field is cut, one of 2048 characters or more is empty. **szToken
+/// and szAccessCode are the device's credentials**: the library passes them on and doesn't use them.
 struct _NAS_DEVICE_INFORMATION_API_V11 {
     wchar_t szDeviceID[260];
     wchar_t szToken[260];
@@ -473,17 +473,20 @@ struct _NAS_DEVICE_INFORMATION_API_V11 {
 };
 
 /// Where a device's web server can be reached over HTTP, filled by ZenoAPIGetCloudLinkSetting and freed by
-/// ZenoFreeCloudInfo. Entries are "address:port", or the address alone where the cloud tells no port; none
-/// stands twice in a list, whatever its case.
+/// ZenoFreeCloudInfo. Entries are "address:port", or the address alone where the cloud tells no port or no
+/// protocol; none stands twice in a list, whatever its case. An IPv6 address has no brackets, with a port
+/// neither: the port stands behind the last colon, and a server argument wants the brackets.
 struct _CLOUD_LINK_INFORMATION {
-    int32_t nResultCode;  ///< 0, or why there are no lists: the result words of ZenoAPIGetAllDeviceInfo
+    /// 0, or why there are no lists: the result words of ZenoAPIGetAllDeviceInfo. Means nothing unless the
+    /// call returned 0.
+    int32_t nResultCode;
     int32_t nWanIPCount;
     wchar_t** lppWanIPs;  ///< from the internet; null if there are none
     int32_t nLanIPCount;
     wchar_t** lppLanIPs;  ///< in the device's own network; null if there are none
     int32_t nDdnsCount;
     wchar_t** lppDdns;           ///< dynamic DNS names; null if there are none
-    wchar_t szCloudLinkID[260];  ///< terminated; empty if there is none, cut at 259
+    wchar_t szCloudLinkID[260];  ///< terminated; cut at 259; empty if there is none or one of 2048 characters
 };
 
 /// How a device is reached through the remote-access service, filled by PeltAPIGetVLinkInfo. Texts are
@@ -2343,7 +2346,9 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
 /// - Over plain HTTP tokens and secrets go in clear. Use `secure`, and know that the certificate isn't
 ///   verified.
 /// - **A log at level 4 (Debug) has the access tokens** of sign-in, refresh, token info and sign-out in it,
-///   and the addresses of devices.
+///   the ids and addresses of devices, and this machine's own address.
+/// - `dwStatus` 14 is also the answer to a value of a type that isn't right: one in one device of a list
+///   costs the whole list.
 ///
 /// The checksum. ZenoAPIGetDeviceID and the two Pelt calls prove the application by a checksum of its secret
 /// and the time: the secret stays at home. The header has the checksum in raw bytes, mangled in a way that
@@ -2442,8 +2447,8 @@ TORVIAPI_EXPORT uint32_t ZenoAPIAPPSignOut(const wchar_t* server, const wchar_t*
 /// | 0        | 8             | the checksum is refused: another secret                |
 /// | 0        | 1             | anything else; szMessage has the service's words       |
 ///
-/// There is no result word, and HTTP errors, 404 included, fill nothing. Twice: safe. Next:
-/// PeltAPIGetVLinkInfo.
+/// There is no result word, and HTTP errors, 404 included, fill nothing: test `dwStatus` first, as
+/// nResponseCode 0 alone says nothing. Twice: safe. Next: PeltAPIGetVLinkInfo.
 TORVIAPI_EXPORT uint32_t ZenoAPIGetDeviceID(const wchar_t* server, const wchar_t* agentName,
                                             const wchar_t* appVersion, const wchar_t* clientID,
                                             const wchar_t* userID, const wchar_t* appSecret, bool secure,

@@ -43,7 +43,8 @@ void ReadResource(CZenoGetCloudLinkInfoJson& reply, const Json::Value& resource)
     _CLOUD_LINK_JSON_ADDRESSES* const addresses = AddressesOf(reply, protocol);
     const std::wstring type = JsonText(resource, "type");
     if (type == L"cloud_link") {
-        reply.cloudLinkID = JsonText(resource, "cloud_link_id");
+        const std::wstring id = JsonText(resource, "cloud_link_id");
+        if (!id.empty()) reply.cloudLinkID = id;
         return;
     }
     const List list = ListOf(type);

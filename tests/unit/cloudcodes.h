@@ -28,6 +28,10 @@ void expectReadsCodes() {
                 {R"("code":1070000)", 1070000, 1},
                 {R"("code":1070002)", 1070002, 1},
                 {R"("code":2147483647)", 2147483647, 1},
+                // A text is its number as far as it has one.
+                {R"("code":"none")", 0, 0},
+                {R"("code":"")", 0, 0},
+                {R"("code":true)", 1, 1},
                 {R"("code":null)", -1, 1},
                 {R"("code":[])", -1, 1},
                 {R"("code":{})", -1, 1},

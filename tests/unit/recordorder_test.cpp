@@ -50,16 +50,33 @@ TEST(RecordOrder, OfTheCloud) {
     expectInOrder({offsetof(Device, szDeviceID), offsetof(Device, szToken), offsetof(Device, szDeviceName),
                    offsetof(Device, szAccessCode), offsetof(Device, szAccessControlMode),
                    offsetof(Device, szUserID), offsetof(Device, szDescription),
-                   offsetof(Device, szDomainName), offsetof(Device, info), offsetof(Device, lppServices),
-                   offsetof(Device, lppUsers), offsetof(Device, modelInfo), offsetof(Device, permissions)});
+                   offsetof(Device, szDomainName), offsetof(Device, info), offsetof(Device, nServiceCount),
+                   offsetof(Device, lppServices), offsetof(Device, nUserCount), offsetof(Device, lppUsers),
+                   offsetof(Device, modelInfo), offsetof(Device, permissions)});
     using Info = _NAS_DEVICE_UPDATE_INFO;
     expectInOrder({offsetof(Info, szDeviceType), offsetof(Info, szModelName), offsetof(Info, szFwModelName),
                    offsetof(Info, szHwSerialNumber), offsetof(Info, szFwSerialNumber),
                    offsetof(Info, szMacAddress), offsetof(Info, szHostName),
                    offsetof(Info, szFirmwareVersion), offsetof(Info, szFirmwareBuildNumber),
                    offsetof(Info, szFirmwarePatchVersion), offsetof(Info, szAgentVersion),
-                   offsetof(Info, szFirmwareNumber), offsetof(Info, lanGateway), offsetof(Info, lppLanIPs),
-                   offsetof(Info, lppWanIPs)});
+                   offsetof(Info, szFirmwareNumber), offsetof(Info, lanGateway), offsetof(Info, nLanIPCount),
+                   offsetof(Info, lppLanIPs), offsetof(Info, nWanIPCount), offsetof(Info, lppWanIPs)});
+    using Address = _NAS_DEVICE_IP_INFO;
+    expectInOrder({offsetof(Address, szName), offsetof(Address, szIPv4), offsetof(Address, szIPv6)});
+    using Service = _NAS_DEVICE_SERVICE_INFO;
+    expectInOrder({offsetof(Service, szServiceName), offsetof(Service, szProtocol), offsetof(Service, szUri),
+                   offsetof(Service, nExternalPort), offsetof(Service, nInternalPort),
+                   offsetof(Service, bPublished), offsetof(Service, bPrivate)});
+    using Model = _NAS_DEVICE_MODEL_INFO;
+    expectInOrder({offsetof(Model, szName), offsetof(Model, szLatestFwVersion),
+                   offsetof(Model, szLatestFwBuildNumber), offsetof(Model, szLatestFwPatchVersion),
+                   offsetof(Model, szImgUrl)});
+    using Permissions = _NAS_DEVICE_PERMISSIONS;
+    expectInOrder({offsetof(Permissions, szBasicInfo), offsetof(Permissions, szRemoteAccess),
+                   offsetof(Permissions, szPublicLocalService), offsetof(Permissions, szPrivateLocalService),
+                   offsetof(Permissions, szPublicPackageServices),
+                   offsetof(Permissions, szProtectedPackageServices),
+                   offsetof(Permissions, szPrivatePackageServices)});
     using Link = _CLOUD_LINK_INFORMATION;
     expectInOrder({offsetof(Link, nResultCode), offsetof(Link, nWanIPCount), offsetof(Link, lppWanIPs),
                    offsetof(Link, nLanIPCount), offsetof(Link, lppLanIPs), offsetof(Link, nDdnsCount),

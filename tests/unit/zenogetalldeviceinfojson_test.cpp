@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -109,6 +110,16 @@ TEST(CZenoGetAllDeviceInfoJson, TextsAreCutToTheirFields) {
                     << length;
             }
     EXPECT_EQ(wholeOf(*deviceOf("\"token\":\"" + std::string(2048, 'x') + "\"")), "");
+    const std::string address = "{\"ipv4\":\"" + std::string(260, 'x') + "\"}";
+    const auto device =
+        deviceOf("\"info\":{\"lan_gateway\":" + address + ",\"lan_ips\":[" + address + "],\"wan_ips\":[" +
+                 address + "]},\"local_services\":[{\"uri\":\"" + std::string(260, 'x') +
+                 "\"}],\"local_users\":[{\"user_name\":\"" + std::string(260, 'x') + "\"}]");
+    EXPECT_EQ(describe(device->info.lanGateway), "ipv4=" + cut);
+    EXPECT_EQ(lanIPsOf(*device), Lines{"ipv4=" + cut});
+    EXPECT_EQ(wanIPsOf(*device), Lines{"ipv4=" + cut});
+    EXPECT_EQ(std::wcslen(device->lppServices[0]->szUri), 259u);
+    EXPECT_EQ(std::wcslen(device->lppUsers[0]->szUserName), 259u);
 }
 
 TEST(CZenoGetAllDeviceInfoJson, ATextMayBeANumberOrBrokenUtf8) {

@@ -120,6 +120,12 @@ TEST(CZenoGetCloudLinkInfoJson, ACloudLinkHasAnIdAndNoAddresses) {
     EXPECT_EQ(reply.cloudLinkID, L"link-7");
     EXPECT_EQ(reply.http.wan.all(), Texts{});
     expectNothing(read(R"({"type":"cloud_link"})"));
+    EXPECT_EQ(read(R"({"type":"cloud_link","cloud_link_id":"a"},{"type":"cloud_link"})").cloudLinkID, L"a");
+    EXPECT_EQ(read(R"({"type":"cloud_link","cloud_link_id":"a"},{"type":"cloud_link","cloud_link_id":"b"})")
+                  .cloudLinkID,
+              L"b");
+    EXPECT_EQ(read(R"({"type":"cloud_link","cloud_link_id":")" + std::string(2048, 'x') + "\"}").cloudLinkID,
+              L"");
     log.expectNoLines();
     EXPECT_EQ(read(R"({"type":"cloud_link","cloud_link_id":"x","protocol":"relay"})").cloudLinkID, L"x");
     log.expectLines({kProtocolLine + "(relay)"});
