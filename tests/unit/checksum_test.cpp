@@ -13,6 +13,7 @@ TEST(Checksum, IsWhatAnotherImplementationMakesOfTheSameTexts) {
         SCOPED_TRACE(std::string(vector.kind) + " at " + std::to_string(vector.msec));
         const QString sent = Checksum(vector.secret, vector.appID, vector.msec, vector.appVersion);
         EXPECT_EQ(sent.toUtf8().toStdString(), vector.sent);
+        EXPECT_FALSE(sent.toUtf8().isNull());  // a null header isn't sent at all
     }
 }
 
