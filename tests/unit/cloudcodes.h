@@ -31,7 +31,7 @@ void expectReadsCodes() {
                 // A text is its number as far as it has one.
                 {R"("code":"none")", 0, 0},
                 {R"("code":"")", 0, 0},
-                {R"("code":true)", 1, 1},
+                {R"("code":true)", -1, 1},
                 {R"("code":null)", -1, 1},
                 {R"("code":[])", -1, 1},
                 {R"("code":{})", -1, 1},
