@@ -65,7 +65,8 @@ TEST_P(CliDevice, WhatIsSetForThisMachineIsShown) {
     ASSERT_EQ(devices["total"], 1);
     EXPECT_EQ(devices["devices"][0]["uid"], got["device"]);
     EXPECT_TRUE(devices["devices"][0]["modified"].is_string());
-    EXPECT_EQ(nas.requestCount("refused"), 0) << nas.log();
+    // At an older server a login is tried elsewhere first.
+    if (!GetParam().older) EXPECT_EQ(nas.requestCount("refused"), 0) << nas.log();
 }
 
 TEST_P(CliDevice, TheTemplateIsToldFromWhatIsTheDevicesOwn) {
