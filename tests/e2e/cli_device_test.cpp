@@ -66,7 +66,9 @@ TEST_P(CliDevice, WhatIsSetForThisMachineIsShown) {
     EXPECT_EQ(devices["devices"][0]["uid"], got["device"]);
     EXPECT_TRUE(devices["devices"][0]["modified"].is_string());
     // At an older server a login is tried elsewhere first.
-    if (!GetParam().older) EXPECT_EQ(nas.requestCount("refused"), 0) << nas.log();
+    if (!GetParam().older) {
+        EXPECT_EQ(nas.requestCount("refused"), 0) << nas.log();
+    }
 }
 
 TEST_P(CliDevice, TheTemplateIsToldFromWhatIsTheDevicesOwn) {

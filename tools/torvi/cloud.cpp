@@ -46,7 +46,7 @@ void CloudOptions::addTo(CLI::App& command) {
         ->type_name("HOST")
         ->group(group);
     command
-        .add_option("--remote-access", remoteHost, "Host name of the remote-access service; that of --cloud")
+        .add_option("--remote-access", remoteHost, "Host name of the remote-access service, if it is another")
         ->type_name("HOST")
         ->group(group);
     command.add_option("--client-id", clientId, "As which application")

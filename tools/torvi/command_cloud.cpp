@@ -7,6 +7,10 @@
 namespace torvi {
 namespace {
 
+constexpr const char* kFooter =
+    "Options of the cloud (--cloud, --client-id, ...) may stand here too: see torvi cloud --help. So may "
+    "proxy and output options: see torvi --help";
+
 Json toJson(const Cloud& cloud, const TokenOwner& owner) {
     const auto orNull = [](const QString& text) { return text.isEmpty() ? Json(nullptr) : Json(utf8(text)); };
     return Json{{"cloud", utf8(cloud.host)},
@@ -80,6 +84,7 @@ void signout(const GlobalOptions& global, const CloudOptions& options) {
 void addCloudCommand(const Commands& commands) {
     CLI::App* cloud = commands.app.add_subcommand("cloud", "Find NAS through the maker's cloud");
     cloud->require_subcommand(1);
+    cloud->footer(kFooter);
     auto options = std::make_shared<CloudOptions>();
     options->addTo(*cloud);
     const Commands own{*cloud, commands.global, commands.action};
