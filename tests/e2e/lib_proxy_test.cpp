@@ -1,7 +1,6 @@
-#include <QNetworkProxy>
-
 #include "lib_login.h"
 #include "support/proxy.h"
+#include "support/systemproxy.h"
 
 using namespace e2e;
 
@@ -22,21 +21,6 @@ protected:
 
     Nas nas;
     TinyProxy proxy{"jo", "letmein"};
-};
-
-/// What this process takes for the system's proxy.
-class SystemProxy {
-public:
-    SystemProxy(const TinyProxy& proxy, const char* user, const char* password) {
-        QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", proxy.port(), user, password));
-    }
-    ~SystemProxy() { QNetworkProxy::setApplicationProxy(m_before); }
-    SystemProxy(const SystemProxy&) = delete;
-    SystemProxy& operator=(const SystemProxy&) = delete;
-
-private:
-    QNetworkProxy m_before = QNetworkProxy::applicationProxy();
 };
 
 }  // namespace
@@ -103,7 +87,7 @@ TEST_P(LibProxy, ASessionChangesItsProxyFromCallToCall) {
 TEST_P(LibProxy, TheSystemsProxyServesASessionThatUsesIt) {
     const Client client(nas, GetParam());
     EXPECT_EQ(WFMSetProxyContext(client.context(), 1, 0, L"", L"", L"", L""), 0u);
-    const SystemProxy system(proxy, "jo", "letmein");
+    const SystemProxy system(proxy.port(), "jo", "letmein");
     // This machine, by an address for which the system's proxy isn't left out.
     EXPECT_EQ(numbersOf([&](std::uint32_t* result) {
                   return WFMCreateFile(client.context(), L"0.0.0.0", client.port(), nullptr, L"/home/a",

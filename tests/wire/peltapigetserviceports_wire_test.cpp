@@ -45,6 +45,14 @@ TEST_F(PeltAPIGetServicePortsWire, AsksWithTheChecksumOfTheMoment) {
     expectChecksums(kGood, "/v1/devices/services/portMapping/attic", [&] { return args.run(); });
 }
 
+TEST_F(PeltAPIGetServicePortsWire, SendsTheDeviceAsItStands) {
+    const CloudServer server({Reply::json(kGood)});
+    PortsArgs args;
+    args.deviceID = L"a+b%2Fc?d=e";
+    args.run();
+    EXPECT_EQ(server.request(0).line, "GET /v1/devices/services/portMapping/a+b%2Fc?d=e HTTP/1.1");
+}
+
 TEST_F(PeltAPIGetServicePortsWire, HandsOutTheFourPorts) {
     const CloudServer server({Reply::json(kGood)});
     PortsArgs args;
@@ -68,11 +76,25 @@ TEST_F(PeltAPIGetServicePortsWire, WithoutAMappingOfTheWebServerAllPortsAre0) {
 }
 
 TEST_F(PeltAPIGetServicePortsWire, AFailureLeavesTheRecordEmpty) {
-    for (const Reply& reply : {Reply::status(403, kGood), Reply::json("[]"), Reply::closeBeforeReply()}) {
-        const CloudServer server({reply});
+    const std::string notUnderstood = "[WFM] PeltAPIGetServicePorts WFM_PARSE_XML_FAIL";
+    const std::string failed = "[WFM] PeltAPIGetServicePorts FAIL(httpStatusCode=";
+    const struct {
+        Reply reply;
+        uint32_t dwStatus;
+        std::string reason;
+    } rows[] = {{Reply::json("[]"), 14, notUnderstood},
+                {Reply::json(R"({"return":{"portMapping":"none"}})"), 14, notUnderstood},
+                {Reply::status(403, kGood), 6, failed + "403)"},
+                {Reply::status(404, kGood), 6, failed + "404)"},
+                {Reply::closeBeforeReply(), 2, failed + "0)"}};
+    for (const auto& row : rows) {
+        const CloudServer server({row.reply});
         PortsArgs args;
-        EXPECT_NE(args.run(), 0u);
+        LogCapture log;
+        EXPECT_EQ(args.run(), row.dwStatus);
         EXPECT_EQ(args.all(), (std::array<int, 4>{}));
+        log.expectLines({row.reason, "[WFM] PeltAPIGetServicePorts: failed dwStatus(" +
+                                         std::to_string(row.dwStatus) + ")"});
     }
 }
 

@@ -42,6 +42,14 @@ TEST_F(PeltAPIGetVLinkInfoWire, AsksWithTheChecksumOfTheMoment) {
     expectChecksums(kGood, "/v1/services/vlink/attic", [&] { return args.run(); });
 }
 
+TEST_F(PeltAPIGetVLinkInfoWire, SendsTheDeviceAsItStands) {
+    const CloudServer server({Reply::json(kGood)});
+    LinkArgs args;
+    args.deviceID = L"a+b%2Fc?d=e";
+    args.run();
+    EXPECT_EQ(server.request(0).line, "GET /v1/services/vlink/a+b%2Fc?d=e HTTP/1.1");
+}
+
 TEST_F(PeltAPIGetVLinkInfoWire, HandsOutTheLink) {
     const CloudServer server({Reply::json(kGood)});
     LinkArgs args;
@@ -105,11 +113,25 @@ TEST_F(PeltAPIGetVLinkInfoWire, CutsTextsToTheirFields) {
 }
 
 TEST_F(PeltAPIGetVLinkInfoWire, AFailureLeavesTheRecordEmpty) {
-    for (const Reply& reply : {Reply::status(403, kGood), Reply::json("[]"), Reply::closeBeforeReply()}) {
-        const CloudServer server({reply});
+    const std::string notUnderstood = "[WFM] PeltAPIGetVLinkInfo WFM_PARSE_XML_FAIL";
+    const std::string failed = "[WFM] PeltAPIGetVLinkInfo FAIL(httpStatusCode=";
+    const struct {
+        Reply reply;
+        uint32_t dwStatus;
+        std::string reason;
+    } rows[] = {{Reply::json("[]"), 14, notUnderstood},
+                {Reply::json(R"({"return":{"code":"200","vlinkId":[]}})"), 14, notUnderstood},
+                {Reply::status(403, kGood), 6, failed + "403)"},
+                {Reply::status(404, kGood), 6, failed + "404)"},
+                {Reply::closeBeforeReply(), 2, failed + "0)"}};
+    for (const auto& row : rows) {
+        const CloudServer server({row.reply});
         LinkArgs args;
-        EXPECT_NE(args.run(), 0u);
+        LogCapture log;
+        EXPECT_EQ(args.run(), row.dwStatus);
         EXPECT_TRUE(args.isFilledWith('\0'));
+        log.expectLines(
+            {row.reason, "[WFM] PeltAPIGetVLinkInfo: failed dwStatus(" + std::to_string(row.dwStatus) + ")"});
     }
 }
 

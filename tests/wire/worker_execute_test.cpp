@@ -116,6 +116,16 @@ TEST(WorkerExecute, AgentNameAndRawHeadersGoOut) {
     expectHeaders(server.onlyRequest(), with(headers, "Pragma", "mine"));
 }
 
+TEST(WorkerExecute, ARawHeaderGoesOutEmptyToo) {
+    const RawServer server({Reply::text("")});
+    HttpRequestInput input = request(server);
+    input.add_raw_header("X-VEXA-CHECK", QString(""));
+    input.add_raw_header("X-VEXA-TIME", "1");
+    HttpRequestWorker worker;
+    EXPECT_EQ(worker.execute(&input), 0);
+    EXPECT_THAT(server.onlyRequest().raw, testing::HasSubstr("\r\nX-VEXA-CHECK: \r\nX-VEXA-TIME: 1\r\n"));
+}
+
 TEST(WorkerExecute, AMultipartBodyIsExactAndEndsWithoutALineEnd) {
     const TempDir dir;
     const std::string path = dir.write("local name.bin", std::string("a\0\r\nb", 5));

@@ -1,9 +1,9 @@
 // Through a real proxy, with and without a password.
 
 #include <QFile>
-#include <QNetworkProxy>
 
 #include "support/proxy.h"
+#include "support/systemproxy.h"
 #include "wire/worker_support.h"
 
 using namespace wire;
@@ -155,11 +155,9 @@ TEST(WorkerProxy, InMode1ABodyGoesThroughTheApplicationsProxyWithItsPassword) {
     if (!TinyProxy::installed()) GTEST_SKIP() << "tinyproxy isn't installed";
     const TempDir dir;
     const std::string path = dir.write("f", "content");
-    const QNetworkProxy before = QNetworkProxy::applicationProxy();
     for (const char* method : {"GET", "POST", "upload"}) {
         const TinyProxy proxy("user", "secret");
-        QNetworkProxy::setApplicationProxy(
-            QNetworkProxy(QNetworkProxy::HttpProxy, "127.0.0.1", proxy.port(), "user", "secret"));
+        const SystemProxy system(proxy.port(), "user", "secret");
         const bool upload = std::string(method) == "upload";
         HttpRequestInput input("http://nas.invalid/", upload ? "POST" : method, false);
         input.set_timeout_msec(kPatience);
@@ -173,7 +171,6 @@ TEST(WorkerProxy, InMode1ABodyGoesThroughTheApplicationsProxyWithItsPassword) {
         }
         EXPECT_TRUE(proxy.waitForLog("Could not retrieve address info for nas.invalid")) << method;
     }
-    QNetworkProxy::setApplicationProxy(before);
 }
 
 TEST(WorkerProxy, AConnectionThatTheServerBreaksIsNoRefusal) {

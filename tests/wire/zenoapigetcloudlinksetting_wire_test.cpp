@@ -76,9 +76,9 @@ TEST_F(ZenoAPIGetCloudLinkSettingWire, AsksForTheDeviceWithItsToken) {
 TEST_F(ZenoAPIGetCloudLinkSettingWire, SendsTheDeviceAsItStands) {
     CloudServer server({Reply::json(replyWith(""))});
     LinkArgs args;
-    args.deviceID = L"a%2Fb";
+    args.deviceID = L"a+b%2Fc";
     EXPECT_EQ(args.run(), 0u);
-    EXPECT_EQ(server.onlyRequest().line, "GET /v1.1/device/a%2Fb/network HTTP/1.1");
+    EXPECT_EQ(server.onlyRequest().line, "GET /v1.1/device/a+b%2Fc/network HTTP/1.1");
 }
 
 TEST_F(ZenoAPIGetCloudLinkSettingWire, HandsOutTheListsOfHttp) {

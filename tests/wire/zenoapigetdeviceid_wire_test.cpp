@@ -56,9 +56,9 @@ TEST_F(ZenoAPIGetDeviceIDWire, AsksWithTheChecksumOfTheMoment) {
 TEST_F(ZenoAPIGetDeviceIDWire, SendsTheUserAsItStands) {
     CloudServer server({Reply::json(kGood)});
     DeviceIDArgs args;
-    args.userID = L"a%2Fb?c=d";
+    args.userID = L"a+b%2Fc?d=e";
     args.run();
-    EXPECT_EQ(server.request(0).line, "GET /v1/users/deviceId/a%2Fb?c=d HTTP/1.1");
+    EXPECT_EQ(server.request(0).line, "GET /v1/users/deviceId/a+b%2Fc?d=e HTTP/1.1");
 }
 
 TEST_F(ZenoAPIGetDeviceIDWire, HandsOutTheDeviceAndLogsIt) {
@@ -108,10 +108,12 @@ TEST_F(ZenoAPIGetDeviceIDWire, LongTextsAreCutToTheirFields) {
 }
 
 TEST_F(ZenoAPIGetDeviceIDWire, AFailureLeavesTheRecordEmpty) {
-    for (const Reply& reply : {Reply::status(404, kGood), Reply::json("[]"), Reply::closeBeforeReply()}) {
+    for (const auto& [reply, dwStatus] : {std::pair(Reply::status(404, kGood), 6u),
+                                          {Reply::json("[]"), 14u},
+                                          {Reply::closeBeforeReply(), 2u}}) {
         CloudServer server({reply});
         DeviceIDArgs args;
-        EXPECT_NE(args.run(), 0u);
+        EXPECT_EQ(args.run(), dwStatus);
         EXPECT_EQ(args.text(), "");
     }
 }
