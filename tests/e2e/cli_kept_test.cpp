@@ -164,6 +164,17 @@ TEST_P(CliKeptEdges, LogoutEndsAllSessionsWhenAsked) {
     EXPECT_TRUE(files().empty());
 }
 
+TEST_P(CliKeptEdges, ALogoutFromAServerThatIsNoServerEndsNothing) {
+    for (const char* wrong : {"nas:abc", "nas:0", "::1", "https://nas"}) {
+        const ProcessResult result = cli.runBare({"logout", "-s", wrong});
+        EXPECT_EQ(result.exitCode, 2) << wrong;
+        EXPECT_THAT(result.err, HasSubstr("is not HOST or HOST:PORT")) << wrong;
+    }
+    EXPECT_TRUE(std::filesystem::exists(cli.profile()));
+    EXPECT_EQ(files().size(), 1u);
+    EXPECT_EQ(nas.requestCount("logout"), 0);
+}
+
 TEST_P(CliKeptEdges, HalfAFileIsNoSession) {
     const std::string name = "torvi/sessions/" + files().at(0).filename().string();
     cli.state().write(name, "{\"sid\": ");

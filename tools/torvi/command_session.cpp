@@ -95,10 +95,9 @@ std::vector<Connection> loggedIn(const GlobalOptions& global, bool all) {
 }
 
 /// Whether the profile belongs to another server than the one that is named.
-bool speaksOfAnother(const GlobalOptions& global) {
+bool speaksOfAnother(const QString& named) {
     try {
         const std::optional<Profile> profile = loadProfile();
-        const QString named = namedServer(global).host;
         return profile && !named.isEmpty() && named != profile->server;
     } catch (const Failure&) {
         return false;
@@ -106,13 +105,15 @@ bool speaksOfAnother(const GlobalOptions& global) {
 }
 
 void logout(const GlobalOptions& global, bool all) {
+    // A name that isn't understood must not lead to the server that is stored.
+    const QString named = namedServer(global).host;
     int ended = 0;
     int lost = 0;
     for (const Connection& connection : loggedIn(global, all)) {
         const std::optional<bool> outcome = endKeptSession(connection);
         if (outcome) ++(*outcome ? ended : lost);
     }
-    const bool removed = !speaksOfAnother(global) && removeProfile();
+    const bool removed = !speaksOfAnother(named) && removeProfile();
     if (global.json) {
         return printJson(Json{{"profile", utf8(profilePath())},
                               {"removed", removed},
