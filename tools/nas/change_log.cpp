@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "disk.h"
+#include "json_text.h"
 
 namespace nas {
 
@@ -38,7 +39,7 @@ std::string lineOf(const Change& change) {
                                  {"former", change.former},
                                  {"user", change.author.user},
                                  {"device", change.author.device}};
-    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return dumped(json) + "\n";
 }
 
 Change changeOf(const nlohmann::json& json) {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "json_text.h"
 #include "log.h"
 #include "options.h"
 
@@ -48,8 +49,7 @@ void registerAtCloud(const Options& options, int httpPort, int tlsPort) {
         return;
     }
     httplib::Client client(options.cloud.url);
-    const std::string entry =
-        entryOf(options, httpPort, tlsPort).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    const std::string entry = dumped(entryOf(options, httpPort, tlsPort));
     const httplib::Result result = client.Post("/standin/register", entry, "application/json");
     if (!result || result->status != 200) {
         throw std::runtime_error("cannot register at " + options.cloud.url + ": " +

@@ -1,6 +1,7 @@
 #include "control.h"
 
 #include "common_control.h"
+#include "json_text.h"
 #include "log.h"
 #include "service.h"
 #include "wire_text.h"
@@ -85,7 +86,7 @@ nlohmann::json run(Service& service, const std::string& what, const std::string&
 
 void serveControl(Service& service, const std::string& path, const httplib::Request& http,
                   httplib::Response& response, const httplib::ContentReader* body) {
-    constexpr size_t kLongest = 1024 * 1024;
+    constexpr size_t kLongest = size_t{1024} * 1024;
     std::string text;
     bool hasBody = body && http.has_header("Content-Length");
     bool whole = !hasBody || (*body)([&](const char* data, size_t length) {
@@ -105,8 +106,7 @@ void serveControl(Service& service, const std::string& path, const httplib::Requ
     if (response.status == -1) {
         response.status = 200;
     }
-    response.set_content(reply.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace),
-                         "application/json");
+    response.set_content(dumped(reply), "application/json");
     logLine("control " + http.method + " " + path + " http=" + std::to_string(response.status));
 }
 

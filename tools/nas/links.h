@@ -7,9 +7,6 @@
 
 namespace nas {
 
-// By the local clock, in a format of strftime.
-std::string timeText(int64_t time, const char* format);
-
 // Files of one folder that anybody may fetch who knows the address, and the code if there is one.
 struct Link {
     std::string ssid;

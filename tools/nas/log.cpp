@@ -6,6 +6,8 @@
 #include <ctime>
 #include <mutex>
 
+#include "time_text.h"
+
 namespace nas {
 
 std::string visible(const std::string& text) {
@@ -25,12 +27,7 @@ std::string visible(const std::string& text) {
 
 void logLine(const std::string& text) {
     static std::mutex mutex;
-    std::time_t now = std::time(nullptr);
-    std::tm utc{};
-    gmtime_r(&now, &utc);
-    char stamp[32];
-    std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%SZ ", &utc);
-    std::string line = stamp + visible(text) + "\n";
+    std::string line = utcStamp(std::time(nullptr)) + " " + visible(text) + "\n";
     std::lock_guard<std::mutex> lock(mutex);
     for (size_t done = 0; done < line.size();) {
         ssize_t n = ::write(STDERR_FILENO, line.data() + done, line.size() - done);

@@ -10,6 +10,7 @@
 
 #include "disk.h"
 #include "status.h"
+#include "time_text.h"
 
 namespace nas {
 
@@ -18,12 +19,7 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string dateNow() {
-    const std::time_t now = std::time(nullptr);
-    std::tm utc{};
-    gmtime_r(&now, &utc);
-    char text[64];
-    std::strftime(text, sizeof text, "%a, %d %b %Y %H:%M:%S +0000", &utc);
-    return text;
+    return utcText(std::time(nullptr), "%a, %d %b %Y %H:%M:%S +0000");
 }
 
 std::string written(const Mail& mail) {

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "options.h"
+#include "rule_text.h"
 #include "status.h"
 
 namespace nas {
@@ -14,12 +15,12 @@ namespace {
 constexpr int64_t kLocalUsers = 1;
 constexpr int64_t kDirectoryUsers = 2;
 
-std::pair<std::string, std::string> split(const std::string& rule, const std::string& wanted) {
-    const size_t colon = rule.find(':');
-    if (colon == std::string::npos || colon == 0 || colon + 1 == rule.size()) {
+std::pair<std::string, std::string> bothOf(const std::string& rule, const std::string& wanted) {
+    const auto pieces = splitRule(rule, 2);
+    if (pieces.size() != 2 || pieces[0].empty() || pieces[1].empty()) {
         throw std::invalid_argument(wanted + ", not " + rule);
     }
-    return {rule.substr(0, colon), rule.substr(colon + 1)};
+    return {pieces[0], pieces[1]};
 }
 
 bool flagField(const Fields& query, const std::string& key) {
@@ -42,7 +43,7 @@ const Domain* Directory::find(const std::string& netbios) const {
 }
 
 void Directory::addDomain(const std::string& rule) {
-    const auto [netbios, name] = split(rule, "--directory wants NETBIOS:domain");
+    const auto [netbios, name] = bothOf(rule, "--directory wants NETBIOS:domain");
     if (find(netbios)) {
         throw std::invalid_argument("directory given twice: " + netbios);
     }
@@ -50,7 +51,7 @@ void Directory::addDomain(const std::string& rule) {
 }
 
 void Directory::addUser(const std::string& rule) {
-    const auto [netbios, name] = split(rule, "--directory-user wants NETBIOS:name");
+    const auto [netbios, name] = bothOf(rule, "--directory-user wants NETBIOS:name");
     if (!find(netbios)) {
         throw std::invalid_argument("--directory-user of an unknown directory: " + rule);
     }
@@ -58,7 +59,7 @@ void Directory::addUser(const std::string& rule) {
 }
 
 void Directory::describe(const std::string& rule) {
-    const auto [name, text] = split(rule, "--description wants name:text");
+    const auto [name, text] = bothOf(rule, "--description wants name:text");
     descriptions_[name] = text;
 }
 

@@ -6,6 +6,7 @@
 #include "auth_query.h"
 #include "calls.h"
 #include "control.h"
+#include "json_text.h"
 #include "log.h"
 #include "sharing.h"
 #include "versions.h"
@@ -380,9 +381,7 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
     }
     if (entry.http >= 400) {
         response.status = entry.http;
-        response.set_content(nlohmann::json{{"error", entry.reason}}.dump(
-                                 -1, ' ', false, nlohmann::json::error_handler_t::replace),
-                             "application/json");
+        response.set_content(dumped({{"error", entry.reason}}), "application/json");
     }
     ledger_.add(entry);
     std::string line = entry.method + " " + path + " func=" + (entry.func.empty() ? "-" : entry.func) +

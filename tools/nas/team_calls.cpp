@@ -2,6 +2,7 @@
 
 #include "change_log.h"
 #include "sharing.h"
+#include "time_text.h"
 
 namespace nas {
 
