@@ -120,8 +120,8 @@ start_node() {
     node_port=$(ready_line "$scratch/$1.log" $! | sed -n 's/.* http=[^ ]*:\([0-9]*\).*/\1/p')
 }
 
-# A cloud at the ports that its clients know, on a loopback address of its own: cloud_host. Fails where the system
-# keeps these ports for others.
+# A cloud at the ports that its clients know, on a loopback address of its own: cloud_host. Returns 1 where the system
+# keeps these ports for others; whatever else is wrong ends the demo.
 start_cloud() {
     cloud_host=127.$((64 + RANDOM % 64)).$((RANDOM % 256)).$((1 + RANDOM % 254))
     typed "torvi-cloud --address $cloud_host --port 80 --tls-port 443 --app desk-app:... --user alice:... &"
@@ -134,6 +134,9 @@ start_cloud() {
         sleep 0.05
     done
     stop_cloud
+    grep -q -e "cannot listen on $cloud_host:[0-9]*: Permission denied\$" \
+        -e "cannot listen on $cloud_host:[0-9]*: Address already in use\$" "$scratch/cloud.log" ||
+        { cat "$scratch/cloud.log" >&2; die "the cloud did not start"; }
     return 1
 }
 
@@ -384,7 +387,7 @@ stop_nas
 refused 3 torvi version --server 127.0.0.1 --port "$http_port" -v
 
 step "The cloud knows where the NAS is: alice finds hers by it, and logs in over the address that came back"
-# The secret of the application and the token that alice gave it: neither is ever an argument.
+# The secret of the application and the token that alice gave it: torvi never takes either as an argument.
 export TORVI_CLIENT_SECRET=desk-secret
 printf 'alice-refresh\n' >token
 if start_cloud; then

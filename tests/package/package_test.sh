@@ -31,6 +31,16 @@ with_pkg_config() {
     LD_LIBRARY_PATH=$prefix/$LIBDIR "$work/consumer" "$work"
 }
 
+# Whether that process says in that file that it is ready; it doesn't if it ends, or says nothing for a minute.
+becomes_ready() {
+    for _ in $(seq 600); do
+        ! grep -q '^torvi-[a-z]* ready' "$2" || return 0
+        kill -0 "$1" 2>/dev/null || return 1
+        sleep 0.1
+    done
+    return 1
+}
+
 case $check in
     InstallsIntoAPrefix)
         rm -rf "$PREFIX"
@@ -58,21 +68,19 @@ case $check in
         listed=()
         "$BUILD_DIR/bin/torvi-cloud" --address "$place" --port 80 --tls-port 443 --app desk-app:desk-secret \
             --user ann:ann-refresh >"$work/cloud-ready" 2>"$work/cloud.log" &
-        until grep -q '^torvi-cloud ready' "$work/cloud-ready"; do
-            kill -0 $! 2>/dev/null || break
-            sleep 0.1
-        done
-        ! grep -q '^torvi-cloud ready' "$work/cloud-ready" ||
+        if becomes_ready $! "$work/cloud-ready"; then
             listed=(--cloud "http://$place" --cloud-user ann --device-name Cellar)
+        else
+            grep -q -e "cannot listen on $place:[0-9]*: Permission denied\$" \
+                -e "cannot listen on $place:[0-9]*: Address already in use\$" "$work/cloud.log" ||
+                fail "torvi-cloud doesn't start: $(cat "$work/cloud.log")"
+        fi
         "$nas" --root "$work/nas" --port 0 --user ann:secret --user bob:hidden --description "bob:Bob of sales" \
             --team ann:/home/Plans:bob "${listed[@]}" >"$work/ready" 2>"$work/nas.log" &
         # They are as they stand in the documentation, but for the port: the server takes one that is free.
         cp "$here"/../../docs/example/* "$work/example"
         CXXFLAGS="$CXXFLAGS -Wall -Wextra -Werror" build_against "$PREFIX" "$work/example"
-        until grep -q '^torvi-nas ready' "$work/ready"; do
-            kill -0 $! || fail "torvi-nas doesn't start: $(cat "$work/nas.log")"
-            sleep 0.1
-        done
+        becomes_ready $! "$work/ready" || fail "torvi-nas doesn't start: $(cat "$work/nas.log")"
         port=$(sed -n 's/^torvi-nas ready http=127\.0\.0\.1:\([0-9]*\) .*/\1/p' "$work/ready")
         sed -i "s/8080/$port/g" "$work"/example/*.cpp
         "$CMAKE" --build "$work/cmake"
