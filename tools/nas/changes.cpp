@@ -1,10 +1,10 @@
 #include "changes.h"
 
 #include <fcntl.h>
-#include <stdio.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdio>
 
 #include "growing_file.h"
 #include "service.h"

@@ -14,7 +14,7 @@ void requireRootFolder(Service& service, const User& user, std::string path) {
         try {
             Folder folder = service.tree().open(user, path);
             if (!missing.empty() && (folder.shares || service.tree().lookup(user, folder, missing))) {
-                throw StatusError(Status::NotMade, path + "/" + missing + " can be no folder");
+                throw StatusError(Status::NotMade, (path + "/").append(missing).append(" can be no folder"));
             }
             requireWritable(service, user, folder);
             return;

@@ -9,7 +9,7 @@ namespace nas {
 
 namespace {
 
-constexpr size_t kBlock = 256 * 1024;
+constexpr size_t kBlock = size_t{256} * 1024;
 
 Answer download(Service& service, Request& request, httplib::Response& response) {
     Fields form = readForm(request);
