@@ -2,9 +2,9 @@
 
 #include <httplib.h>
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "device_entry.h"
 #include "json_text.h"
 #include "log.h"
 #include "options.h"
@@ -17,29 +17,30 @@ const std::string& firstGiven(const std::string& text, const std::string& otherw
     return text.empty() ? otherwise : text;
 }
 
-nlohmann::json entryOf(const Options& options, int httpPort, int tlsPort) {
+DeviceEntry entryOf(const Options& options, int httpPort, int tlsPort) {
     const CloudEntry& cloud = options.cloud;
-    nlohmann::json accounts = nlohmann::json::array();
+    const Identity& identity = options.identity;
+    DeviceEntry entry;
+    entry.id = firstGiven(cloud.deviceId, identity.uid);
+    entry.user = cloud.user;
+    entry.name = firstGiven(cloud.deviceName, options.serverName);
+    entry.description = cloud.description;
+    entry.model = identity.model;
+    entry.firmware = identity.firmware;
+    entry.macAddress = identity.mac;
+    entry.hostName = options.serverName;
+    entry.address = firstGiven(cloud.address, options.address);
+    entry.httpPort = httpPort;
+    entry.tlsPort = tlsPort;
+    entry.externalAddress = identity.externalAddress;
+    entry.externalHttpPort = identity.externalPort;
+    entry.externalTlsPort = identity.externalTlsPort;
+    entry.ddnsName = identity.ddnsName;
+    entry.remoteAccess = cloud.remoteAccess;
     for (const auto& [name, user] : options.users.all()) {
-        accounts.push_back(name);
+        entry.localUsers.push_back(name);
     }
-    return {{"user", cloud.user},
-            {"device_id", firstGiven(cloud.deviceId, options.identity.uid)},
-            {"device_name", firstGiven(cloud.deviceName, options.serverName)},
-            {"description", cloud.description},
-            {"model", options.identity.model},
-            {"firmware", options.identity.firmware},
-            {"mac_address", options.identity.mac},
-            {"host_name", options.serverName},
-            {"address", firstGiven(cloud.address, options.address)},
-            {"http_port", httpPort},
-            {"tls_port", tlsPort},
-            {"external_address", options.identity.externalAddress},
-            {"external_http_port", options.identity.externalPort},
-            {"external_tls_port", options.identity.externalTlsPort},
-            {"ddns_name", options.identity.ddnsName},
-            {"remote_access", cloud.remoteAccess},
-            {"local_users", accounts}};
+    return entry;
 }
 
 }  // namespace

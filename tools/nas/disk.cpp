@@ -274,17 +274,4 @@ void copyTree(int from, const std::string& name, int to, const std::string& newN
     }
 }
 
-void writeAll(int fd, const char* data, size_t length) {
-    for (size_t done = 0; done < length;) {
-        ssize_t n = ::write(fd, data + done, length - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            throw errnoError(errno, "write");
-        }
-        done += static_cast<size_t>(n);
-    }
-}
-
 }  // namespace nas

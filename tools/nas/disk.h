@@ -8,6 +8,7 @@
 
 #include "fd.h"
 #include "random.h"
+#include "write_all.h"
 
 namespace nas {
 
@@ -37,7 +38,5 @@ void removeTree(int at, const std::string& name);
 // Takes a copy with times and permissions; holes stay holes. Nothing is left if it fails.
 void copyTree(int from, const std::string& name, int to, const std::string& newName,
               const Progress& progress);
-
-void writeAll(int fd, const char* data, size_t length);
 
 }  // namespace nas

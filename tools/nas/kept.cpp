@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -11,7 +12,7 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "disk.h"
+#include "write_all.h"
 
 namespace nas {
 
@@ -25,6 +26,9 @@ std::string keptAt(const std::string& root, const std::string& sessionFolder, co
 }
 
 Fd KeptFile::lock() const {
+    if (path_.empty()) {
+        throw std::logic_error("what is kept nowhere has no other value");
+    }
     Fd others(::open((path_ + ".lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!others || ::flock(others.get(), LOCK_EX) != 0) {
         throw std::runtime_error("cannot lock " + path_ + ": " + std::strerror(errno));
@@ -53,6 +57,10 @@ void KeptFile::replace(const std::string& text) const {
         throw std::runtime_error("cannot write " + aside + ": " + std::strerror(errno));
     }
     writeAll(out.get(), text.data(), text.size());
+    // The new name must not be on disk before the bytes are.
+    if (::fsync(out.get()) != 0) {
+        throw std::runtime_error("cannot write " + aside + ": " + std::strerror(errno));
+    }
     if (::rename(aside.c_str(), path_.c_str()) != 0) {
         throw std::runtime_error("cannot replace " + path_ + ": " + std::strerror(errno));
     }

@@ -1,5 +1,7 @@
 #include "service.h"
 
+#include <arpa/inet.h>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -8,6 +10,7 @@
 #include "control.h"
 #include "json_text.h"
 #include "log.h"
+#include "outcome_text.h"
 #include "sharing.h"
 #include "versions.h"
 
@@ -78,6 +81,22 @@ void requireHeader(const httplib::Request& http, const char* name, const std::st
     }
 }
 
+bool isAddress(const std::string& text) {
+    in6_addr address{};
+    return ::inet_pton(AF_INET, text.c_str(), &address) == 1 ||
+           ::inet_pton(AF_INET6, text.c_str(), &address) == 1;
+}
+
+// Only a client on this very machine speaks for another address.
+void requireForwardedFor(const httplib::Request& http) {
+    if (http.get_header_value("Host").rfind("127.0.0.1", 0) != 0) {
+        throw Refusal("header X-Forwarded-For towards another host than 127.0.0.1");
+    }
+    if (!isAddress(onlyHeader(http, "X-Forwarded-For"))) {
+        throw Refusal("header X-Forwarded-For is no address");
+    }
+}
+
 void checkHeaders(const Request& request, const Call& call) {
     const httplib::Request& http = request.http;
     if (onlyHeader(http, "Host").empty()) {
@@ -93,9 +112,8 @@ void checkHeaders(const Request& request, const Call& call) {
             throw Refusal(std::string("header ") + name + " is not in the protocol");
         }
     }
-    // Only a client on this very machine speaks for another address.
-    if (http.has_header("X-Forwarded-For") && http.get_header_value("Host").rfind("127.0.0.1", 0) != 0) {
-        throw Refusal("header X-Forwarded-For towards another host than 127.0.0.1");
+    if (http.has_header("X-Forwarded-For")) {
+        requireForwardedFor(http);
     }
     switch (call.body) {
         case BodyKind::None:
@@ -384,18 +402,7 @@ void Service::serve(const httplib::Request& http, httplib::Response& response,
         response.set_content(dumped({{"error", entry.reason}}), "application/json");
     }
     ledger_.add(entry);
-    std::string line = entry.method + " " + path + " func=" + (entry.func.empty() ? "-" : entry.func) +
-                       " user=" + (entry.user.empty() ? "-" : entry.user) +
-                       " http=" + std::to_string(entry.http);
-    if (entry.status != LedgerEntry::kNoStatus) {
-        line += " status=" + std::to_string(entry.status);
-    }
-    if (entry.http >= 400) {
-        line += " refused: " + entry.reason;
-    } else if (!entry.reason.empty()) {
-        line += " (" + entry.reason + ")";
-    }
-    logLine(line);
+    logLine(entry.method + " " + path + " func=" + orDash(entry.func) + outcomeText(entry, "status"));
 }
 
 }  // namespace nas

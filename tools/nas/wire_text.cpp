@@ -32,9 +32,14 @@ bool sentByBrowsers(char c) {
     return unreserved(c) || (c > ' ' && c < 0x7f && !std::strchr("&#%+", c));
 }
 
-// What URLs hold unencoded in a query, beside the "?" that the relay encodes.
+// What URLs hold unencoded in a query.
 bool leftInUrls(char c) {
-    return unreserved(c) || (c != '\0' && std::strchr("!$'()*+,;=:@/[]", c));
+    return unreserved(c) || (c != '\0' && std::strchr("!$'()*+,;=:@/?[]", c));
+}
+
+// In a path "&" stands for itself as well.
+bool leftInPaths(char c) {
+    return c == '&' || leftInUrls(c);
 }
 
 using Plain = bool (*)(char);
@@ -89,7 +94,8 @@ Fields decodePairs(const std::string& raw, const std::string& what, const std::s
         std::string pair = raw.substr(from, to - from);
         size_t equals = pair.find('=');
         if (equals == std::string::npos || equals == 0) {
-            throw Refusal(what + " has a piece without key and value: " + quoted(pair));
+            // Not quoted: it may be a secret.
+            throw Refusal(what + " has a piece without key and value");
         }
         std::string key = decodeValue(pair.substr(0, equals), what);
         if (key != repeating && hasField(fields, key)) {
@@ -178,6 +184,10 @@ Fields decodeTyped(const std::string& raw, const std::string& what, const Shape&
     return decodePairs(raw, what, {}, [&](const std::string& key) {
         return std::find(keys.begin(), keys.end(), key) == keys.end() ? unreserved : leftInUrls;
     });
+}
+
+std::string decodePath(const std::string& raw, const std::string& what) {
+    return decodeValue(raw, what, leftInPaths);
 }
 
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what) {

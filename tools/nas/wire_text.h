@@ -33,6 +33,9 @@ Fields decodeLoosely(const std::string& raw, const std::string& what);
 // The same where the values of these keys stand as somebody typed them, as far as a URL can hold that.
 Fields decodeTyped(const std::string& raw, const std::string& what, const Shape& keys);
 
+// A piece of a path that stands there as somebody typed it, as far as a URL can hold that.
+std::string decodePath(const std::string& raw, const std::string& what);
+
 // Refuses fields that match none of the shapes, naming the first difference to the nearest one.
 void requireShape(const Fields& fields, const std::vector<Shape>& shapes, const std::string& what);
 
