@@ -1,7 +1,6 @@
 #include "config_items.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "status.h"
 #include "wire_text.h"
@@ -9,9 +8,6 @@
 namespace nas {
 
 namespace {
-
-constexpr const char* kOn = "1";
-constexpr const char* kOff = "0";
 
 struct DeviceItem {
     const char* section;
@@ -25,11 +21,6 @@ const DeviceItem kDeviceItems[] = {
     {"Mails", "server port"},       {"Mails", "server secure"},    {"Mails", "server security protocol"},
     {"Config", "official version"}, {"Config", "manual version"},
 };
-
-bool isOn(const ConfigItems& acl, const std::string& section, const std::string& key) {
-    const ConfigItem* rule = findItem(acl, section, key);
-    return !rule || rule->value != kOff;
-}
 
 void requireBase64Text(const std::string& value, const std::string& what) {
     if (!validUtf8(decodeBase64(value, what))) {
@@ -80,53 +71,6 @@ void requireDeviceItem(const ConfigItem& item, const std::string& what) {
     if (item.key == "sender password") {
         requireBase64Text(item.value, what);
     }
-}
-
-const ConfigItems& firstConfigAcl() {
-    static const ConfigItems rules = {
-        {"Admin", "manager mode", kOn},
-        {"Admin", "use manager password", kOff},
-        {"Admin", "client set config", kOn},
-        {"Synchronize", "smart sync", kOn},
-        {"Policy", "conflict Policy", kOn},
-        {"Policy", "black file filter", kOn},
-        {"Mails", "all", kOn},
-    };
-    return rules;
-}
-
-void requireAclRule(const ConfigItem& rule) {
-    if (!findItem(firstConfigAcl(), rule.section, rule.key)) {
-        throw std::invalid_argument("no rule " + rule.name());
-    }
-    if (rule.value != kOn && rule.value != kOff) {
-        throw std::invalid_argument(rule.name() + " is 0 or 1, not " + rule.value);
-    }
-}
-
-ConfigItem parseAclRule(const std::string& text) {
-    const size_t first = text.find(':');
-    const size_t last = text.rfind(':');
-    if (first == std::string::npos || first == last) {
-        throw std::invalid_argument("--config-acl wants section:key:0 or section:key:1, not " + text);
-    }
-    const ConfigItem rule = {text.substr(0, first), text.substr(first + 1, last - first - 1),
-                             text.substr(last + 1)};
-    requireAclRule(rule);
-    return rule;
-}
-
-bool isManaged(const ConfigItems& acl) {
-    return isOn(acl, "Admin", "manager mode");
-}
-
-bool passwordOpens(const ConfigItems& acl) {
-    return isOn(acl, "Admin", "use manager password");
-}
-
-bool isFree(const ConfigItems& acl, const ConfigItem& item) {
-    return isOn(acl, "Admin", "client set config") &&
-           isOn(acl, item.section, item.section == "Mails" ? "all" : item.key);
 }
 
 }  // namespace nas

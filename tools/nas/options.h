@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cloud_registration.h"
-#include "config_items.h"
+#include "config_rules.h"
 #include "faults.h"
 #include "identity.h"
 #include "people.h"
