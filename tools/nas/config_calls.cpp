@@ -55,31 +55,41 @@ void requireFree(const DeviceBook& book, const User& user, const ConfigItems& it
     }
 }
 
-// The items that a query asks for: the template's or the device's own, or both as far as they are in effect.
-ConfigItems wantedItems(const DeviceBook& book, const std::string& user, const Fields& query) {
-    const std::string& uid = deviceUid(query);
+// Which items a query asks for: the template's or the device's own, or both as far as they are in effect.
+enum class Wanted { Template, Own, InEffect };
+
+Wanted wantedIn(const Fields& query) {
     const int64_t all = numberField(query, "get_all");
     const bool ofTemplate = hasField(query, "get_template");
     if (all != 1 && (all != 2 || ofTemplate)) {
         throw Refusal("query key \"get_all\" is neither 1 nor, for a device alone, 2");
     }
+    return ofTemplate ? Wanted::Template : all == 2 ? Wanted::Own : Wanted::InEffect;
+}
+
+ConfigItems wantedItems(const DeviceBook& book, const std::string& user, const std::string& uid,
+                        Wanted wanted, bool mustExist) {
+    const bool ofTemplate = wanted == Wanted::Template;
     const Device* device = book.find(user, uid);
     const ConfigItems own = ofTemplate ? book.templateOf(user) : device ? device->items : ConfigItems();
-    if (hasField(query, "check_exist") && own.empty()) {
+    if (mustExist && own.empty()) {
         throw StatusError(Status::NotConfigured, ofTemplate ? "no template" : "nothing saved for " + uid);
     }
-    return ofTemplate || all == 2 ? own : book.inEffect(user, uid);
+    return wanted == Wanted::InEffect ? book.inEffect(user, uid) : own;
 }
 
 Answer getConfig(Service& service, Request& request, httplib::Response&) {
     const User& user = userHere(service, request);
     const std::string& uid = deviceUid(request.query);
+    const Wanted wanted = wantedIn(request.query);
     const auto book = service.devices().read();
-    const ConfigItems items = wantedItems(*book, user.name, request.query);
-    const Device* device = book->find(user.name, uid);
-    if (!hasField(request.query, "get_template") && book->waiting(user.name, uid)) {
-        service.devices().change([&](DeviceBook& later) { later.fetched(user.name, uid); });
+    // That there is nothing is an answer as well. What is saved meanwhile isn't in it.
+    if (wanted != Wanted::Template && book->waiting(user.name, uid)) {
+        service.devices().change([&](DeviceBook& later) { later.fetched(user.name, uid, book->lastNotice); });
     }
+    const ConfigItems items =
+        wantedItems(*book, user.name, uid, wanted, hasField(request.query, "check_exist"));
+    const Device* device = book->find(user.name, uid);
     return {
         {{"device", device ? device->name : ""}, {"duid", uid}, {"total", items.size()}, {"config", items}},
         false,

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <ctime>
 
+#include "status.h"
+
 namespace nas {
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Device, name, ip, items, changed)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Device, name, ip, items, changed, order)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(ConfigNotice, id, user, device, atOnce, event, fetched, time, modifier,
                                    value)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(DeviceBook::OfUser, devices, templateItems)
@@ -13,6 +15,7 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(DeviceBook::OfUser, devices, templateItems)
 namespace {
 
 constexpr size_t kMostNotices = 1000;
+constexpr size_t kMostDevices = 1000;  // of one user
 
 std::string namesOf(const ConfigItems& items) {
     std::string names;
@@ -20,6 +23,23 @@ std::string namesOf(const ConfigItems& items) {
         names += (names.empty() ? "" : ";") + item.name();
     }
     return names;
+}
+
+// Room for one more: the first that came and has nothing of its own has to go. False if each has something.
+bool makeRoom(std::map<std::string, Device>& devices) {
+    if (devices.size() < kMostDevices) {
+        return true;
+    }
+    auto oldest = devices.end();
+    for (auto it = devices.begin(); it != devices.end(); ++it) {
+        const bool older = oldest == devices.end() || it->second.order < oldest->second.order;
+        oldest = it->second.items.empty() && older ? it : oldest;
+    }
+    if (oldest == devices.end()) {
+        return false;
+    }
+    devices.erase(oldest);
+    return true;
 }
 
 bool waits(const ConfigNotice& notice, const std::string& user, const std::string& uid) {
@@ -32,6 +52,7 @@ void to_json(nlohmann::json& json, const DeviceBook& book) {
     json = {{"users", book.users},
             {"notices", book.notices},
             {"last_notice", book.lastNotice},
+            {"last_device", book.lastDevice},
             {"acl", book.acl},
             {"password", book.password}};
 }
@@ -40,6 +61,7 @@ void from_json(const nlohmann::json& json, DeviceBook& book) {
     json.at("users").get_to(book.users);
     json.at("notices").get_to(book.notices);
     json.at("last_notice").get_to(book.lastNotice);
+    json.at("last_device").get_to(book.lastDevice);
     json.at("acl").get_to(book.acl);
     json.at("password").get_to(book.password);
 }
@@ -83,24 +105,27 @@ void DeviceBook::follow(const ConfigRules& rules) {
 
 void DeviceBook::meet(const std::string& user, const std::string& uid, const std::string& name,
                       const std::string& ip) {
-    Device& device = users[user].devices[uid];
-    device.name = name;
-    device.ip = ip;
+    if (Device* device = take(user, uid)) {
+        device->name = name;
+        device->ip = ip;
+    }
 }
 
 void DeviceBook::save(const std::string& user, const std::string& uid, const ConfigSave& save,
                       const std::string& modifier) {
-    OfUser& owner = users[user];
-    Device& device = owner.devices[uid];
+    Device* device = take(user, uid);
+    if (!device) {
+        throw StatusError(Status::Denied, user + " has too many devices");
+    }
     for (const ConfigItem& item : save.items) {
-        putItem(device.items, item);
+        putItem(device->items, item);
         if (save.asTemplate) {
-            putItem(owner.templateItems, item);
+            putItem(users[user].templateItems, item);
         }
     }
-    device.changed = std::time(nullptr);
+    device->changed = std::time(nullptr);
     notify({0, user, uid, save.atOnce, save.asTemplate ? ConfigEvent::SavedAsTemplate : ConfigEvent::Saved,
-            false, device.changed, modifier, namesOf(save.items)});
+            false, device->changed, modifier, namesOf(save.items)});
 }
 
 void DeviceBook::reset(const std::string& user, const std::string& uid, const std::string& modifier) {
@@ -110,12 +135,23 @@ void DeviceBook::reset(const std::string& user, const std::string& uid, const st
     notify({0, user, uid, true, ConfigEvent::Reset, false, device.changed, modifier, ""});
 }
 
-void DeviceBook::fetched(const std::string& user, const std::string& uid) {
-    for (ConfigNotice& notice : notices) {
-        if (waits(notice, user, uid)) {
-            notice.fetched = true;
+void DeviceBook::fetched(const std::string& user, const std::string& uid, int64_t notice) {
+    for (ConfigNotice& told : notices) {
+        if (told.id <= notice && waits(told, user, uid)) {
+            told.fetched = true;
         }
     }
+}
+
+Device* DeviceBook::take(const std::string& user, const std::string& uid) {
+    auto& devices = users[user].devices;
+    if (devices.count(uid) == 0) {
+        if (!makeRoom(devices)) {
+            return nullptr;
+        }
+        devices[uid].order = ++lastDevice;
+    }
+    return &devices[uid];
 }
 
 // What users do to their own devices is no news to them.

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "config_items.h"
+#include "config_rules.h"
 
 namespace nas {
 
@@ -16,6 +16,7 @@ struct Device {
     std::string ip;
     ConfigItems items;
     int64_t changed = 0;  // when its items last did
+    int64_t order = 0;    // later ones have a larger one
 };
 
 // What happened to a device's configuration; the number is the "event_type" of the wire.
@@ -51,6 +52,7 @@ struct DeviceBook {
     std::map<std::string, OfUser> users;
     std::vector<ConfigNotice> notices;
     int64_t lastNotice = 0;
+    int64_t lastDevice = 0;
     ConfigItems acl = firstConfigAcl();
     std::string password;  // empty: there is none
 
@@ -61,16 +63,21 @@ struct DeviceBook {
     bool waiting(const std::string& user, const std::string& uid) const;
 
     void follow(const ConfigRules& rules);
+    // Makes the device if it isn't known and there is room for it.
     void meet(const std::string& user, const std::string& uid, const std::string& name,
               const std::string& ip);
-    // Makes the device if it isn't known. Devices of others get a notice.
+    // Makes the device if it isn't known; StatusError(Denied) if there is no room for it. Devices of others
+    // get a notice.
     void save(const std::string& user, const std::string& uid, const ConfigSave& save,
               const std::string& modifier);
     // The device, which is known, has no items of its own any more.
     void reset(const std::string& user, const std::string& uid, const std::string& modifier);
-    void fetched(const std::string& user, const std::string& uid);
+    // The device was told what happened up to that notice.
+    void fetched(const std::string& user, const std::string& uid, int64_t notice);
 
 private:
+    // Null if there is no room for a device that isn't known.
+    Device* take(const std::string& user, const std::string& uid);
     void notify(ConfigNotice notice);
 };
 
