@@ -9,6 +9,7 @@
 #include <cstdlib>
 
 #include "log.h"
+#include "question_marks.h"
 
 namespace nas {
 
@@ -61,17 +62,8 @@ std::string funcOf(const std::string& target) {
     return question == std::string::npos ? "version" : "";
 }
 
-// A code that a user typed may hold a "?", and the HTTP library takes no second one.
-std::string withOneQuestionMark(std::string head, const std::string& target) {
-    const std::string typed = "/cgi-bin/authLogin.cgi?";
-    if (target.rfind(typed, 0) == 0) {
-        std::string encoded = target;
-        for (size_t at = typed.size(); (at = encoded.find('?', at)) != std::string::npos;) {
-            encoded.replace(at, 1, "%3F");
-        }
-        head.replace(head.find(target), target.size(), encoded);
-    }
-    return head;
+std::string withTarget(std::string head, const std::string& old, const std::string& target) {
+    return old.empty() ? head : head.replace(head.find(old), old.size(), target);
 }
 
 }  // namespace
@@ -356,7 +348,7 @@ void Connection::beginRequest(const std::string& head) {
         fault_ = faults_.matchRelayed(func_, path);
     }
     if (!answersInstead()) {
-        up_ += withOneQuestionMark(head, target);
+        up_ += withTarget(head, target, hideQuestionMarks(target));
     }
     if (headerValue(head, "Transfer-Encoding")) {
         requestStage_ = RequestStage::Opaque;

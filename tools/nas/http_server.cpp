@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "log.h"
+#include "question_marks.h"
 #include "service.h"
 
 namespace nas {
@@ -19,8 +20,9 @@ constexpr time_t kPatience = 600;
 thread_local bool reachedService = false;
 
 // The library's multipart reader forgives what the protocol doesn't, its compression and ranges are no part
-// of it. So the headers that set them off are put out of its sight before it looks.
-void hideHeaders(httplib::Request& request) {
+// of it. So the headers that set them off are put out of its sight before it looks, and what the relay hid
+// from it comes back.
+void prepare(httplib::Request& request) {
     request.headers.erase("X-Body-Type");
     std::string type = request.get_header_value("Content-Type");
     if (!type.empty()) {
@@ -29,6 +31,7 @@ void hideHeaders(httplib::Request& request) {
     }
     request.headers.erase("Accept-Encoding");
     request.ranges.clear();
+    request.target = showQuestionMarks(request.target);
 }
 
 }  // namespace
@@ -43,7 +46,7 @@ HttpServer::HttpServer(Service& service) {
     server_.set_socket_options([this](socket_t sock) { socket_ = sock; });
     server_.set_pre_routing_handler([&](const httplib::Request& request, httplib::Response& response) {
         // The server owns the request and hands it out read-only; it isn't a constant object.
-        hideHeaders(const_cast<httplib::Request&>(request));
+        prepare(const_cast<httplib::Request&>(request));
         const std::string& method = request.method;
         if (method == "POST" || method == "PUT" || method == "PATCH" || method == "DELETE") {
             return httplib::Server::HandlerResponse::Unhandled;
