@@ -36,7 +36,7 @@ private:
 template <typename Value>
 class Kept {
 public:
-    // Empty, and kept nowhere.
+    // Empty, kept nowhere and not to be changed.
     Kept() : Kept("") {}
     explicit Kept(std::string path) : file_(std::move(path)) {}
 
