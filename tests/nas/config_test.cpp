@@ -1,7 +1,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
+#include <functional>
+#include <sstream>
+#include <thread>
 
+#include "nasnodes.h"
 #include "nastest.h"
 
 using testing::ElementsAre;
@@ -140,6 +145,17 @@ protected:
         nas.startAgain();
         return loginSid(nas.port(), user, password);
     }
+    /// Changes what the server keeps while it is down.
+    void editKept(const std::function<void(Json::Value&)>& edit) {
+        nas.kill();
+        Json::Value book;
+        std::istringstream(nas.folder().read(".torvi-nas.devices")) >> book;
+        edit(book);
+        nas.folder().write(".torvi-nas.devices", book.toStyledString());
+        nas.startAgain();
+        sid = loginSid(nas.port(), "anna", "secret");
+        benSid = loginSid(nas.port(), "ben", "hidden");
+    }
 };
 
 TEST_F(NasConfig, WhatIsSavedComesBackAtBothServices) {
@@ -262,6 +278,69 @@ TEST_F(NasConfig, ALoginNamesItsDevice) {
     EXPECT_EQ("lap1", ask(listQuery(benSid, "ben"))["device"][0]["device_name"].asString());
 }
 
+/// Ben has a thousand devices, as many as the server knows of one user: u-1 with something of its own, d-2 to
+/// d-1000 without. The higher the number, the older the device.
+class NasConfigManyDevices : public NasConfig {
+protected:
+    NasConfigManyDevices() {
+        EXPECT_EQ(0, change(saveForm({kConflict})));
+        editDevices([](Json::Value& devices) {
+            Json::Value device = devices["u-1"];
+            device["items"] = Json::Value(Json::arrayValue);
+            for (int i = 2; i <= 1000; ++i) {
+                device["order"] = 2000 - i;
+                devices["d-" + std::to_string(i)] = device;
+            }
+            devices["u-1"]["order"] = 1;
+        });
+    }
+
+    void editDevices(const std::function<void(Json::Value&)>& edit) {
+        editKept([&](Json::Value& book) {
+            edit(book["users"]["ben"]["devices"]);
+            book["last_device"] = 2000;
+        });
+    }
+    std::vector<std::string> uids() {
+        return each(ask(listQuery(benSid, "ben", "&lower=0&upper=-1"))["device"], "device_uid");
+    }
+    /// Logs ben in from another device.
+    std::string loginFrom(const std::string& uid) {
+        NasRequest login = loginRequest("ben", "hidden");
+        login.body.replace(login.body.find("uid=u-1"), 7, "uid=" + uid);
+        login.set("Content-Length", std::to_string(login.body.size()));
+        return run(login).json()["sid"].asString();
+    }
+};
+
+TEST_F(NasConfigManyDevices, ANewOneTakesTheRoomOfTheOldestThatHasNothing) {
+    ASSERT_THAT(uids(), testing::SizeIs(1000));
+    ASSERT_EQ(0, save(sid, "ben", "new", saveForm({kVersion})).status());
+    EXPECT_NE("", loginFrom("lap"));
+    const std::vector<std::string> now = uids();
+    EXPECT_EQ(1000u, now.size());
+    EXPECT_THAT(now, testing::IsSupersetOf({"new", "lap", "u-1", "d-998", "d-2"}));
+    EXPECT_THAT(now, testing::Not(testing::Contains("d-1000")));
+    EXPECT_THAT(now, testing::Not(testing::Contains("d-999")));
+    EXPECT_NE("", loginFrom("d-500"));
+    EXPECT_EQ(now, uids());
+}
+
+TEST_F(NasConfigManyDevices, AConfigurationMakesNoRoom) {
+    editDevices([](Json::Value& devices) {
+        const Json::Value items = devices["u-1"]["items"];
+        for (Json::Value& device : devices) device["items"] = items;
+    });
+    const std::vector<std::string> before = uids();
+    EXPECT_EQ(4, save(sid, "ben", "new", saveForm({kVersion})).status());
+    EXPECT_NE("", loginFrom("lap"));
+    EXPECT_EQ(before, uids());
+    EXPECT_EQ(0, save(sid, "ben", "d-500", saveForm({kVersion})).status());
+    EXPECT_EQ(0, get(cgi(resetQuery(sid, "ben", "d-7"))).status());
+    EXPECT_EQ(0, save(sid, "ben", "new", saveForm({kVersion})).status());
+    EXPECT_THAT(uids(), testing::Not(testing::Contains("d-7")));
+}
+
 class NasConfigNotices : public NasConfig {
 protected:
     NasConfigNotices() : NasConfig({"--user", "carl:third"}) {
@@ -320,6 +399,35 @@ TEST_F(NasConfigNotices, WaitUntilTheDeviceAsks) {
     items(benSid, "u-1");
     EXPECT_THAT(each(events(benSid), "event_status"), ElementsAre("2", "2", "1"));
     EXPECT_THAT(each(events(sid, "&user=carl"), "event_status"), ElementsAre("1"));
+}
+
+TEST_F(NasConfigNotices, ThatThereIsNothingIsAnAnswer) {
+    ASSERT_EQ(0, get(cgi(resetQuery(sid, "ben", "u-1"))).status());
+    EXPECT_THAT(each(events(benSid, "&device_uid=u-1"), "event_status"), ElementsAre("1", "1", "1"));
+    EXPECT_EQ(-3, get(cgi(getQuery(benSid, "u-1", "&get_all=1&get_template=1&check_exist=1"))).status());
+    EXPECT_EQ(400, get(cgi(getQuery(benSid, "u-1", "&get_all=3"))).http);
+    EXPECT_THAT(each(events(benSid, "&device_uid=u-1"), "event_status"), ElementsAre("1", "1", "1"));
+    EXPECT_EQ(-3, get(cgi(getQuery(benSid, "u-1", "&get_all=1&check_exist=1"))).status());
+    EXPECT_THAT(each(events(benSid, "&device_uid=u-1"), "event_status"), ElementsAre("2", "2", "2"));
+}
+
+TEST_F(NasConfigNotices, AreForgottenBeyondAThousand) {
+    editKept([](Json::Value& book) {
+        Json::Value& notices = book["notices"];
+        while (notices.size() < 1000) {
+            Json::Value more = notices[0];
+            more["id"] = notices.size() + 1;
+            notices.append(more);
+        }
+        book["last_notice"] = 1000;
+    });
+    EXPECT_EQ("1", events(sid)[0]["event_id"].asString());
+    ASSERT_EQ(0, save(sid, "ben", "u-2", saveForm({kVersion})).status());
+    const Json::Value reply = ask(notifyQuery(sid));
+    EXPECT_EQ(1000, reply["count"].asInt());
+    ASSERT_EQ(1000u, reply["event"].size());
+    EXPECT_EQ("2", reply["event"][0]["event_id"].asString());
+    EXPECT_EQ("1001", reply["event"][999]["event_id"].asString());
 }
 
 TEST_F(NasConfigNotices, AndAllTheRestSurviveARestart) {
@@ -514,6 +622,8 @@ TEST_F(NasConfigStrict, FormsAreExact) {
     refused(saveForm({{"Mails", "sender password", "/w=="}}), "UTF-8");
     EXPECT_THAT(items(benSid, "u-1"), IsEmpty());
     EXPECT_EQ(4, change(saveForm({kConflict, kConflict})));
+    const FormFields longest = saveForm({{"Mails", "server name", std::string(70000, 'a')}});
+    EXPECT_EQ(413, save(benSid, "ben", "u-1", longest).http);
     EXPECT_THAT(items(benSid, "u-1"), IsEmpty());
 }
 
@@ -537,7 +647,7 @@ TEST_F(NasConfigStrict, MethodServiceAndSessionAreChecked) {
 }
 
 TEST_F(NasConfigStrict, WhatClientsDoNotEncodeMayStandAsItIs) {
-    const std::string uid = "a:b/c=d+e,f@g";
+    const std::string uid = "a:b/c=d+e,f@g?h?";
     ASSERT_EQ(0, save(benSid, "ben", uid, saveForm({kConflict})).status());
     EXPECT_EQ(uid, ask(getQuery(benSid, uid))["duid"].asString());
     EXPECT_THAT(items(benSid, encoded(uid)), testing::SizeIs(1));
@@ -547,7 +657,9 @@ TEST_F(NasConfigStrict, WhatClientsDoNotEncodeMayStandAsItIs) {
     refused(getQuery(benSid + "/", "a"), "unencoded");
     refused("func=nubo_get_device_config_list&sid=" + sid + "&user=a:b&lower=0&upper=1", "unencoded");
     refused("func=nubo_reset_device_config&sid=" + sid + "&user=a:b&device_uid=u&mode=1", "unencoded");
-    EXPECT_EQ(5, get(cgi(notifyQuery(sid, "&user=a:b"))).status());
+    refused("func=nubo_get_device_config_list&sid=" + sid + "&user=a?b&lower=0&upper=1", "unencoded");
+    EXPECT_EQ(5, get(cgi(notifyQuery(sid, "&user=a:b?"))).status());
+    EXPECT_EQ(5, save(sid, "a?b", "u-1", saveForm({kConflict})).status());
 }
 
 class NasConfigNode : public NasConfig {
@@ -566,22 +678,64 @@ TEST_F(NasConfigNode, NoCallTakesASlavePrefix) {
     EXPECT_EQ(0, save(sid, "ben", "u-1", saveForm({kConflict})).status());
 }
 
-TEST(NasConfigCluster, NodesKnowEachOthersDevices) {
+struct SessionFolder {
     TempDir sessions;
-    const auto node = [&](const std::string& id) {
-        Nas::Options options;
-        options.arguments = {"--slave-id", id, "--session-dir", sessions.string()};
-        return options;
-    };
-    Nas first(node("node1")), second(node("node2"));
-    const std::string sid = loginSid(first.port(), "anna", "secret");
-    const std::string query = "func=nubo_save_device_config&sid=" + sid + "&device_uid=u-9&user=ben&apply=1";
-    ASSERT_EQ(0, exchange(first.port(),
-                          NasRequest::form("/cgi-bin/torvi/torvisrv.cgi?" + query, saveForm({kConflict})))
-                     .status());
-    const NasReply list =
-        exchange(second.port(),
-                 NasRequest::get("/cgi-bin/torvi/torvisrv.cgi?func=nubo_get_device_config_list&sid=" + sid +
-                                 "&user=ben&lower=0&upper=10"));
-    EXPECT_THAT(each(list.json()["device"], "device_uid"), ElementsAre("u-9"));
+};
+
+/// The second of two nodes is there as well.
+class NasConfigCluster : protected SessionFolder, public NasConfig {
+protected:
+    NasConfigCluster() : NasConfig({"--slave-id", "node1", "--session-dir", sessions.string()}) {}
+
+    NasReply saveAt(const Nas& node, const std::string& uid, const FormFields& form) const {
+        return exchange(node.port(), NasRequest::form(cgi(saveQuery(sid, "ben", uid)), form));
+    }
+
+    Nas second{nodeOptions("node2", sessions.string())};
+};
+
+TEST_F(NasConfigCluster, NodesKnowEachOthersDevices) {
+    ASSERT_EQ(0, saveAt(nas, "u-9", saveForm({kConflict})).status());
+    const NasReply list = exchange(second.port(), NasRequest::get(cgi(listQuery(sid, "ben"))));
+    EXPECT_THAT(each(list.json()["device"], "device_uid"), ElementsAre("u-1", "u-9"));
+}
+
+TEST_F(NasConfigCluster, NothingIsLostWhenBothNodesSaveAtOnce) {
+    constexpr int kSaves = 20;
+    std::vector<std::thread> threads;
+    for (const Nas* node : {&nas, &second}) {
+        threads.emplace_back([this, node] {
+            for (int i = 0; i < kSaves; ++i) {
+                const std::string uid = std::to_string(node->port()) + "-" + std::to_string(i);
+                EXPECT_EQ(0, saveAt(*node, uid, saveForm({kConflict})).status());
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(2 * kSaves + 1, ask(listQuery(sid, "ben"))["total"].asInt());
+    EXPECT_EQ(2u * kSaves, events(sid).size());
+}
+
+TEST_F(NasConfigCluster, WhatIsSavedWhileTheDeviceAsksStillWaits) {
+    constexpr int kSaves = 60;
+    std::atomic<bool> done{false};
+    // The n-th save has the value n and makes the n-th notice.
+    std::thread saver([&] {
+        for (int i = 1; i <= kSaves; ++i) {
+            const Item item = {"Mails", "server port", std::to_string(i)};
+            EXPECT_EQ(0, saveAt(second, "u-1", saveForm({item})).status());
+        }
+        done = true;
+    });
+    for (bool last = false; !last;) {
+        last = done;
+        const Json::Value told = ask(getQuery(benSid, "u-1"))["config"];
+        const std::string value = told.empty() ? "0" : told[0]["value"].asString();
+        std::string fetched = "0";
+        for (const Json::Value& event : events(benSid)) {
+            if (event["event_status"] == "2") fetched = event["event_id"].asString();
+        }
+        EXPECT_EQ(value, fetched);
+    }
+    saver.join();
 }

@@ -122,7 +122,20 @@ TEST_F(NasStrict, ForwardedForComesFromThisMachineOnly) {
     NasRequest request = NasRequest::get(cgi(listQuery(sid, "/Public")));
     request.set("X-Forwarded-For", "10.0.0.1");
     EXPECT_EQ(200, run(request).http);
+    EXPECT_EQ(200, run(request.set("X-Forwarded-For", "2001:db8::7")).http);
     EXPECT_EQ(400, run(request.set("Host", "nas.example")).http);
+}
+
+TEST_F(NasStrict, ForwardedForIsOneAddress) {
+    for (const char* value : {"phone", "10.0.0", "10.0.0.1, 10.0.0.2", "10.0.0.1:80", "\xff"}) {
+        NasRequest request = loginRequest("anna", "secret");
+        const NasReply reply = run(request.set("X-Forwarded-For", value));
+        EXPECT_EQ(400, reply.http) << value;
+        EXPECT_THAT(reply.body, HasSubstr("X-Forwarded-For is no address")) << value;
+    }
+    NasRequest request = loginRequest("anna", "secret").set("X-Forwarded-For", "10.0.0.1");
+    request.headers.emplace_back("X-Forwarded-For", "10.0.0.2");
+    EXPECT_THAT(run(request).body, HasSubstr("came twice"));
 }
 
 TEST_F(NasStrict, LoginFormIsExact) {
