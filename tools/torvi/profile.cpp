@@ -101,19 +101,8 @@ void saveProfile(const Profile& profile) {
     for (const TeamFolder& team : profile.teams) json["teams"].push_back(utf8(team.text()));
 
     makeStateFolder();
-    // A new file beside the old one, so that neither a wider mode nor half a profile is ever there.
-    std::string temporary = profileFile() + ".XXXXXX";
-    const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (file.get() < 0) throw localFailure("cannot write");
-    try {
-        if (::fchmod(file.get(), 0600) != 0) throw localFailure("cannot write");
-        writeAll(file.get(), json.dump(2) + "\n", [] { throw localFailure("cannot write"); });
-        if (::fsync(file.get()) != 0) throw localFailure("cannot write");
-        if (::rename(temporary.c_str(), profileFile().c_str()) != 0) throw localFailure("cannot write");
-    } catch (...) {
-        ::unlink(temporary.c_str());
-        throw;
-    }
+    Descriptor file;
+    replaceFile(profileFile(), json.dump(2) + "\n", file, [] { throw localFailure("cannot write"); });
 }
 
 bool removeProfile() {

@@ -85,6 +85,26 @@ void writeAll(int fd, const std::string& text, const std::function<void()>& fail
     }
 }
 
+void replaceFile(const std::filesystem::path& path, const std::string& text, Descriptor& file,
+                 const std::function<void()>& failed) {
+    std::string temporary = path.string() + ".XXXXXX";
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0) return failed();
+    file.reset(fd);
+    try {
+        // Nobody finds it unlocked.
+        if (::fchmod(fd, 0600) != 0 || ::flock(fd, LOCK_EX | LOCK_NB) != 0) failed();
+        writeAll(fd, text, failed);
+        if (::fsync(fd) != 0 || ::rename(temporary.c_str(), path.c_str()) != 0) failed();
+    } catch (...) {
+        ::unlink(temporary.c_str());
+        throw;
+    }
+    // Its name has to outlast a power failure, too, as far as the file system can tell.
+    const Descriptor folder(::open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ::fsync(folder.get());
+}
+
 StateFile::StateFile(const std::string& kind, const QByteArray& key, const QString& busy) {
     m_path = makeStateFolder(kind) / nameOf(key);
     if (!open(true)) throw Failure(Exit::Local, busy);
@@ -134,16 +154,15 @@ void StateFile::load() {
     const std::string text =
         readAll(m_file.get(), static_cast<size_t>(status.st_size), [this] { fail("cannot read"); });
     m_content = Json::parse(text, nullptr, false);
-    // A program that was killed while it wrote leaves half of one.
+    // What anybody else has left there isn't one.
     if (!m_content.is_object()) m_content = Json::object();
 }
 
 void StateFile::save(const Json& content) {
-    const int fd = m_file.get();
-    if (::fchmod(fd, 0600) != 0 || ::ftruncate(fd, 0) != 0 || ::lseek(fd, 0, SEEK_SET) != 0)
-        fail("cannot write");
-    writeAll(fd, content.dump(2) + "\n", [this] { fail("cannot write"); });
-    if (::fsync(fd) != 0) fail("cannot write");
+    // The old file stays locked until the new one is in its place.
+    Descriptor file;
+    replaceFile(m_path, content.dump(2) + "\n", file, [this] { fail("cannot write"); });
+    m_file.reset(file.release());
     m_content = content;
 }
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "output.h"
@@ -25,14 +26,20 @@ public:
     Descriptor& operator=(const Descriptor&) = delete;
     int get() const { return m_fd; }
     void reset(int fd);
+    /// The caller's to close from here on.
+    int release() { return std::exchange(m_fd, -1); }
 
 private:
     int m_fd;
 };
 
-/// Both throw what `failed` gives when the system refuses.
+// These throw what `failed` gives when the system refuses.
 std::string readAll(int fd, size_t size, const std::function<void()>& failed);
 void writeAll(int fd, const std::string& text, const std::function<void()>& failed);
+/// Puts a file with that text in the place of the one at `path`, so that neither a wider mode nor half a text
+/// is ever there. `file` is then the new one, and locked.
+void replaceFile(const std::filesystem::path& path, const std::string& text, Descriptor& file,
+                 const std::function<void()>& failed);
 
 /// One object that outlives the program, in a file of the state folder that its owner alone can read. It is
 /// locked as long as this object lives, also against a program that was killed and started again.
@@ -52,7 +59,7 @@ public:
     bool held() const { return m_file.get() >= 0; }
     /// Empty if there was none, or one that can't be read.
     const Json& content() const { return m_content; }
-    /// On the disk when it returns.
+    /// As a whole, and on the disk when it returns.
     void save(const Json& content);
     void clear();
 
