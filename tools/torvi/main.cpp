@@ -16,6 +16,7 @@
 namespace {
 
 constexpr uint32_t kAllLevels = 63;
+constexpr uint32_t kDebugLevel = 4;
 
 /// Names and paths are UTF-8 on the wire; so they are here, whatever the locale.
 void useUtf8() {
@@ -29,10 +30,10 @@ void writeToStderr(QtMsgType, const QMessageLogContext&, const QString& message)
 
 void writeNothing(QtMsgType, const QMessageLogContext&, const QString&) {}
 
-void startLog(bool verbose) {
+void startLog(bool verbose, uint32_t levels) {
     qInstallMessageHandler(verbose ? writeToStderr : writeNothing);
     if (verbose) {
-        WFMInitialization(kAllLevels, QString(), false, false);
+        WFMInitialization(levels, QString(), false, false);
     } else {
         WFMUpdateDebugLevel(0);
     }
@@ -112,7 +113,8 @@ int main(int argc, char** argv) {
     }
 
     torvi::installInterruptHandlers();
-    startLog(global.verbose);
+    // The cloud's debug lines tell the tokens.
+    startLog(global.verbose, app.got_subcommand("cloud") ? kAllLevels - kDebugLevel : kAllLevels);
     const int code = run(global, action);
     // Writes out what the log still holds.
     WFMUnInitialization();
