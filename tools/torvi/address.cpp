@@ -17,6 +17,13 @@ Address parseAddress(const QString& what, const QString& text) {
     return address;
 }
 
+QString parseHost(const QString& what, const QString& text) {
+    const Address address = parseAddress(what, text);
+    if (address.port)
+        throw Failure(Exit::Usage, QStringLiteral("%1: %2 is not a HOST without a port").arg(what, text));
+    return address.host;
+}
+
 Address namedServer(const GlobalOptions& options) {
     if (!options.server || options.server->empty()) return {};
     return parseAddress(QStringLiteral("--server"), QString::fromStdString(*options.server));

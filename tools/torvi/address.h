@@ -15,6 +15,8 @@ struct Address {
 
 /// HOST or HOST:PORT. Throws the usage failure of `what` for anything else.
 Address parseAddress(const QString& what, const QString& text);
+/// HOST alone, of something whose port isn't anybody's choice.
+QString parseHost(const QString& what, const QString& text);
 /// The server that is named, empty if none is.
 Address namedServer(const GlobalOptions& options);
 

@@ -92,6 +92,13 @@ QString readPasswordFile(const QString& path) {
     return readSecretFile(path, QStringLiteral("password"));
 }
 
+QString readTokenFile(const QString& path, const QString& what) {
+    const QString secret = readSecretFile(path, what);
+    if (!secret.isEmpty()) return secret;
+    throw Failure(Exit::Local,
+                  QStringLiteral("cannot read the %1 from %2: the first line is empty").arg(what, path));
+}
+
 QString askPassword(const QString& prompt) {
     if (!hasTerminal()) {
         throw Failure(Exit::Usage,
