@@ -1,14 +1,21 @@
 #pragma once
 
 #include <QString>
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "connection.h"
 #include "options.h"
-#include "state.h"
 
 namespace torvi {
+
+class KeptCloud;
+
+/// The version by which the program goes in the cloud.
+constexpr const wchar_t* kAppVersion = L"" TORVI_VERSION;
+/// How a refused token looks, and every other HTTP error.
+constexpr uint32_t kHttpError = 6;
 
 /// What the commands on the cloud take besides. What isn't given is looked for elsewhere.
 struct CloudOptions {
@@ -17,7 +24,6 @@ struct CloudOptions {
     std::optional<std::string> clientId;
     std::optional<std::string> clientSecretFile;
     std::optional<std::string> accessTokenFile;
-    std::optional<std::string> refreshTokenFile;
 
     void addTo(CLI::App& command);
 };
@@ -41,27 +47,9 @@ struct Cloud {
 
 /// Merges command line, environment and the kept session.
 Cloud resolveCloud(const GlobalOptions& global, const CloudOptions& options);
+/// With a session that is open already.
+Cloud resolveCloud(const GlobalOptions& global, const CloudOptions& options, const KeptCloud& kept);
 /// Asks for the secret if it isn't known.
 void requireClientSecret(Cloud& cloud);
-
-/// The session in the cloud that outlives the commands, in a file that its owner alone can read. No other
-/// process can use the file while this object lives.
-class KeptCloud {
-public:
-    KeptCloud();
-
-    /// Whether there is one. Doesn't wait.
-    static bool exists();
-    QString text(const char* key) const;
-    bool tls() const;
-    /// Whether it speaks of that application at that service.
-    bool belongsTo(const Cloud& cloud) const;
-    CloudTokens tokens() const { return {text("accessToken"), text("refreshToken")}; }
-    void keep(const Cloud& cloud);
-    void forget() { m_file.clear(); }
-
-private:
-    StateFile m_file;
-};
 
 }  // namespace torvi

@@ -3,13 +3,13 @@
 #include <memory>
 
 #include "cloud.h"
-#include "cloudtokens.h"
 #include "options.h"
-#include "output.h"
 
 namespace torvi {
 
-/// The commands of `torvi cloud` that ask for devices and addresses.
+// Commands of `torvi cloud`.
+/// devices, device and public-ip.
 void addCloudDeviceCommands(const Commands& commands, const std::shared_ptr<CloudOptions>& options);
+void addCloudReachCommand(const Commands& commands, const std::shared_ptr<CloudOptions>& options);
 
 }  // namespace torvi

@@ -67,6 +67,7 @@ QString publicAddress(CloudSession& session, const QString& what);
 QString deviceOf(const Cloud& cloud, const QString& what, const QString& userId);
 /// Throws if the application is refused; that there is no link is an answer.
 CloudLink deviceLink(const Cloud& cloud, const QString& what, const QString& id);
+/// Of a device whose link has been told for the same secret.
 CloudPorts devicePorts(const Cloud& cloud, const QString& what, const QString& id);
 
 }  // namespace torvi

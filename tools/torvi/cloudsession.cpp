@@ -1,8 +1,7 @@
 #include "cloudsession.h"
 
-#include <optional>
-
 #include "failure.h"
+#include "keptcloud.h"
 #include "password.h"
 #include "signals.h"
 #include "status.h"
@@ -10,44 +9,50 @@
 namespace torvi {
 namespace {
 
-/// How a refused token looks, and every other HTTP error.
-constexpr uint32_t kHttpError = 6;
-
 Failure directoryFailure(const QString& what, int32_t word) {
     return Failure(Exit::Refused, QStringLiteral("%1: the cloud refused (result %2)").arg(what).arg(word))
         .withNumbers(0, std::nullopt);
+}
+
+CloudTokens newTokens(const Cloud& cloud, const QString& what) {
+    try {
+        return refreshTokens(cloud, what);
+    } catch (const Failure& failure) {
+        if (failure.exit() != Exit::NotAuthenticated) throw;
+        throw withSigninAdvice(failure);
+    }
 }
 
 }  // namespace
 
 CloudSession::CloudSession(const GlobalOptions& global, const CloudOptions& options)
     : m_cloud(resolveCloud(global, options)) {
-    if (m_cloud.tokens.access.isEmpty() && m_cloud.tokens.refresh.isEmpty()) {
-        throw Failure(Exit::NotAuthenticated,
-                      QStringLiteral("not signed in to the cloud %1").arg(m_cloud.host))
-            .withAdvice(QStringLiteral("sign in with `torvi cloud signin`"));
+    if (m_cloud.tokens.access.isEmpty()) {
+        throw withSigninAdvice(Failure(Exit::NotAuthenticated,
+                                       QStringLiteral("not signed in to the cloud %1").arg(m_cloud.host)));
     }
-    if (m_cloud.tokens.access.isEmpty()) refresh(QStringLiteral("cloud"));
 }
 
 void CloudSession::refresh(const QString& what) {
+    if (m_cloud.tokens.refresh.isEmpty()) {
+        throw withSigninAdvice(
+            Failure(Exit::NotAuthenticated, QStringLiteral("%1: there is no refresh token").arg(what)));
+    }
     refreshUnless(what, QString());
 }
 
 void CloudSession::refreshUnless(const QString& what, const QString& useless) {
     requireClientSecret(m_cloud);
-    if (!m_cloud.kept) {
-        m_cloud.tokens = refreshTokens(m_cloud, what);
-        return;
-    }
     KeptCloud kept;
-    const bool same = kept.belongsTo(m_cloud) && !kept.tokens().refresh.isEmpty();
-    if (same) {
-        m_cloud.tokens = kept.tokens();
-        if (!useless.isEmpty() && m_cloud.tokens.access != useless) return;
+    if (!kept.belongsTo(m_cloud)) {
+        throw withSigninAdvice(
+            Failure(Exit::NotAuthenticated, QStringLiteral("%1: the session is there no more").arg(what)));
     }
-    m_cloud.tokens = refreshTokens(m_cloud, what);
-    if (same) kept.keep(m_cloud);
+    m_cloud.tokens = kept.tokens();
+    if (!useless.isEmpty() && m_cloud.tokens.access != useless) return;
+    m_cloud.tokens = newTokens(m_cloud, what);
+    kept.keep(m_cloud.tokens);
+    if (interrupted()) throwCancelled(what);
 }
 
 void CloudSession::renew(const QString& what, const QString& refusal) {

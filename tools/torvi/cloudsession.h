@@ -25,7 +25,7 @@ public:
     /// Throws unless both numbers are 0.
     void ask(const QString& what, const std::function<CloudAnswer(const Cloud&)>& call);
     TokenOwner owner(const QString& what);
-    /// Other tokens in place of these, whatever they are worth.
+    /// Other tokens in place of those of the kept session, whatever they are worth.
     void refresh(const QString& what);
 
 private:

@@ -11,12 +11,6 @@
 namespace torvi {
 namespace {
 
-constexpr const wchar_t* kAppVersion = L"" TORVI_VERSION;
-
-QString text(const wchar_t* field) {
-    return QString::fromWCharArray(field);
-}
-
 /// Why the service refused, in its words; empty if it didn't.
 QString refusalOf(const _CLOUD_TOKEN_INFORMATION& record) {
     const QString error = text(record.error);
@@ -27,17 +21,17 @@ QString refusalOf(const _CLOUD_TOKEN_INFORMATION& record) {
 
 /// The tokens of an answer.
 CloudTokens tokensOf(const QString& what, uint32_t dwStatus, const _CLOUD_TOKEN_INFORMATION& record) {
-    if (interrupted()) throwCancelled(what);
     const QString refusal = refusalOf(record);
+    const CloudTokens tokens = {text(record.access_token), text(record.refresh_token)};
+    // What was given for them may be used up: whoever is to stop puts them away first.
+    if (dwStatus == 0 && refusal.isEmpty() && !tokens.access.isEmpty()) return tokens;
+    if (interrupted()) throwCancelled(what);
     if (!refusal.isEmpty()) {
         throw Failure(Exit::NotAuthenticated, QStringLiteral("%1: the cloud refused: %2").arg(what, refusal))
             .withNumbers(dwStatus, std::nullopt);
     }
     if (dwStatus != 0) throw statusFailure(what, dwStatus);
-    const CloudTokens tokens = {text(record.access_token), text(record.refresh_token)};
-    if (tokens.access.isEmpty())
-        throw Failure(Exit::Refused, QStringLiteral("%1: the cloud gave no token").arg(what));
-    return tokens;
+    throw Failure(Exit::Refused, QStringLiteral("%1: the cloud gave no token").arg(what));
 }
 
 }  // namespace
@@ -89,17 +83,21 @@ TokenOwner tokenOwner(const Cloud& cloud, const QString& what) {
     return owner;
 }
 
-bool endToken(const Cloud& cloud) {
+uint32_t endToken(const Cloud& cloud) {
     return ZenoAPIAPPSignOut(wide(cloud.host).c_str(), wide(cloud.tokens.access).c_str(), agentName(),
                              kAppVersion, wide(cloud.clientId).c_str(), cloud.tls, cloud.way.proxyMode,
                              wide(cloud.way.proxyHost).c_str(), wide(cloud.way.proxyUser).c_str(),
-                             wide(cloud.way.proxyPassword).c_str()) == 0;
+                             wide(cloud.way.proxyPassword).c_str());
 }
 
 Failure tokenFailure(const QString& what, const QString& refusal) {
-    return Failure(Exit::NotAuthenticated,
-                   QStringLiteral("%1: the cloud doesn't take the access token: %2").arg(what, refusal))
-        .withAdvice(QStringLiteral("sign in with `torvi cloud signin`"));
+    return withSigninAdvice(
+        Failure(Exit::NotAuthenticated,
+                QStringLiteral("%1: the cloud doesn't take the access token: %2").arg(what, refusal)));
+}
+
+Failure withSigninAdvice(const Failure& failure) {
+    return failure.withAdvice(QStringLiteral("sign in with `torvi cloud signin`"));
 }
 
 }  // namespace torvi

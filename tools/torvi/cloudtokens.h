@@ -19,15 +19,17 @@ struct TokenOwner {
     QString name() const;
 };
 
-// These throw when the service refuses, in its words.
+// These throw when the service refuses, in its words. A Ctrl-C doesn't cost the tokens that have come.
 CloudTokens signInApplication(const Cloud& cloud, const QString& what);
 CloudTokens refreshTokens(const Cloud& cloud, const QString& what);
 /// Throws only when the service can't be asked.
 TokenOwner tokenOwner(const Cloud& cloud, const QString& what);
-/// False if the service didn't take it.
-bool endToken(const Cloud& cloud);
+/// The library's status: 0 if the service took it.
+uint32_t endToken(const Cloud& cloud);
 
-/// The failure of a token that the service doesn't take.
+/// The failure of an access token that the service doesn't take.
 Failure tokenFailure(const QString& what, const QString& refusal);
+/// With what helps where no token does any more.
+Failure withSigninAdvice(const Failure& failure);
 
 }  // namespace torvi

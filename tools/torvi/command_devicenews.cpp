@@ -59,10 +59,6 @@ private:
     WFM_TORVI_CONFIG_NOTIFY_LIST m_list = {};
 };
 
-QString text(const wchar_t* field) {
-    return QString::fromWCharArray(field);
-}
-
 void list(const GlobalOptions& global, const ListOptions& options) {
     const QString what = QStringLiteral("device config list");
     QString user;

@@ -24,10 +24,6 @@ QString askingUser(const Connection& connection) {
     return name.isEmpty() ? QStringLiteral("guest") : name;
 }
 
-QString text(const wchar_t* field) {
-    return QString::fromWCharArray(field);
-}
-
 /// Who a server is, by its own account.
 struct Identity {
     _NAS_USER_UID_INFORMATION record;

@@ -16,10 +16,6 @@
 namespace torvi {
 namespace {
 
-QString text(const wchar_t* field) {
-    return QString::fromWCharArray(field);
-}
-
 /// For calls that have done their work when both numbers are 0.
 void check(const QString& what, uint32_t dwStatus, uint32_t word) {
     if (interrupted()) throwCancelled(what);

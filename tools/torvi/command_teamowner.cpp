@@ -64,12 +64,6 @@ Json pidJson(const QString& pid) {
     return pid.isEmpty() ? Json(nullptr) : Json(utf8(pid));
 }
 
-Json namesJson(const QStringList& names) {
-    Json json = Json::array();
-    for (const QString& name : names) json.push_back(utf8(name));
-    return json;
-}
-
 /// " as job 4711", where there is one to name.
 QString asJob(const QString& pid) {
     return pid.isEmpty() ? QString() : QStringLiteral(" as job %1").arg(pid);
@@ -170,7 +164,7 @@ void share(const GlobalOptions& global, const ShareOptions& options) {
     }
     if (global.json) {
         return printJson(Json{{"path", utf8(path)},
-                              {"users", namesJson(users)},
+                              {"users", jsonTexts(users)},
                               {"shareId", shareId.isEmpty() ? Json(nullptr) : Json(utf8(shareId))},
                               {"pid", pidJson(pid)},
                               {"state", stateOf(options.detach, false)}});
@@ -424,7 +418,7 @@ void unshare(const GlobalOptions& global, const UnshareOptions& options) {
     if (global.json) {
         return printJson(Json{{"shareId", utf8(folder.shareId)},
                               {"path", utf8(folder.path)},
-                              {"users", namesJson(names)},
+                              {"users", jsonTexts(names)},
                               {"pid", pidJson(pid)},
                               {"state", stateOf(options.detach, options.dryRun)}});
     }

@@ -30,6 +30,10 @@ std::wstring wide(const QString& text) {
     return text.toStdWString();
 }
 
+QString text(const wchar_t* field) {
+    return QString::fromWCharArray(field);
+}
+
 QString printable(const QString& text) {
     QVector<uint> characters = text.toUcs4();
     for (uint& c : characters) {
@@ -61,6 +65,12 @@ Json isoTime(int64_t secondsSinceEpoch) {
     const QDateTime time = QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::UTC);
     if (!time.isValid()) return nullptr;
     return utf8(time.toString(Qt::ISODate));
+}
+
+Json jsonTexts(const QStringList& texts) {
+    Json all = Json::array();
+    for (const QString& one : texts) all.push_back(utf8(one));
+    return all;
 }
 
 void printLine(const QString& text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <cstdio>
 #include <nlohmann/json.hpp>
@@ -13,6 +14,8 @@ using Json = nlohmann::ordered_json;
 
 std::string utf8(const QString& text);
 std::wstring wide(const QString& text);
+/// A field of one of the library's records.
+QString text(const wchar_t* field);
 
 /// Names come from the network: what would steer the terminal becomes "?".
 QString printable(const QString& text);
@@ -21,6 +24,8 @@ QString humanSize(int64_t bytes);
 QString localTime(int64_t secondsSinceEpoch);
 /// ISO 8601 in UTC, or null.
 Json isoTime(int64_t secondsSinceEpoch);
+
+Json jsonTexts(const QStringList& texts);
 
 void printLine(const QString& text);
 void printJson(const Json& value);

@@ -15,10 +15,6 @@ constexpr uint32_t kOwnUsers = 1;
 constexpr uint32_t kDirectoryUsers = 2;
 constexpr uint32_t kListTooSmall = 122;
 
-QString text(const wchar_t* field) {
-    return QString::fromWCharArray(field);
-}
-
 QString textOrNone(const wchar_t* text) {
     return text == nullptr ? QString() : QString::fromWCharArray(text);
 }

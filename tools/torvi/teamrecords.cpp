@@ -34,10 +34,6 @@ QString wordOf(const Word (&words)[N], int32_t number) {
     return QString::number(number);
 }
 
-QString text(const wchar_t* field) {
-    return QString::fromWCharArray(field);
-}
-
 /// A text that may fill its field to the last character.
 template <size_t N>
 QString fieldText(const wchar_t (&field)[N]) {
