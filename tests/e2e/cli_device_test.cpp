@@ -44,8 +44,15 @@ protected:
                      "Admin:use manager password:1", "--config-password", "k€y"}) {}
 };
 
+/// With a user whose name not every request can carry.
+class CliDeviceNames : public CliDevice {
+protected:
+    CliDeviceNames() : CliDevice({"--user", "jo+kim:open"}) {}
+};
+
 }  // namespace
 
+CLI_ON_ROADS(CliDeviceNames, (std::vector<CliRoad>{{}}));
 CLI_ON_ALL_ROADS(CliDevice);
 CLI_ON_ROADS(CliDeviceRules, (std::vector<CliRoad>{{}, {false, false, true}}));
 
@@ -112,9 +119,12 @@ TEST_P(CliDevice, WrongUsageIsFoundBeforeAnythingIsSent) {
     EXPECT_THAT(run(cli, {"set", "mail-port=1", "mail-port=2"}).err, HasSubstr("twice"));
     EXPECT_EQ(run(cli, {"set"}).exitCode, 2);
     EXPECT_EQ(run(cli, {"get", "no-item"}).exitCode, 2);
+    // What is shown is always about who asks, and this machine is no device of another user.
+    EXPECT_EQ(run(cli, {"get", "--of", "ben"}).exitCode, 2);
+    EXPECT_EQ(run(cli, {"set", "--of", "ben", "smart-sync=1"}).exitCode, 2);
+    EXPECT_EQ(run(cli, {"reset", "--of", "ben"}).exitCode, 2);
     EXPECT_EQ(nas.requestCount("login"), 0);
     EXPECT_EQ(run(cli, {"get", "--device", "a&b"}).exitCode, 2);
-    EXPECT_EQ(run(cli, {"get", "--of", "ben%20"}).exitCode, 2);
 }
 
 TEST_P(CliDevice, ADeviceIsFoundByItsName) {
@@ -151,7 +161,32 @@ TEST_P(CliDevice, WhatAnAdministratorChangesIsNewsToTheUser) {
     EXPECT_EQ(json(cli, {"notify", "--of", "ben", "--device", "desk"})["count"], 2);
     EXPECT_EQ(json(cli, {"notify", "--of", "ben", "--device", "lap"})["count"], 0);
     EXPECT_THAT(run(ben, {"notify"}).out, AllOf(HasSubstr("anna"), HasSubstr("Policy/conflict Policy")));
-    EXPECT_EQ(run(ben, {"set", "--of", "anna", "smart-sync=1"}).exitCode, 6);
+    EXPECT_EQ(run(ben, {"set", "--of", "anna", "--device", "desk", "smart-sync=1"}).exitCode, 6);
+}
+
+TEST_P(CliDeviceNames, AUserIsTakenWhereTheRequestCanNameHim) {
+    Cli kim{nas, GetParam()};
+    kim.become("jo+kim", "open");
+    EXPECT_EQ(json(kim, {"get"})["count"], 0);
+    EXPECT_EQ(json(kim, {"list"})["user"], "jo+kim");
+    EXPECT_EQ(json(cli, {"list", "--of", "jo+kim"})["total"], 1);
+    EXPECT_EQ(run(cli, {"reset", "--of", "jo+kim", "--device", "desk"}).exitCode, 5);
+    for (const ProcessResult& refused : {run(kim, {"set", "smart-sync=1"}),
+                                         run(cli, {"set", "--of", "jo+kim", "--device", "a", "smart-sync=1"}),
+                                         run(cli, {"notify", "--of", "jo+kim"})}) {
+        EXPECT_EQ(refused.exitCode, 2);
+        EXPECT_THAT(refused.err, HasSubstr("jo+kim has a +"));
+    }
+    EXPECT_EQ(nas.requestCount("nubo_save_device_config"), 0) << nas.log();
+}
+
+TEST_P(CliDeviceNames, AUidThatNoRequestCanCarryIsRefusedFromTheListToo) {
+    answer("nubo_get_device_config_list",
+           R"({"total":1,"device":[{"device_name":"desk","device_uid":"d&1"}]})");
+    const ProcessResult result = run(cli, {"get", "--device", "d&1"});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.err, HasSubstr("d&1 has a &"));
+    EXPECT_EQ(nas.requestCount("nubo_get_device_config"), 0) << nas.log();
 }
 
 TEST_P(CliDeviceRules, TheRulesAreShown) {

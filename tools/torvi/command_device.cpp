@@ -245,6 +245,7 @@ void set(const GlobalOptions& global, const SetOptions& options) {
     {
         const Session session(resolveConnection(global, Needs::Login));
         device = chooseDevice(session, what, options.device);
+        requirePlain(what, device.user);
         saveWithPassword(session, what, options, device, values);
     }
     if (global.json) return printJson(toJson(device, values, false));
@@ -301,7 +302,7 @@ void addConfigSetCommand(const Commands& commands) {
                      "pattern each; mail-password stands alone")
         ->type_name("ITEM=VALUE")
         ->required();
-    options->device.addTo(*command);
+    options->device.addForOthersTo(*command);
     command->add_flag("--template", options->asTemplate, "Set it in the user's template, too");
     command->add_flag("--at-once", options->atOnce, "Tell the device to act on it without delay");
     command
@@ -318,7 +319,7 @@ void addConfigSetCommand(const Commands& commands) {
 void addConfigResetCommand(const Commands& commands) {
     CLI::App* command = commands.app.add_subcommand("reset", "Take back all that was set for a device");
     auto options = std::make_shared<ResetOptions>();
-    options->device.addTo(*command);
+    options->device.addForOthersTo(*command);
     command->add_flag("--dry-run", options->dryRun, "Only tell of which device");
     runs(commands, command, options, reset);
 }

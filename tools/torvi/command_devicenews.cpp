@@ -65,7 +65,7 @@ void list(const GlobalOptions& global, const ListOptions& options) {
     Devices devices;
     {
         const Session session(resolveConnection(global, Needs::Login));
-        user = chosenUser(session, what, options.user);
+        user = chosenUser(session, options.user);
         devices = deviceList(session, what, user, options.window);
     }
     if (global.json) {

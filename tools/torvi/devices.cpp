@@ -24,10 +24,16 @@ std::vector<Device> devicesIfTold(const Session& session, const QString& what, c
 
 }  // namespace
 
-void DeviceChoice::addTo(CLI::App& command) {
-    command.add_option("--device", device, "The device's name or uid; this machine's if not given")
+CLI::Option* DeviceChoice::addTo(CLI::App& command) {
+    return command.add_option("--device", device, "The device's name or uid; this machine's if not given")
         ->type_name("DEVICE");
-    command.add_option("--of", user, "Whose device it is; one's own if not given")->type_name("NAME");
+}
+
+void DeviceChoice::addForOthersTo(CLI::App& command) {
+    CLI::Option* which = addTo(command);
+    command.add_option("--of", user, "Whose device it is; one's own if not given")
+        ->needs(which)
+        ->type_name("NAME");
 }
 
 void requirePlain(const QString& what, const QString& text) {
@@ -39,10 +45,8 @@ void requirePlain(const QString& what, const QString& text) {
     }
 }
 
-QString chosenUser(const Session& session, const QString& what, const std::string& user) {
-    const QString name = user.empty() ? session.connection().user : QString::fromStdString(user);
-    requirePlain(what, name);
-    return name;
+QString chosenUser(const Session& session, const std::string& user) {
+    return user.empty() ? session.connection().user : QString::fromStdString(user);
 }
 
 Devices deviceList(const Session& session, const QString& what, const QString& user, const Window& window) {
@@ -67,12 +71,15 @@ Devices deviceList(const Session& session, const QString& what, const QString& u
 }
 
 ChosenDevice chooseDevice(const Session& session, const QString& what, const DeviceChoice& choice) {
-    const QString user = chosenUser(session, what, choice.user);
+    const QString user = chosenUser(session, choice.user);
     if (choice.device.empty()) return {user, installationId()};
     const QString given = QString::fromStdString(choice.device);
     QStringList named;
     for (const Device& device : devicesIfTold(session, what, user)) {
-        if (device.uid == given) return {user, given};
+        if (device.uid == given) {
+            named = {given};
+            break;
+        }
         if (device.name == given) named << device.uid;
     }
     if (named.size() > 1) {

@@ -25,7 +25,9 @@ struct DeviceChoice {
     std::string user;  ///< the session's own if empty
     std::string device;
 
-    void addTo(CLI::App& command);
+    CLI::Option* addTo(CLI::App& command);
+    /// For administrators, those of other users, too. This machine is none of theirs, so that they are named.
+    void addForOthersTo(CLI::App& command);
 };
 /// One that was chosen, and whose it is.
 struct ChosenDevice {
@@ -36,8 +38,8 @@ struct ChosenDevice {
 Devices deviceList(const Session& session, const QString& what, const QString& user, const Window& window);
 /// One that no device of the list is called is taken for a uid.
 ChosenDevice chooseDevice(const Session& session, const QString& what, const DeviceChoice& choice);
-/// The user that is named, or the session's own. Throws the usage failure for one that a request can't name.
-QString chosenUser(const Session& session, const QString& what, const std::string& user);
+/// The user that is named, or the session's own.
+QString chosenUser(const Session& session, const std::string& user);
 /// Throws the usage failure for what can't stand in a request as it is.
 void requirePlain(const QString& what, const QString& text);
 
