@@ -164,7 +164,7 @@ TEST_P(CliDevice, WhatAnAdministratorChangesIsNewsToTheUser) {
     EXPECT_EQ(run(ben, {"set", "--of", "anna", "--device", "desk", "smart-sync=1"}).exitCode, 6);
 }
 
-TEST_P(CliDeviceNames, AUserIsTakenWhereTheRequestCanNameHim) {
+TEST_P(CliDeviceNames, AUserIsTakenWhereTheRequestCarriesTheName) {
     Cli kim{nas, GetParam()};
     kim.become("jo+kim", "open");
     EXPECT_EQ(json(kim, {"get"})["count"], 0);

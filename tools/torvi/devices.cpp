@@ -77,7 +77,7 @@ ChosenDevice chooseDevice(const Session& session, const QString& what, const Dev
     QStringList named;
     for (const Device& device : devicesIfTold(session, what, user)) {
         if (device.uid == given) {
-            named = {given};
+            named = QStringList{given};
             break;
         }
         if (device.name == given) named << device.uid;
