@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "http_server.h"
+#include "http_request.h"
+#include "nas/ledger.h"
 #include "service.h"
 
 namespace cloud {
 
 // How a call proves that it may be made, and which headers it bears for that.
 enum class Proof {
-    Form,      // the application's secret or a token in the form
-    Query,     // the access token in the query; it may stand in Authorization as well
+    Form,      // the application's secret or a refresh token in the form
     Bearer,    // the access token in Authorization
     Checksum,  // that the client knows the application's secret
 };
@@ -48,8 +48,5 @@ const std::vector<Call>& allCalls();
 void addTokenCalls(std::vector<Call>& calls);
 void addDeviceCalls(std::vector<Call>& calls);
 void addLinkCalls(std::vector<Call>& calls);
-
-// The access token in Authorization; Refusal if it isn't there as it must be.
-std::string bearerOf(const HttpRequest& http);
 
 }  // namespace cloud

@@ -1,5 +1,6 @@
 #include "control.h"
 
+#include <functional>
 #include <stdexcept>
 
 #include "nas/common_control.h"
@@ -10,13 +11,15 @@ namespace cloud {
 namespace {
 
 nlohmann::json stateOf(Service& service) {
+    const auto state = service.book().read();
     nlohmann::json users = nlohmann::json::array();
     for (const auto& [name, user] : service.accounts().users()) {
         nlohmann::json devices = nlohmann::json::array();
-        for (const Device* device : service.directory().ofUser(name)) {
+        for (const Device* device : state->directory.ofUser(name)) {
             devices.push_back(device->id);
         }
-        users.push_back({{"name", name}, {"suspended", user.suspended}, {"devices", devices}});
+        const bool suspended = state->suspended.count(name) > 0;
+        users.push_back({{"name", name}, {"suspended", suspended}, {"devices", devices}});
     }
     return {{"users", users}, {"time", service.now()}};
 }
@@ -25,12 +28,24 @@ std::string textIn(const std::string& body, const std::string& key) {
     return nlohmann::json::parse(body).at(key);
 }
 
-void suspend(Service& service, const std::string& name, bool suspended) {
-    User* user = service.accounts().findUser(name);
-    if (!user) {
+std::string userIn(Service& service, const std::string& body) {
+    std::string name = textIn(body, "user");
+    if (!service.accounts().findUser(name)) {
         throw std::invalid_argument("no user \"" + name + "\"");
     }
-    user->suspended = suspended;
+    return name;
+}
+
+nlohmann::json change(Service& service, const std::function<void(State&)>& act) {
+    service.book().change(act);
+    return nlohmann::json::object();
+}
+
+nlohmann::json grantTo(Service& service, const std::string& user) {
+    std::string token;
+    service.book().change(
+        [&](State& state) { token = state.tokens.grant(user, service.options().lifetimes, service.now()); });
+    return {{"refresh_token", token}};
 }
 
 }  // namespace
@@ -40,24 +55,19 @@ nlohmann::json runControl(Service& service, const std::string& what, const std::
         return *reply;
     }
     if (what == "POST /control/grants") {
-        return {{"refresh_token",
-                 service.accounts().grant(textIn(body, "user"), service.options().lifetimes, service.now())}};
+        return grantTo(service, userIn(service, body));
     }
     if (what == "POST /control/tokens/expire") {
-        service.accounts().endAccessTokens();
-        return nlohmann::json::object();
+        return change(service, [](State& state) { state.tokens.endAccessTokens(); });
     }
     if (what == "POST /control/users/suspend") {
-        suspend(service, textIn(body, "user"), true);
-        return nlohmann::json::object();
+        return change(service, [&](State& state) { state.suspended.insert(userIn(service, body)); });
     }
     if (what == "POST /control/users/restore") {
-        suspend(service, textIn(body, "user"), false);
-        return nlohmann::json::object();
+        return change(service, [&](State& state) { state.suspended.erase(userIn(service, body)); });
     }
     if (what == "DELETE /control/devices") {
-        service.directory().remove(textIn(body, "device_id"));
-        return nlohmann::json::object();
+        return change(service, [&](State& state) { state.directory.remove(textIn(body, "device_id")); });
     }
     if (what == "GET /control/state") {
         return stateOf(service);

@@ -1,4 +1,5 @@
 #include "calls.h"
+#include "headers.h"
 
 namespace cloud {
 
@@ -20,8 +21,8 @@ Answer found(const std::string& user, nlohmann::json result) {
     return {{{"code", kOk}, {"message", "OK"}, {"result", std::move(result)}}, kOk, user};
 }
 
-const Grant& grantOf(Service& service, const HttpRequest& http) {
-    return service.accounts().require(bearerOf(http), http.header("X-VEXA-APP-ID"), service.now());
+Grant grantOf(Service& service, const HttpRequest& http) {
+    return service.book().read()->tokens.require(bearerOf(http), http.header("X-VEXA-APP-ID"), service.now());
 }
 
 using ServeUser = Answer (*)(Service&, const Request&, const std::string& user);
@@ -30,11 +31,10 @@ using ServeUser = Answer (*)(Service&, const Request&, const std::string& user);
 template <ServeUser serve>
 Answer forUser(Service& service, const Request& request) {
     const std::string name = grantOf(service, request.http).user;
-    const User* user = service.accounts().findUser(name);
-    if (!user) {
+    if (name.empty()) {
         return coded(kNoUser, "No user is signed in.", name);
     }
-    if (user->suspended) {
+    if (service.book().read()->suspended.count(name) > 0) {
         return coded(kSuspended, "The account is suspended.", name);
     }
     return serve(service, request, name);
@@ -123,8 +123,9 @@ nlohmann::json deviceJson(const Device& device, const std::string& publicIp) {
 }
 
 nlohmann::json listJson(Service& service, const std::string& user, const std::string* name = nullptr) {
+    const auto state = service.book().read();
     nlohmann::json list = nlohmann::json::array();
-    for (const Device* device : service.directory().ofUser(user)) {
+    for (const Device* device : state->directory.ofUser(user)) {
         if (!name || device->name == *name) {
             list.push_back(deviceJson(*device, service.options().publicIp));
         }
@@ -137,7 +138,7 @@ Answer listDevices(Service& service, const Request&, const std::string& user) {
 }
 
 Answer countDevices(Service& service, const Request&, const std::string& user) {
-    return found(user, service.directory().ofUser(user).size());
+    return found(user, service.book().read()->directory.ofUser(user).size());
 }
 
 Answer searchDevices(Service& service, const Request& request, const std::string& user) {
@@ -161,7 +162,8 @@ void addResources(nlohmann::json& list, const std::string& type, const std::stri
 }
 
 Answer tellNetwork(Service& service, const Request& request, const std::string& user) {
-    const Device* device = service.directory().find(request.id);
+    const auto state = service.book().read();
+    const Device* device = state->directory.find(request.id);
     if (!device || device->user != user) {
         return coded(kNoDevice, "There is no such device.", user);
     }

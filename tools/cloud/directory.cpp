@@ -1,5 +1,8 @@
 #include "directory.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -9,49 +12,23 @@ namespace cloud {
 
 namespace {
 
-Device fromRegistration(const nlohmann::json& json) {
-    Device device;
-    json.at("device_id").get_to(device.id);
-    json.at("user").get_to(device.user);
-    json.at("device_name").get_to(device.name);
-    json.at("description").get_to(device.description);
-    json.at("model").get_to(device.model);
-    json.at("firmware").get_to(device.firmware);
-    json.at("mac_address").get_to(device.macAddress);
-    json.at("host_name").get_to(device.hostName);
-    json.at("address").get_to(device.address);
-    json.at("http_port").get_to(device.httpPort);
-    json.at("tls_port").get_to(device.tlsPort);
-    json.at("external_address").get_to(device.externalAddress);
-    json.at("external_http_port").get_to(device.externalHttpPort);
-    json.at("external_tls_port").get_to(device.externalTlsPort);
-    json.at("ddns_name").get_to(device.ddnsName);
-    json.at("remote_access").get_to(device.remoteAccess);
-    json.at("local_users").get_to(device.localUsers);
-    if (device.id.empty() || device.name.empty()) {
-        throw std::invalid_argument("a device has an id and a name");
+constexpr size_t kMostDevices = 1000;
+
+void requireAddress(const std::string& what, const std::string& text) {
+    in_addr address{};
+    if (::inet_pton(AF_INET, text.c_str(), &address) != 1 || address.s_addr == htonl(INADDR_ANY)) {
+        throw std::invalid_argument(what + " \"" + text + "\" is no IPv4 address of a device");
     }
-    return device;
 }
 
-nlohmann::json toRegistration(const Device& device) {
-    return {{"device_id", device.id},
-            {"user", device.user},
-            {"device_name", device.name},
-            {"description", device.description},
-            {"model", device.model},
-            {"firmware", device.firmware},
-            {"mac_address", device.macAddress},
-            {"host_name", device.hostName},
-            {"address", device.address},
-            {"http_port", device.httpPort},
-            {"tls_port", device.tlsPort},
-            {"external_address", device.externalAddress},
-            {"external_http_port", device.externalHttpPort},
-            {"external_tls_port", device.externalTlsPort},
-            {"ddns_name", device.ddnsName},
-            {"remote_access", device.remoteAccess},
-            {"local_users", device.localUsers}};
+void requireListable(const nas::DeviceEntry& entry) {
+    if (entry.id.empty() || entry.name.empty()) {
+        throw std::invalid_argument("a device has an id and a name");
+    }
+    requireAddress("address", entry.address);
+    if (!entry.externalAddress.empty()) {
+        requireAddress("external_address", entry.externalAddress);
+    }
 }
 
 }  // namespace
@@ -60,21 +37,21 @@ std::string gatewayOf(const Device& device) {
     return device.address.substr(0, device.address.rfind('.')) + ".1";
 }
 
-const Device& Directory::add(const nlohmann::json& registration) {
-    Device device = fromRegistration(registration);
-    const Device* known = find(device.id);
-    if (known && known->user == device.user) {
-        device.token = known->token;
-        device.accessCode = known->accessCode;
-        device.linkId = known->linkId;
-        device.order = known->order;
-    } else {
-        device.token = nas::randomHex(16);
-        device.accessCode = nas::randomHex(4);
-        device.linkId = "link-" + nas::randomHex(6);
-        device.order = ++lastOrder_;
+const Device& Directory::add(const nas::DeviceEntry& entry) {
+    requireListable(entry);
+    const auto known = devices_.find(entry.id);
+    if (known == devices_.end()) {
+        if (devices_.size() >= kMostDevices) {
+            throw std::invalid_argument("there is no room for more devices");
+        }
+        return devices_[entry.id] = {entry, nas::randomHex(16), nas::randomHex(4),
+                                     "link-" + nas::randomHex(6), ++lastOrder_};
     }
-    return devices_[device.id] = device;
+    if (known->second.user != entry.user) {
+        throw std::invalid_argument("the device id \"" + entry.id + "\" is another user's");
+    }
+    static_cast<nas::DeviceEntry&>(known->second) = entry;
+    return known->second;
 }
 
 const Device* Directory::find(const std::string& id) const {
@@ -94,29 +71,29 @@ std::vector<const Device*> Directory::ofUser(const std::string& user) const {
     return found;
 }
 
-nlohmann::json Directory::toJson() const {
-    nlohmann::json all = nlohmann::json::array();
-    for (const auto& [id, device] : devices_) {
-        nlohmann::json entry = toRegistration(device);
-        entry["token"] = device.token;
-        entry["access_code"] = device.accessCode;
-        entry["link_id"] = device.linkId;
-        entry["order"] = device.order;
-        all.push_back(entry);
-    }
-    return all;
+void to_json(nlohmann::json& json, const Device& device) {
+    json = static_cast<const nas::DeviceEntry&>(device);
+    json["token"] = device.token;
+    json["access_code"] = device.accessCode;
+    json["link_id"] = device.linkId;
+    json["order"] = device.order;
 }
 
-void Directory::load(const nlohmann::json& json) {
-    for (const nlohmann::json& entry : json) {
-        Device device = fromRegistration(entry);
-        entry.at("token").get_to(device.token);
-        entry.at("access_code").get_to(device.accessCode);
-        entry.at("link_id").get_to(device.linkId);
-        entry.at("order").get_to(device.order);
-        lastOrder_ = std::max(lastOrder_, device.order);
-        devices_[device.id] = device;
-    }
+void from_json(const nlohmann::json& json, Device& device) {
+    json.get_to(static_cast<nas::DeviceEntry&>(device));
+    json.at("token").get_to(device.token);
+    json.at("access_code").get_to(device.accessCode);
+    json.at("link_id").get_to(device.linkId);
+    json.at("order").get_to(device.order);
+}
+
+void to_json(nlohmann::json& json, const Directory& directory) {
+    json = {{"last_order", directory.lastOrder_}, {"list", directory.devices_}};
+}
+
+void from_json(const nlohmann::json& json, Directory& directory) {
+    json.at("last_order").get_to(directory.lastOrder_);
+    json.at("list").get_to(directory.devices_);
 }
 
 }  // namespace cloud

@@ -1,41 +1,32 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <set>
-#include <string>
 #include <thread>
 
+#include "http_request.h"
 #include "nas/fd.h"
-#include "nas/wire_text.h"
+#include "nas/status.h"
 
 namespace cloud {
 
-struct HttpRequest {
-    std::string method;
-    std::string path;
-    std::string query;
-    bool hasQuery = false;
-    nas::Fields headers;  // in the order in which they came
-    std::string body;
+class RequestReader;
 
-    // The first header of that name, in whatever case; empty without one.
-    std::string header(const std::string& name) const;
+// What becomes of requests.
+struct HttpHandlers {
+    std::function<HttpReply(const HttpRequest&)> serve;
+    // What isn't HTTP, as far as it was read. The connection ends with the reply.
+    std::function<HttpReply(const HttpRequest&, const nas::Refusal&)> refuse;
 };
 
-struct HttpReply {
-    int status = 200;
-    std::string body;  // JSON
-};
-
-// The HTTP server behind the relay, on a loopback port of its own. It keeps headers in their order, which is
-// part of the protocol, and a checksum whatever bytes it holds.
+// The HTTP server behind the relay, on a loopback port of its own.
 class HttpServer {
 public:
-    using Handler = std::function<HttpReply(const HttpRequest&)>;
-
-    explicit HttpServer(Handler handler);
+    // Waits for so many seconds until a client sends or takes something.
+    HttpServer(HttpHandlers handlers, int64_t patience);
     ~HttpServer();
 
     int port() const { return port_; }
@@ -44,9 +35,13 @@ public:
 
 private:
     void acceptAll();
+    // False if there is no thread left for it.
+    bool serveAside(nas::Fd& socket);
     void serve(int socket);
+    bool serveNext(RequestReader& reader, int socket);
 
-    const Handler handler_;
+    const HttpHandlers handlers_;
+    const int64_t patience_;
     nas::Fd listener_;
     int port_ = 0;
     std::thread thread_;

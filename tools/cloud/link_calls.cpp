@@ -1,22 +1,13 @@
 #include <cstdlib>
-#include <ctime>
 
 #include "calls.h"
 #include "checksum.h"
 #include "nas/status.h"
+#include "nas/time_text.h"
 
 namespace cloud {
 
 namespace {
-
-std::string actTime(int64_t now) {
-    const auto seconds = static_cast<std::time_t>(now / 1000);
-    std::tm utc{};
-    gmtime_r(&seconds, &utc);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
-    return text;
-}
 
 Answer replied(int code, const std::string& message, nlohmann::json content) {
     Answer answer{{{"return", std::move(content)}}, code};
@@ -31,7 +22,7 @@ Answer refused(int code, const std::string& message) {
 
 Answer told(Service& service, int code, const std::string& message, nlohmann::json content) {
     content["StatusCode"] = {{"code", std::to_string(code)}, {"message", message}};
-    content["actTime"] = actTime(service.now());
+    content["actTime"] = nas::utcStamp(service.now() / 1000);
     return replied(code, message, std::move(content));
 }
 
@@ -72,7 +63,8 @@ Answer checked(Service& service, const Request& request) {
 }
 
 Answer tellDeviceId(Service& service, const Request& request) {
-    const auto devices = service.directory().ofUser(request.id);
+    const auto state = service.book().read();
+    const auto devices = state->directory.ofUser(request.id);
     if (devices.empty()) {
         return notFound(service, "The device is not found.");
     }
@@ -80,7 +72,8 @@ Answer tellDeviceId(Service& service, const Request& request) {
 }
 
 Answer tellLink(Service& service, const Request& request) {
-    const Device* device = service.directory().find(request.id);
+    const auto state = service.book().read();
+    const Device* device = state->directory.find(request.id);
     if (!device) {
         return notFound(service, "The device is not found.");
     }
@@ -106,7 +99,8 @@ nlohmann::json mappingJson(const std::string& service, const std::string& subSer
 }
 
 Answer tellPorts(Service& service, const Request& request) {
-    const Device* device = service.directory().find(request.id);
+    const auto state = service.book().read();
+    const Device* device = state->directory.find(request.id);
     if (!device) {
         return notFound(service, "The device is not found.");
     }

@@ -20,7 +20,11 @@ int serve(const cloud::Options& options, const sigset_t& signals) {
         tls = nas::makeSslContext(options.certificate, options.key, "torvi-cloud");
     }
     cloud::Service service(options, faults);
-    cloud::HttpServer http([&](const cloud::HttpRequest& request) { return service.serve(request); });
+    cloud::HttpServer http({[&](const cloud::HttpRequest& request) { return service.serve(request); },
+                            [&](const cloud::HttpRequest& request, const nas::Refusal& refusal) {
+                                return service.refuse(request, refusal);
+                            }},
+                           options.patience);
     nas::Relay relay(faults, http.port());
     const int port = relay.listen(options.address, options.port, nullptr);
     const int tlsPort = tls ? relay.listen(options.address, options.tlsPort, tls.get()) : 0;

@@ -14,7 +14,8 @@ int readOptions(int argc, char** argv, Options& options) {
     std::vector<std::string> users;
     std::vector<std::string> faults;
     const CLI::Range port(0, 65535);
-    const CLI::Range seconds(1LL, 315360000LL);
+    const long long tenYears = 315360000;
+    const CLI::Range seconds(1LL, tenYears);
 
     app.add_option("--address", options.address, "Address to listen on")->capture_default_str();
     app.add_option("--port", options.port, "HTTP port, 0 for any free one; clients expect 80")
@@ -46,7 +47,11 @@ int readOptions(int argc, char** argv, Options& options) {
         ->capture_default_str()
         ->check(seconds);
     app.add_option("--clock-offset", options.clockOffset, "Seconds that this server's clock is ahead")
-        ->capture_default_str();
+        ->capture_default_str()
+        ->check(CLI::Range(-tenYears, tenYears));
+    app.add_option("--patience", options.patience, "Seconds after which a client that sends nothing is left")
+        ->capture_default_str()
+        ->check(seconds);
     app.add_option("--public-ip", options.publicIp, "The address that every client is told to come from")
         ->capture_default_str();
     app.add_option("--state-dir", options.stateFolder, "Keep tokens and devices here over a restart");

@@ -5,6 +5,7 @@
 
 #include "accounts.h"
 #include "nas/faults.h"
+#include "tokens.h"
 
 namespace cloud {
 
@@ -18,6 +19,7 @@ struct Options {
     Lifetimes lifetimes;
     int64_t timeTolerance = 300;  // seconds that a client's clock may differ
     int64_t clockOffset = 0;      // seconds that this clock is ahead
+    int64_t patience = 60;        // seconds that it waits for bytes of a client
     std::string publicIp = "203.0.113.7";
     std::string stateFolder;
     bool control = false;

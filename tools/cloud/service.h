@@ -2,11 +2,11 @@
 
 #include <mutex>
 
-#include "accounts.h"
-#include "directory.h"
-#include "http_server.h"
+#include "http_request.h"
 #include "nas/ledger.h"
+#include "nas/status.h"
 #include "options.h"
+#include "state.h"
 
 namespace cloud {
 
@@ -16,11 +16,13 @@ public:
     Service(const Options& options, nas::Faults& faults);
 
     HttpReply serve(const HttpRequest& http);
+    // Answers a request that isn't HTTP, as far as it was read.
+    HttpReply refuse(const HttpRequest& http, const nas::Refusal& refusal);
 
     // One request at a time: what follows is for the call or the control request that runs.
     const Options& options() const { return options_; }
-    Accounts& accounts() { return accounts_; }
-    Directory& directory() { return directory_; }
+    const Accounts& accounts() const { return options_.accounts; }
+    StateBook& book() { return book_; }
     nas::Faults& faults() { return faults_; }
     nas::Ledger& ledger() { return ledger_; }
     // Milliseconds since the epoch by the cloud's clock.
@@ -28,17 +30,14 @@ public:
 
 private:
     HttpReply serveProtocol(const HttpRequest& http);
-    std::string stateFile() const { return options_.stateFolder + "/cloud.json"; }
-    void load();
-    void save();
+    HttpReply serveAside(const HttpRequest& http, const std::string& what, bool control);
+    HttpReply told(const HttpRequest& http, const nas::LedgerEntry& entry, const nlohmann::json& json);
 
     const Options& options_;
     nas::Faults& faults_;
     nas::Ledger ledger_;
     std::mutex mutex_;
-    Accounts accounts_;
-    Directory directory_;
-    std::string saved_;
+    StateBook book_;
 };
 
 }  // namespace cloud

@@ -1,5 +1,7 @@
 #include "calls.h"
+#include "headers.h"
 #include "nas/status.h"
+#include "oauth_error.h"
 
 namespace cloud {
 
@@ -14,31 +16,56 @@ nlohmann::json pairJson(const TokenPair& pair) {
             {"refresh_token", pair.refresh}};
 }
 
+// The access token stands in the header and in the query or the form.
+std::string tokenOf(const Request& request, const nas::Fields& fields, const std::string& place) {
+    const std::string& token = field(fields, "access_token");
+    if (bearerOf(request.http) != token) {
+        throw nas::Refusal("header Authorization bears another token than the " + place);
+    }
+    return token;
+}
+
+Answer signedIn(Service& service, const std::string& app) {
+    TokenPair pair;
+    service.book().change(
+        [&](State& state) { pair = state.tokens.signIn(app, service.options().lifetimes, service.now()); });
+    Answer answer{pairJson(pair)};
+    answer.note = "signed in";
+    return answer;
+}
+
+Answer refreshed(Service& service, const std::string& app, const std::string& token) {
+    TokenPair pair;
+    Grant grant;
+    service.book().change([&](State& state) {
+        grant = state.tokens.requireRefresh(token, app, service.accounts(), service.now());
+        if (state.suspended.count(grant.user) > 0) {
+            throw OAuthError(403, "access_denied", "The account is suspended.");
+        }
+        pair = state.tokens.refresh(token, grant, service.options().lifetimes, service.now());
+    });
+    Answer answer{pairJson(pair)};
+    answer.user = grant.user;
+    answer.note = "refreshed";
+    return answer;
+}
+
 Answer giveToken(Service& service, const Request& request) {
     const std::string& app = field(request.form, "client_id");
     if (app != request.http.header("X-VEXA-APP-ID")) {
         throw nas::Refusal("form key \"client_id\" isn't header X-VEXA-APP-ID");
     }
-    Accounts& accounts = service.accounts();
-    accounts.requireApp(app, field(request.form, "client_secret"));
-    const Lifetimes& lifetimes = service.options().lifetimes;
-    const bool again = field(request.form, "grant_type") == "refresh_token";
-    const TokenPair pair =
-        again ? accounts.refresh(app, field(request.form, "refresh_token"), lifetimes, service.now())
-              : accounts.signIn(app, lifetimes, service.now());
-    Answer answer{pairJson(pair)};
-    answer.user = accounts.require(pair.access, app, service.now()).user;
-    answer.note = again ? "refreshed" : "signed in";
-    return answer;
+    service.accounts().requireApp(app, field(request.form, "client_secret"));
+    return field(request.form, "grant_type") == "refresh_token"
+               ? refreshed(service, app, field(request.form, "refresh_token"))
+               : signedIn(service, app);
 }
 
 Answer tellToken(Service& service, const Request& request) {
-    const std::string& token = field(request.query, "access_token");
-    if (!request.http.header("Authorization").empty() && bearerOf(request.http) != token) {
-        throw nas::Refusal("header Authorization bears another token than the query");
-    }
+    const std::string token = tokenOf(request, request.query, "query");
     const int64_t now = service.now();
-    const Grant& grant = service.accounts().require(token, request.http.header("X-VEXA-APP-ID"), now);
+    const Grant grant =
+        service.book().read()->tokens.require(token, request.http.header("X-VEXA-APP-ID"), now);
     Answer answer;
     answer.user = grant.user;
     answer.json = {{"expires_in", (grant.ends - now) / 1000}};
@@ -50,13 +77,12 @@ Answer tellToken(Service& service, const Request& request) {
 }
 
 Answer signOut(Service& service, const Request& request) {
-    const std::string& token = field(request.form, "access_token");
-    if (bearerOf(request.http) != token) {
-        throw nas::Refusal("header Authorization bears another token than the form");
-    }
+    const std::string token = tokenOf(request, request.form, "form");
     Answer answer{nlohmann::json::object()};
-    answer.user = service.accounts().require(token, request.http.header("X-VEXA-APP-ID"), service.now()).user;
-    service.accounts().signOut(token);
+    service.book().change([&](State& state) {
+        answer.user = state.tokens.require(token, request.http.header("X-VEXA-APP-ID"), service.now()).user;
+        state.tokens.signOut(token, service.accounts());
+    });
     answer.note = "signed out";
     return answer;
 }
@@ -71,7 +97,7 @@ void addTokenCalls(std::vector<Call>& calls) {
                      {{"grant_type=client_credentials", "client_id", "client_secret"},
                       {"grant_type=refresh_token", "client_id", "client_secret", "refresh_token"}},
                      giveToken});
-    calls.push_back({"tokeninfo", "GET", "/oauth/tokeninfo", Proof::Query, {{"access_token"}}, tellToken});
+    calls.push_back({"tokeninfo", "GET", "/oauth/tokeninfo", Proof::Bearer, {{"access_token"}}, tellToken});
     calls.push_back({"signout", "POST", "/oauth/signout", Proof::Bearer, {{"access_token"}}, signOut});
 }
 

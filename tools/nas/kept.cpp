@@ -38,7 +38,14 @@ Fd KeptFile::lock() const {
 
 std::string KeptFile::stamp() const {
     struct stat info {};
-    if (path_.empty() || ::stat(path_.c_str(), &info) != 0) {
+    if (path_.empty()) {
+        return "";
+    }
+    if (::stat(path_.c_str(), &info) != 0) {
+        // What is there and can't be read isn't nothing.
+        if (errno != ENOENT) {
+            throw std::runtime_error("cannot read " + path_ + ": " + std::strerror(errno));
+        }
         return "";
     }
     return std::to_string(info.st_ino) + " " + std::to_string(info.st_size) + " " +
@@ -47,6 +54,9 @@ std::string KeptFile::stamp() const {
 
 nlohmann::json KeptFile::read() const {
     std::ifstream in(path_);
+    if (!in) {
+        throw std::runtime_error("cannot read " + path_ + ": " + std::strerror(errno));
+    }
     return nlohmann::json::parse(in);
 }
 

@@ -11,6 +11,7 @@
 #include "json_text.h"
 #include "log.h"
 #include "outcome_text.h"
+#include "require_header.h"
 #include "sharing.h"
 #include "versions.h"
 
@@ -75,10 +76,7 @@ std::string onlyHeader(const httplib::Request& http, const char* name) {
 }
 
 void requireHeader(const httplib::Request& http, const char* name, const std::string& value) {
-    std::string found = onlyHeader(http, name);
-    if (found != value) {
-        throw Refusal(std::string("header ") + name + " is \"" + found + "\", not \"" + value + "\"");
-    }
+    nas::requireHeader(name, onlyHeader(http, name), value);
 }
 
 bool isAddress(const std::string& text) {
