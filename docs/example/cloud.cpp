@@ -65,7 +65,11 @@ std::wstring localAddress(const Application& app, const std::wstring& token, con
 
 bool logIn(const std::wstring& address) {
     const size_t colon = address.rfind(L':');
-    if (colon == std::wstring::npos) return false;
+    // Without a port there is no telling where to go, and of an IPv6 address where it ends.
+    if (colon == std::wstring::npos || address.find(L':') != colon) {
+        std::fprintf(stderr, "no address to log in at: \"%ls\"\n", address.c_str());
+        return false;
+    }
     const std::wstring server = address.substr(0, colon);
     const auto port = static_cast<int32_t>(std::stoi(address.substr(colon + 1)));
     wchar_t name[260] = {};
@@ -95,7 +99,7 @@ int main(int argc, char** argv) {
     const std::wstring token = accessToken(app, wide(refreshToken));
     if (token.empty()) return 1;
     const std::wstring device = firstDevice(app, token);
-    const bool done = !device.empty() && logIn(localAddress(app, token, device));
+    const bool done = logIn(device.empty() ? device : localAddress(app, token, device));
     ZenoAPIAPPSignOut(app.host.c_str(), token.c_str(), kAgent, kVersion, app.id.c_str(), true, 0, nullptr,
                       nullptr, nullptr);
     return done ? 0 : 1;
