@@ -1,175 +1,24 @@
-#include <sys/stat.h>
-
-#include <fstream>
-#include <optional>
-
-#include "cli_support.h"
-#include "support/cloud.h"
-#include "support/cloudplace.h"
+#include "cli_cloud.h"
+#include "support/proxy.h"
 
 using testing::AllOf;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using Json = nlohmann::json;
 
 namespace {
 
-/// A cloud at the ports that its clients know, a NAS that is listed there as anna's, and the command line.
-class CliCloud : public CloudTest<testing::TestWithParam<bool>> {
+class CliCloud : public CliCloudBase {};
+
+class CliCloudTimes : public CliCloudBase {
 protected:
-    explicit CliCloud(std::vector<std::string> more = {}) : m_more(std::move(more)) {}
-
-    void SetUp() override {
-        CloudTest::SetUp();
-        if (IsSkipped()) return;
-        Cloud::Options options;
-        options.address = *wire::cloudAddress();
-        options.clientPorts = true;
-        options.arguments = m_more;
-        cloud.emplace(options);
-        Nas::Options served;
-        served.arguments = cloud->registration("anna", "My cellar", "nas-1");
-        served.arguments.insert(served.arguments.end(),
-                                {"--external-address", "198.51.100.4", "--external-port", "8081",
-                                 "--ddns-name", "cellar.example"});
-        nas.emplace(served);
-        cli.emplace(*nas);
-    }
-
-    ProcessResult run(std::vector<std::string> arguments, const std::string& secret = "desk-secret") const {
-        return runProcess(TORVI_PATH, whole(std::move(arguments)), options(secret));
-    }
-    Json json(std::vector<std::string> arguments) const {
-        arguments.push_back("--json");
-        const ProcessResult result = run(arguments, "");
-        EXPECT_EQ(result.exitCode, 0) << arguments[0] << ": " << result.err << cloud->log();
-        return Json::parse(result.out, nullptr, false);
-    }
-    static std::vector<std::string> whole(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "cloud");
-        return arguments;
-    }
-    Process::Options options(const std::string& secret) const {
-        Process::Options options = cli->options();
-        options.environment["TORVI_CLOUD"] = "";
-        options.environment["TORVI_CLIENT_ID"] = "";
-        options.environment["TORVI_CLIENT_SECRET"] = secret;
-        return options;
-    }
-
-    std::vector<std::string> signin(std::vector<std::string> more = {}) const {
-        more.insert(more.begin(), {"signin", "--cloud", cloud->address(), "--client-id", "desk-app"});
-        if (!GetParam()) more.push_back("--no-tls");
-        return more;
-    }
-    /// As the user of that refresh token.
-    ProcessResult signinAs(const std::string& token) const {
-        return run(signin({"--refresh-token-file", cli->work().write("token", token + "\n")}));
-    }
-    void beAnna() const {
-        const ProcessResult result = signinAs("anna-refresh");
-        ASSERT_EQ(result.exitCode, 0) << result.err << cloud->log();
-    }
-    /// The file of the session.
-    std::string kept() const {
-        const auto folder = cli->state().path() / "torvi/cloud";
-        if (!std::filesystem::exists(folder)) return {};
-        for (const auto& file : std::filesystem::directory_iterator(folder)) return file.path().string();
-        return {};
-    }
-
-    std::optional<Cloud> cloud;
-    std::optional<Nas> nas;
-    std::optional<Cli> cli;
-
-    Json session() const { return Json::parse(std::ifstream(kept())); }
-
-private:
-    std::vector<std::string> m_more;
+    CliCloudTimes() : CliCloudBase({"--clock-offset", "3600"}) {}
 };
-
-class CliCloudRotating : public CliCloud {
-protected:
-    CliCloudRotating() : CliCloud({"--rotate"}) {}
-};
-
-class CliCloudTimes : public CliCloud {
-protected:
-    CliCloudTimes() : CliCloud({"--clock-offset", "3600"}) {}
-};
-
-std::string wayName(const testing::TestParamInfo<bool>& info) {
-    return info.param ? "Tls" : "Http";
-}
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(Ways, CliCloud, testing::Bool(), wayName);
-INSTANTIATE_TEST_SUITE_P(Ways, CliCloudRotating, testing::Bool(), wayName);
-INSTANTIATE_TEST_SUITE_P(Ways, CliCloudTimes, testing::Values(true), wayName);
-
-TEST_P(CliCloud, AUserSignsInAndTheSessionIsKeptForItsOwnerAlone) {
-    const ProcessResult result = signinAs("anna-refresh");
-    ASSERT_EQ(result.exitCode, 0) << result.err << cloud->log();
-    EXPECT_EQ(result.out, "Signed in to " + cloud->address() + " as Anna Berg <anna@example.org>\n");
-    struct stat status = {};
-    ASSERT_EQ(::stat(kept().c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0600u);
-    const Json who = json({"whoami"});
-    EXPECT_EQ(who["userId"], "anna");
-    EXPECT_EQ(who["email"], "anna@example.org");
-    EXPECT_EQ(who["refreshable"], true);
-    EXPECT_GT(who["expiresIn"], 0);
-    EXPECT_EQ(cloud->requestCount("refused"), 0) << cloud->log();
-}
-
-TEST_P(CliCloud, AnApplicationSignsInForItself) {
-    const ProcessResult result = run(signin());
-    ASSERT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("the application itself"));
-    EXPECT_EQ(json({"whoami"})["userId"], nullptr);
-    EXPECT_EQ(json({"public-ip"})["address"], "203.0.113.7");
-    const ProcessResult devices = run({"devices"});
-    EXPECT_EQ(devices.exitCode, 1);
-    EXPECT_THAT(devices.err, HasSubstr("result 3"));
-}
-
-TEST_P(CliCloud, WhatTheCloudSaysOfARefusalIsTold) {
-    const ProcessResult secret = run(signin(), "guess");
-    EXPECT_EQ(secret.exitCode, 4);
-    EXPECT_THAT(secret.err, AllOf(HasSubstr("The client secret is wrong."), HasSubstr("invalid_client")));
-    const ProcessResult token = signinAs("guess");
-    EXPECT_EQ(token.exitCode, 4);
-    EXPECT_THAT(token.err, HasSubstr("The refresh token is unknown or expired."));
-    EXPECT_EQ(kept(), "");
-}
-
-TEST_P(CliCloud, WithoutASessionNothingIsAsked) {
-    const ProcessResult nothing = run({"devices"});
-    EXPECT_EQ(nothing.exitCode, 2);
-    EXPECT_THAT(nothing.err, HasSubstr("torvi cloud signin"));
-    const ProcessResult noToken = run({"devices", "--cloud", cloud->address(), "--client-id", "desk-app"});
-    EXPECT_EQ(noToken.exitCode, 4);
-    EXPECT_EQ(run({"signout"}).exitCode, 0);
-    std::vector<std::string> alone = whole(signin());
-    alone.insert(alone.begin(), {"--wait", TORVI_PATH});
-    EXPECT_EQ(runProcess(findProgram("setsid"), alone, options("")).exitCode, 2);
-    EXPECT_EQ(cloud->requestCount(), 0) << cloud->log();
-}
-
-TEST_P(CliCloud, TheSecretIsAskedForWithoutAnEcho) {
-    Process::Options asked = options("");
-    asked.arguments = whole(signin());
-    asked.terminal = true;
-    Process process(TORVI_PATH, asked);
-    ASSERT_TRUE(process.waitFor([](const std::string& out, const std::string&) {
-        return out.find("Secret of the application desk-app") != out.npos;
-    }));
-    process.write("desk-secret\n");
-    EXPECT_EQ(process.wait(), 0) << process.out();
-    EXPECT_THAT(process.out(), Not(HasSubstr("desk-secret")));
-}
+CLI_CLOUD_ON_ALL_WAYS(CliCloud);
+INSTANTIATE_TEST_SUITE_P(Ways, CliCloudTimes, testing::Values(true), cloudWayName);
 
 TEST_P(CliCloud, DevicesAreListedAndFoundByTheirName) {
     beAnna();
@@ -247,56 +96,77 @@ TEST_P(CliCloud, WhatTheCloudDoesNotKnowIsRefused) {
     EXPECT_THAT(suspended.err, HasSubstr("result 4"));
 }
 
-TEST_P(CliCloudRotating, AnExpiredTokenIsRefreshedOnceAndKept) {
+TEST_P(CliCloud, WhatIsReachedInItsOwnNetworkAloneHasNoLink) {
     beAnna();
-    const Json before = session();
-    cloud->expireTokens();
+    Nas::Options served;
+    served.arguments = cloud->registration("anna", "Attic", "nas-2");
+    served.arguments.push_back("--no-remote-access");
+    const Nas attic(served);
     cloud->forgetRequests();
-    EXPECT_EQ(json({"devices"})["count"], 1);
-    EXPECT_EQ(cloud->requestCount("token"), 1) << cloud->log();
-    const Json after = session();
-    EXPECT_NE(after["accessToken"], before["accessToken"]);
-    EXPECT_NE(after["refreshToken"], before["refreshToken"]);
-    EXPECT_EQ(json({"devices"})["count"], 1);
-    EXPECT_EQ(cloud->requestCount("token"), 1) << cloud->log();
-    cloud->expireTokens();
-    EXPECT_EQ(json({"whoami"})["userId"], "anna");
-    EXPECT_EQ(json({"refresh"})["userId"], "anna");
+    const Json reach = json({"reach", "nas-2"});
+    EXPECT_EQ(reach["lan"], Json::array({attic.address() + ":" + std::to_string(attic.port())}));
+    EXPECT_EQ(reach["wan"], Json::array());
+    EXPECT_EQ(reach["link"]["code"], 6);
+    EXPECT_EQ(reach["ports"], nullptr);
+    EXPECT_EQ(cloud->requestCount("port-mapping"), 0) << cloud->log();
+    EXPECT_THAT(run({"reach", "nas-2"}).out, HasSubstr("The vlink configuration is not found."));
 }
 
-TEST_P(CliCloudRotating, WhereTheRefreshTokenIsOverTooOneMustSignInAgain) {
+TEST_P(CliCloud, PortsThatAreNotThereAreLookedForTwice) {
     beAnna();
-    Json changed = session();
-    changed["refreshToken"] = "anna-refresh";
-    std::ofstream(kept()) << changed;
-    cloud->expireTokens();
-    const ProcessResult over = run({"devices"});
-    EXPECT_EQ(over.exitCode, 4);
-    EXPECT_THAT(over.err, HasSubstr("The refresh token is unknown or expired."));
-    changed["refreshToken"] = "";
-    std::ofstream(kept()) << changed;
-    const ProcessResult none = run({"devices"});
-    EXPECT_EQ(none.exitCode, 4);
-    EXPECT_THAT(none.err, AllOf(HasSubstr("The access token is unknown or expired."), HasSubstr("signin")));
-    EXPECT_EQ(run({"refresh"}).exitCode, 4);
+    const Json none = {{"name", "reply"},
+                       {"match", "/portMapping/"},
+                       {"count", -1},
+                       {"content", R"({"return":{"StatusCode":{"code":"200"},"portMapping":[]}})"}};
+    const int fault = Json::parse(cloud->control("POST", "faults", none.dump()))["id"];
+    EXPECT_EQ(json({"reach", "nas-1"})["ports"]["http"], 0);
+    EXPECT_EQ(cloud->hits(fault), 2);
 }
 
-TEST_P(CliCloud, ASignOutEndsTheTokenAndForgetsIt) {
-    beAnna();
-    const Json out = json({"signout"});
-    EXPECT_EQ(out["signedIn"], true);
-    EXPECT_EQ(out["ended"], true);
-    EXPECT_EQ(kept(), "");
-    EXPECT_EQ(signinAs("anna-refresh").exitCode, 4);
-    EXPECT_EQ(json({"signout"})["signedIn"], false);
+TEST_P(CliCloud, LinkAndPortsMayBeToldByAnotherHost) {
+    // Nobody can connect to this one.
+    const std::string nowhere = "255.255.255.255";
+    std::vector<std::string> elsewhere = signinWith("anna-refresh");
+    elsewhere.insert(elsewhere.end(), {"--remote-access", nowhere});
+    ASSERT_EQ(run(elsewhere).exitCode, 0) << cloud->log();
+    const ProcessResult result = run({"reach", "nas-1"}, "");
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_THAT(result.err, HasSubstr("link: cannot connect"));
+    EXPECT_EQ(cloud->requestCount("network"), 1);
+    EXPECT_EQ(cloud->requestCount("vlink"), 0);
+    EXPECT_EQ(json({"reach", "nas-1", "--remote-access", cloud->address()})["link"]["code"], 0);
+    EXPECT_EQ(session()["remoteAccess"], nowhere);
+}
+
+TEST_P(CliCloud, AHostIsNamedWithoutAPort) {
+    for (const char* wrong : {"cloud.example:8443", "https://cloud.example", "::1"}) {
+        EXPECT_EQ(run({"signin", "--cloud", wrong, "--client-id", "desk-app"}).exitCode, 2) << wrong;
+        EXPECT_EQ(run(signin({"--remote-access", wrong})).exitCode, 2) << wrong;
+    }
+    EXPECT_EQ(cloud->requestCount(), 0) << cloud->log();
+}
+
+TEST_P(CliCloud, AllOfItGoesThroughAProxy) {
+    auto proxy = std::make_unique<TinyProxy>();
+    std::vector<std::string> through = signinWith("anna-refresh");
+    through.insert(through.end(), {"--proxy", "127.0.0.1:" + std::to_string(proxy->port())});
+    const ProcessResult signedIn = run(through);
+    ASSERT_EQ(signedIn.exitCode, 0) << signedIn.err << proxy->log();
+    EXPECT_TRUE(proxy->waitForLog((GetParam() ? "CONNECT " : "POST http://") + cloud->address() + ":"))
+        << proxy->log();
+    EXPECT_EQ(json({"reach", "nas-1"})["link"]["code"], 0) << proxy->log();
+    proxy.reset();
+    // It is kept, and not gone around.
+    EXPECT_EQ(run({"devices"}).exitCode, 3);
+    EXPECT_EQ(run({"devices", "--proxy", "none"}).exitCode, 0);
+    EXPECT_EQ(run({"devices"}).exitCode, 3);
 }
 
 TEST_P(CliCloud, ACloudThatIsNotThereIsItsOwnExitCode) {
     beAnna();
     cloud->stop();
     EXPECT_EQ(run({"devices"}).exitCode, 3);
-    const Json out = json({"signout"});
-    EXPECT_EQ(out["ended"], false);
+    EXPECT_THAT(run({"signout"}).out, HasSubstr("not ended: cloud signout: cannot connect"));
     EXPECT_EQ(kept(), "");
 }
 
