@@ -37,18 +37,44 @@ protected:
             "/oauth/token",
             {{"grant_type", "client_credentials"}, {"client_id", "desk-app"}, {"client_secret", secret}}));
     }
-    static NasRequest refreshRequest(const std::string& refresh) {
+    /// The secret of desk-app is desk-secret, and so on.
+    static NasRequest refreshRequest(const std::string& refresh, const std::string& app = "desk-app") {
         return framed(NasRequest::form("/oauth/token", {{"grant_type", "refresh_token"},
-                                                        {"client_id", "desk-app"},
-                                                        {"client_secret", "desk-secret"},
-                                                        {"refresh_token", refresh}}));
+                                                        {"client_id", app},
+                                                        {"client_secret", secretOf(app)},
+                                                        {"refresh_token", refresh}}),
+                      "", app);
     }
     static NasRequest signOutRequest(const std::string& token) {
         return framed(NasRequest::form("/oauth/signout", {{"access_token", token}}), token);
     }
     static NasRequest infoRequest(const std::string& token) {
-        return framed(NasRequest::get("/oauth/tokeninfo?access_token=" + token));
+        return framed(NasRequest::get("/oauth/tokeninfo?access_token=" + token), token);
     }
+    /// What a NAS says when it registers.
+    static Json::Value entry(const std::string& user, const std::string& id) {
+        Json::Value entry;
+        entry["user"] = user;
+        entry["device_id"] = id;
+        entry["device_name"] = "Shed";
+        entry["address"] = "192.0.2.9";
+        for (const char* text : {"description", "model", "firmware", "mac_address", "host_name",
+                                 "external_address", "ddns_name"})
+            entry[text] = "";
+        for (const char* port : {"http_port", "tls_port", "external_http_port", "external_tls_port"})
+            entry[port] = 0;
+        entry["remote_access"] = true;
+        entry["local_users"] = Json::arrayValue;
+        return entry;
+    }
+    static NasRequest registerRequest(const Json::Value& entry) {
+        NasRequest request = NasRequest::get("/standin/register");
+        request.method = "POST";
+        request.body = Json::FastWriter().write(entry);
+        return request.set("Content-Length", std::to_string(request.body.size()));
+    }
+
+    static std::string secretOf(const std::string& app) { return app.substr(0, app.rfind('-')) + "-secret"; }
 
     static long long now() {
         using namespace std::chrono;
@@ -70,6 +96,20 @@ protected:
 
     NasReply run(const NasRequest& request, bool tls = false) {
         return exchange(tls ? cloud.tlsPort() : cloud.port(), request, tls);
+    }
+    /// All of them on one connection, answered one by one: gives all replies as they came.
+    std::string runInOneGo(std::vector<NasRequest> requests) {
+        NasConnection connection(cloud.port());
+        for (NasRequest& request : requests) {
+            if (&request != &requests.back()) request.set("Connection", "Keep-Alive");
+            connection.send(request.bytes());
+        }
+        return connection.readAll().raw;
+    }
+    static long countOf(const std::string& text, const std::string& piece) {
+        long count = 0;
+        for (auto at = text.find(piece); at != text.npos; at = text.find(piece, at + piece.size())) ++count;
+        return count;
     }
     NasReply get(const std::string& target, const std::string& token) {
         return run(framed(NasRequest::get(target), token));

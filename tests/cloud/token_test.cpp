@@ -1,5 +1,4 @@
 #include "cloudtest.h"
-#include "support/tempdir.h"
 
 namespace {
 
@@ -23,6 +22,13 @@ TEST_F(CloudToken, AWrongSecretIsAnInvalidClient) {
     EXPECT_EQ(401, reply.http);
     EXPECT_EQ("invalid_client", reply.json()["error"].asString());
     EXPECT_EQ("The client secret is wrong.", reply.json()["error_description"].asString());
+}
+
+TEST_F(CloudToken, AnUnknownClientIsAnInvalidOne) {
+    const NasReply reply = run(refreshRequest("anna-refresh", "toy-app"));
+    EXPECT_EQ(401, reply.http);
+    EXPECT_EQ("invalid_client", reply.json()["error"].asString());
+    EXPECT_EQ("The client is unknown.", reply.json()["error_description"].asString());
 }
 
 TEST_F(CloudToken, AnUnknownRefreshTokenIsAnInvalidGrant) {
@@ -100,6 +106,15 @@ TEST_F(CloudRotation, ARefreshTokenServesOnce) {
     EXPECT_EQ(200, run(refreshRequest(next)).http);
 }
 
+TEST_F(CloudRotation, SigningOutEndsWhatTheRefreshTokenBrought) {
+    const Json::Value first = run(refreshRequest("anna-refresh")).json();
+    const Json::Value second = run(refreshRequest(first["refresh_token"].asString())).json();
+    EXPECT_EQ(200, run(signOutRequest(first["access_token"].asString())).http);
+    EXPECT_EQ(401, run(infoRequest(second["access_token"].asString())).http);
+    EXPECT_EQ(400, run(refreshRequest(second["refresh_token"].asString())).http);
+    EXPECT_EQ(200, run(refreshRequest("ben-refresh")).http);
+}
+
 class CloudApps : public TorviCloudTest {
 protected:
     CloudApps() : TorviCloudTest({"--app", "phone-app:phone-secret"}) {}
@@ -114,24 +129,23 @@ TEST_F(CloudApps, ATokenServesItsOwnApplicationOnly) {
     EXPECT_EQ(200, run(framed(request, token)).http);
 }
 
-/// Made before the cloud that uses it.
-struct StateFolder {
-    TempDir folder;
-};
+TEST_F(CloudApps, SoDoesARefreshToken) {
+    const std::string refresh = run(signInRequest()).json()["refresh_token"].asString();
+    const NasReply reply = run(refreshRequest(refresh, "phone-app"));
+    EXPECT_EQ(400, reply.http);
+    EXPECT_EQ("invalid_grant", reply.json()["error"].asString());
+    EXPECT_EQ("The refresh token belongs to another client.", reply.json()["error_description"].asString());
+    EXPECT_EQ(200, run(refreshRequest("anna-refresh", "phone-app")).http);
+}
 
-class CloudState : protected StateFolder, public TorviCloudTest {
-protected:
-    CloudState() : TorviCloudTest({"--state-dir", folder.string()}) {}
-};
-
-TEST_F(CloudState, TokensAndDevicesOutliveTheServer) {
-    const std::string token = tokenOf("anna");
-    run(signOutRequest(tokenOf("ben")));
-    const Nas nas(nasOptions("anna", "Cellar", "cellar-1"));
-    cloud.kill();
-    cloud.startAgain();
-    EXPECT_EQ("cellar-1", get("/v1.1/device", token).json()["result"][0]["device_id"].asString());
-    EXPECT_EQ(400, run(refreshRequest("ben-refresh")).http);
+TEST_F(CloudToken, OfManyTokensTheOldestGo) {
+    const std::string oldest = run(signInRequest()).json()["refresh_token"].asString();
+    EXPECT_EQ(200, run(refreshRequest(oldest)).http);
+    for (int i = 0; i < 11; ++i) {
+        const std::string replies = runInOneGo(std::vector<NasRequest>(100, signInRequest()));
+        ASSERT_EQ(100, countOf(replies, "HTTP/1.1 200"));
+    }
+    EXPECT_EQ(400, run(refreshRequest(oldest)).http);
     EXPECT_EQ(200, run(refreshRequest("anna-refresh")).http);
 }
 

@@ -35,3 +35,8 @@ void Cloud::expireTokens() {
 void Cloud::startAgain() {
     start();
 }
+
+void Cloud::startAgain(Options options) {
+    m_options = std::move(options);
+    start();
+}

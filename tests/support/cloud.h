@@ -34,6 +34,8 @@ public:
     void expireTokens();
     /// Starts it again after stop() or kill(), on the same ports.
     void startAgain();
+    /// The same with other options.
+    void startAgain(Options options);
 
 private:
     void start();
