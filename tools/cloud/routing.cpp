@@ -27,6 +27,17 @@ std::optional<std::string> matchPath(const std::string& pattern, const std::stri
 
 }  // namespace
 
+const std::vector<Call>& allCalls() {
+    static const std::vector<Call> calls = [] {
+        std::vector<Call> all;
+        addTokenCalls(all);
+        addDeviceCalls(all);
+        addLinkCalls(all);
+        return all;
+    }();
+    return calls;
+}
+
 const Call& findCall(const HttpRequest& http, std::string& id) {
     const Call* other = nullptr;
     for (const Call& call : allCalls()) {

@@ -32,17 +32,6 @@ nas::LedgerEntry entryOf(const HttpRequest& http) {
 
 }  // namespace
 
-const std::vector<Call>& allCalls() {
-    static const std::vector<Call> calls = [] {
-        std::vector<Call> all;
-        addTokenCalls(all);
-        addDeviceCalls(all);
-        addLinkCalls(all);
-        return all;
-    }();
-    return calls;
-}
-
 Service::Service(const Options& options, nas::Faults& faults)
     : options_(options), faults_(faults), book_(options.stateFolder) {
     book_.change([&](State& state) { state.tokens.keepOnly(accounts()); });
