@@ -115,7 +115,8 @@ Answer managerLogin(Service& service, Request& request, httplib::Response&) {
     }
     requireText(form, "user");
     const User& user = checkLogin(service, request, form);
-    return user.second.wanted() ? secondStepWanted(service, user) : Answer{welcome(service, request, user, form)};
+    return user.second.wanted() ? secondStepWanted(service, user)
+                                : Answer{welcome(service, request, user, form)};
 }
 
 Answer logout(Service& service, Request& request, httplib::Response&) {
