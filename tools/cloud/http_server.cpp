@@ -114,7 +114,7 @@ void HttpServer::acceptAll() {
             continue;
         }
         // Descriptors or threads have run out: others must end first.
-        nas::logLine(std::string("a connection isn't served: ") +
+        nas::logLine(std::string("no connection is taken: ") +
                      (socket ? "no thread for it" : std::strerror(error)));
         socket.reset();
         oneLess_.wait_for(lock, kPause, [this] { return stopping_; });
