@@ -48,8 +48,10 @@ void CloudSession::refreshUnless(const QString& what, const QString& useless) {
         throw withSigninAdvice(
             Failure(Exit::NotAuthenticated, QStringLiteral("%1: the session is there no more").arg(what)));
     }
-    m_cloud.tokens = kept.tokens();
-    if (!useless.isEmpty() && m_cloud.tokens.access != useless) return;
+    const CloudTokens others = kept.tokens();
+    const bool replaced = !useless.isEmpty() && others.access != useless;
+    m_cloud.tokens = others;
+    if (replaced) return;
     m_cloud.tokens = newTokens(m_cloud, what);
     kept.keep(m_cloud.tokens);
     if (interrupted()) throwCancelled(what);
