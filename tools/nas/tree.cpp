@@ -20,10 +20,6 @@ namespace {
 constexpr size_t kLongestName = 255;
 const char* const kHomes = "homes";
 
-bool startsWith(const std::string& text, const char* prefix) {
-    return text.rfind(prefix, 0) == 0;
-}
-
 std::vector<std::string> pieces(const std::string& path) {
     std::vector<std::string> out;
     for (size_t from = 0; from < path.size();) {
@@ -79,7 +75,7 @@ void checkName(const std::string& name) {
     if (name == "." || name == "..") {
         throw StatusError(Status::Denied, "a path may not step sideways: \"" + name + "\"");
     }
-    if (startsWith(name, kTemporaryPrefix)) {
+    if (hiddenName(name)) {
         throw StatusError(Status::Denied, "names of unfinished uploads are the server's own");
     }
     if (name.size() > kLongestName) {
