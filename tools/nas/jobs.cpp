@@ -24,7 +24,7 @@ struct Jobs::Job {
     bool keep = false;
     State state;
     bool dropped = false;
-    bool over = false;  // the thread has nothing left to do
+    bool over = false;  // the thread has nothing left to do but its line in the log
     Clock::time_point begun = Clock::now();
     Clock::time_point ended;
     std::thread thread;
@@ -78,18 +78,23 @@ void Jobs::run(Job& job, const Work& work) {
         status = Status::Failed;
         why = error.what();
     }
+    // The log may be slow to take it, and the others need not wait for that.
+    logLine(settle(job, status, std::move(why)));
+}
+
+std::string Jobs::settle(Job& job, Status status, std::string why) {
     std::lock_guard<std::mutex> lock(mutex_);
     // What it worked on may go before it notices that nobody waits any more.
     if (job.dropped && status != Status::Ok) {
         why = "dropped";
     }
-    logLine("job " + std::to_string(job.pid) + " " + job.state.name + " of " + job.user +
-            " status=" + std::to_string(static_cast<int>(status)) + " (" + why + ")");
     job.state.done = true;
     job.state.status = status;
     job.state.percent = status == Status::Ok ? 100 : job.state.percent;
     job.ended = Clock::now();
     job.over = true;
+    return "job " + std::to_string(job.pid) + " " + job.state.name + " of " + job.user +
+           " status=" + std::to_string(static_cast<int>(status)) + " (" + why + ")";
 }
 
 void Jobs::advance(Job& job, int64_t done, int64_t total) {

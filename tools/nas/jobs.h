@@ -50,6 +50,8 @@ private:
     struct Job;
 
     void run(Job& job, const Work& work);
+    // Marks its end; what the log is to say of it.
+    std::string settle(Job& job, Status status, std::string why);
     void advance(Job& job, int64_t done, int64_t total);
     void forget(std::map<int64_t, std::shared_ptr<Job>>::iterator job);
     void tidy();
