@@ -290,7 +290,11 @@ TEST_F(NasStrict, OtherAddressesAreNotThere) {
 
 TEST_F(NasStrict, WhatIsNotHttpIsRefusedAndLogged) {
     NasConnection connection(nas.port());
-    connection.send("BREW /cgi-bin HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
-    EXPECT_EQ(400, connection.readAll().http);
+    connection.send("BREW /cgi-bin HTTP/1.1\r\n\r\n");
+    // The connection goes on: no end tells that the answer is complete.
+    const std::string answer = "HTTP/1.1 400 ";
+    std::string beginning;
+    EXPECT_TRUE(connection.readBytes(beginning, answer.size()));
+    EXPECT_EQ(answer, beginning);
     EXPECT_TRUE(nas.waitForLog("refused: not a request that HTTP knows"));
 }
