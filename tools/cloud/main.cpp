@@ -1,8 +1,8 @@
-#include <csignal>
 #include <iostream>
 #include <thread>
 
 #include "http_server.h"
+#include "nas/end_signals.h"
 #include "nas/relay.h"
 #include "nas/tls.h"
 #include "options.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-int serve(const cloud::Options& options, const sigset_t& signals) {
+int serve(const cloud::Options& options, const nas::EndSignals& signals) {
     nas::Faults faults;
     for (const nas::Fault& fault : options.faults) {
         faults.arm(fault);
@@ -36,8 +36,7 @@ int serve(const cloud::Options& options, const sigset_t& signals) {
                               " tls=" + (tls ? options.address + ":" + std::to_string(tlsPort) : "-");
     std::cout << ready << std::endl;
 
-    int signal = 0;
-    sigwait(&signals, &signal);
+    signals.wait();
     relay.stop();
     loop.join();
     http.stop();
@@ -52,17 +51,6 @@ int main(int argc, char** argv) {
     if (early != -1) {
         return early;
     }
-    // Blocked before any thread starts, so that only sigwait takes them.
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    try {
-        return serve(options, signals);
-    } catch (const std::exception& error) {
-        std::cerr << "torvi-cloud: " << error.what() << "\n";
-        return 1;
-    }
+    const nas::EndSignals signals;
+    return nas::serveOrTell("torvi-cloud", [&] { return serve(options, signals); });
 }

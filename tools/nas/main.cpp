@@ -1,11 +1,11 @@
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <thread>
 
+#include "end_signals.h"
 #include "http_server.h"
 #include "log.h"
 #include "options.h"
@@ -15,7 +15,7 @@
 
 namespace {
 
-int serve(const nas::Options& options, const sigset_t& signals) {
+int serve(const nas::Options& options, const nas::EndSignals& signals) {
     nas::Faults faults;
     for (const nas::Fault& fault : options.faults) {
         faults.arm(fault);
@@ -46,8 +46,7 @@ int serve(const nas::Options& options, const sigset_t& signals) {
                         " root=" + std::filesystem::absolute(options.root).lexically_normal().string();
     std::cout << ready << std::endl;
 
-    int signal = 0;
-    sigwait(&signals, &signal);
+    signals.wait();
     // The relay first: it closes every connection, so no handler is left waiting.
     relay.stop();
     loop.join();
@@ -63,17 +62,6 @@ int main(int argc, char** argv) {
     if (early != -1) {
         return early;
     }
-    // Blocked before any thread starts, so that only sigwait takes them.
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    std::signal(SIGPIPE, SIG_IGN);
-    try {
-        return serve(options, signals);
-    } catch (const std::exception& error) {
-        std::cerr << "torvi-nas: " << error.what() << "\n";
-        return 1;
-    }
+    const nas::EndSignals signals;
+    return nas::serveOrTell("torvi-nas", [&] { return serve(options, signals); });
 }
