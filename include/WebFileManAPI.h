@@ -486,13 +486,13 @@ struct _CLOUD_LINK_INFORMATION {
     wchar_t** lppLanIPs;  ///< in the device's own network; null if there are none
     int32_t nDdnsCount;
     wchar_t** lppDdns;           ///< dynamic DNS names; null if there are none
-    wchar_t szCloudLinkID[260];  ///< terminated; cut at 259; empty if there is none or one of 2048 characters
+    wchar_t szCloudLinkID[260];  ///< terminated; cut at 259; empty if there is none, or none below 2048
 };
 
 /// How a device is reached through the remote-access service, filled by PeltAPIGetVLinkInfo. Texts are
 /// terminated; one that is longer than its field is cut.
 struct _CLOUD_VLINK_INFORMATION {
-    int32_t nReplyCode;         ///< see PeltAPIGetVLinkInfo; 0: the addresses are filled
+    int32_t nReplyCode;         ///< see PeltAPIGetVLinkInfo; means nothing unless the call returned 0
     int32_t nHttpCode;          ///< the service's own code, 200 for success; 0 if it sends none
     wchar_t szActionTime[260];  ///< when the service answered, in its own words
     wchar_t szVLinkID[260];
@@ -2337,9 +2337,10 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
 /// - `server` is the service's host without scheme and port, not null or empty. The port is 443 if `secure`,
 ///   otherwise 80.
 /// - `agentName`, `appVersion` and `clientID` or `appID` (the same thing) are not null or empty; nor is any
-///   other text but the proxy's. They become headers, and device ids, names and tokens become parts of URLs,
-///   **as they stand: nothing is encoded**. Give texts without control characters and line ends, and where
-///   one becomes part of a URL, letters, digits, "-", "." and "_" only. Form fields are encoded.
+///   other text but the proxy's, where its call doesn't say otherwise. They become headers, and ids of
+///   devices and users, names and tokens become parts of URLs, **as they stand: nothing is encoded**. Give
+///   texts without control characters and line ends, and where one becomes part of a URL, letters, digits,
+///   "-", "." and "_" only. Form fields are encoded.
 /// - `proxyMode`, `proxyHost`, `proxyUser`, `proxyPassword` as in the file comment. Time-out 60 seconds.
 /// - `reserved` is ignored; pass null.
 /// - Records are zeroed first. Which of them a failed call fills is said there.
@@ -2347,14 +2348,15 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
 ///   verified.
 /// - **A log at level 4 (Debug) has the access tokens** of sign-in, refresh, token info and sign-out in it,
 ///   the ids and addresses of devices, and this machine's own address.
-/// - `dwStatus` 14 is also the answer to a value of a type that isn't right: one in one device of a list
-///   costs the whole list.
+/// - `dwStatus` 14 is also the answer to a text or a flag that comes as an array or an object, and to a
+///   number that is too large: one in one device of a list costs the whole list. Other values of a type that
+///   isn't right count as missing, or as the text that they make.
 ///
 /// The checksum. ZenoAPIGetDeviceID and the two Pelt calls prove the application by a checksum of its secret
 /// and the time: the secret stays at home. The header has the checksum in raw bytes, mangled in a way that
 /// the services expect; it may be short or empty. One in seven has a line end in it and **goes out as it
-/// is**: the server then sees a broken request and refuses. Call again, at another millisecond. A clock that
-/// is wrong makes the service refuse with code 2.
+/// is**: the server then sees a broken request, and refuses it or reads another checksum. Call again, at
+/// another millisecond. A clock that is wrong makes the service refuse with code 2.
 /// @{
 
 /// Signs the application in: a token of its own, not a user's.
@@ -2366,9 +2368,9 @@ TORVIAPI_EXPORT uint32_t WFMTorviVersioningCommitUpload(_WFM_AUTH_CONTEXT* conte
 ///
 /// | dwStatus | When                                                                              |
 /// |----------|-----------------------------------------------------------------------------------|
-/// | 0        | an answer came: a token, or `error` says why there is none                        |
+/// | 0        | an answer came: a token, or `error` says why there is none, or nothing at all     |
 /// | 6        | HTTP 400, 401, 403 and their like: refused; `error` says why, if the service does |
-/// | 14       | the answer isn't a JSON object, or a value in it has a type that isn't right      |
+/// | 14       | the answer isn't a JSON object, or one of its texts comes as an array or object   |
 ///
 /// The record is filled from the body of any HTTP error too, 11 and 12 included. There is no result word.
 /// Twice: another token. Next: the calls that take an access token; in the end ZenoAPIAPPSignOut.
@@ -2582,7 +2584,7 @@ TORVIAPI_EXPORT uint32_t ZenoAPIGetPublicIP(const wchar_t* server, const wchar_t
 /// | 0        | 7          | the service doesn't know the application                                      |
 /// | 0        | 8          | the checksum is refused: another secret                                       |
 /// | 0        | 1          | anything else, or an answer that says nothing; see szMessage                  |
-/// | 14       | 0          | the answer isn't a JSON object, or a value in it has a type that isn't right  |
+/// | 14       | 0          | the answer isn't a JSON object, or one of its texts is an array or an object  |
 ///
 /// There is no result word, and HTTP errors fill nothing: test `dwStatus` first, as nReplyCode 0 alone says
 /// nothing. Twice: safe. Next: PeltAPIGetServicePorts, then WFMGetNASUserUID at one of the addresses.
@@ -2601,8 +2603,8 @@ TORVIAPI_EXPORT uint32_t PeltAPIGetVLinkInfo(const wchar_t* server, const wchar_
 /// @param secure,proxyMode,proxyHost,proxyUser,proxyPassword,reserved  see above
 /// @param ports      not null; filled when `dwStatus` is 0
 /// @return `dwStatus`; 0 also if the service refuses, which looks like ports that aren't mapped: only the log
-///         at level 4 has the service's words. 14: the answer isn't a JSON object, or a value in it has a
-///         type that isn't right
+///         at level 4 has the service's words. 14: the answer isn't a JSON object, one of its texts is an
+///         array or an object, or the mapping is neither a list nor null
 ///
 /// There is no result word. Twice: safe. Next: WFMGetNASUserUID at an address of PeltAPIGetVLinkInfo.
 TORVIAPI_EXPORT uint32_t PeltAPIGetServicePorts(const wchar_t* server, const wchar_t* deviceID,

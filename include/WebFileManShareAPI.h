@@ -1442,8 +1442,8 @@ TORVIAPI_EXPORT uint32_t WFMGetConfigACL(_WFM_AUTH_CONTEXT* context, const wchar
 /// @param password    not null or empty; it stands in the URL, which is cut at 2047 characters
 /// @param reserved    null
 /// @param resultWord  not null
-/// @param authResult  receives the server's own number when both numbers are 0, otherwise -1, as also if it
-///                    sends none. Not null
+/// @param authResult  receives the server's own number when both numbers are 0, otherwise (but for 8) -1, as
+///                    also if it sends none. Not null
 /// @return `dwStatus`
 ///
 /// | dwStatus | Result word | When                  |

@@ -45,8 +45,8 @@ inline void expectTokenRequest(const CloudServer& server, const std::string& tar
 template <class Args>
 using Spoilers = std::vector<void (*)(Args&)>;
 
-/// Each spoilt set of arguments is refused with 8 and one line, and nothing that the caller gave is touched:
-/// `spoilers`, and those that all these calls share.
+/// Each spoilt set of arguments is refused with 8 and one line, unsent, and nothing that the caller gave is
+/// touched: `spoilers`, and those that all these calls share.
 template <class Args>
 void expectRefusesEach(const std::string& function, Spoilers<Args> spoilers) {
     const Spoilers<Args> shared = {
@@ -55,6 +55,7 @@ void expectRefusesEach(const std::string& function, Spoilers<Args> spoilers) {
         [](Args& args) { args.appVersion = nullptr; }, [](Args& args) { args.appVersion = L""; },
         [](Args& args) { args.clientID = nullptr; },   [](Args& args) { args.clientID = L""; }};
     spoilers.insert(spoilers.end(), shared.begin(), shared.end());
+    const CloudServer server({Reply::json("{}")});
     LogCapture log;
     int number = 0;
     for (const auto spoil : spoilers) {
@@ -66,6 +67,7 @@ void expectRefusesEach(const std::string& function, Spoilers<Args> spoilers) {
         EXPECT_TRUE(args.isUntouched());
         log.expectLines({"[WFM] " + function + " WFM_PARSE_XML_INVALID_PARAMETER"});
     }
+    EXPECT_EQ(server.requestCount(), 0u);
 }
 
 /// The codes by which the directory refuses, and what they are to a client.

@@ -55,6 +55,16 @@ TYPED_TEST(TokenCallWire, ARefusalAsAnHttpErrorFillsTheRecordAndKeepsTheStatus) 
     }
 }
 
+// Qt offers to sign in by the header; nobody does, and the body is read all the same.
+TYPED_TEST(TokenCallWire, ARefusalWithAChallengeFillsTheRecord) {
+    const CloudServer server(
+        {Reply::status(401, kRefusal).header("WWW-Authenticate", R"(Bearer error="invalid_token")")});
+    TypeParam args;
+    EXPECT_EQ(args.run(), 6u);
+    expectRefusal(args);
+    EXPECT_EQ(server.requestCount(), 1u);
+}
+
 TYPED_TEST(TokenCallWire, WhatIsNotUnderstoodLeavesTheRecordEmpty) {
     const std::string broken = R"({"error":"half","expires_in":99999999999})";
     for (const auto& [reply, dwStatus] : {std::pair(Reply::json(broken), 14u),
