@@ -1,5 +1,6 @@
 #include "cloud.h"
 
+#include <CLI/CLI.hpp>
 #include "address.h"
 #include "failure.h"
 #include "keptcloud.h"

@@ -8,6 +8,10 @@
 #include "connection.h"
 #include "options.h"
 
+namespace CLI {
+class App;
+}
+
 namespace torvi {
 
 class KeptCloud;

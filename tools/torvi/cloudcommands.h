@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "cloud.h"
-#include "options.h"
+#include "commands.h"
 
 namespace torvi {
 

@@ -1,8 +1,8 @@
 #include <memory>
 
+#include "commands.h"
 #include "failure.h"
 #include "listing.h"
-#include "options.h"
 #include "output.h"
 #include "progress.h"
 #include "remote.h"

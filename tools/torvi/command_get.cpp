@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "commands.h"
 #include "failure.h"
-#include "options.h"
 #include "output.h"
 #include "partial.h"
 #include "progress.h"

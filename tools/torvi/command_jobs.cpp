@@ -1,8 +1,8 @@
 #include <memory>
 
+#include "commands.h"
 #include "failure.h"
 #include "jobs.h"
-#include "options.h"
 #include "output.h"
 #include "progress.h"
 #include "session.h"

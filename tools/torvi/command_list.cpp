@@ -2,9 +2,9 @@
 #include <memory>
 #include <vector>
 
+#include "commands.h"
 #include "failure.h"
 #include "listing.h"
-#include "options.h"
 #include "output.h"
 #include "session.h"
 #include "signals.h"

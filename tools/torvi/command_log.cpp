@@ -2,9 +2,9 @@
 #include <memory>
 
 #include "changelog.h"
+#include "commands.h"
 #include "failure.h"
 #include "jobs.h"
-#include "options.h"
 #include "output.h"
 #include "remote.h"
 #include "session.h"

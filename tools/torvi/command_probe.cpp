@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "address.h"
+#include "commands.h"
 #include "connection.h"
 #include "failure.h"
 #include "output.h"

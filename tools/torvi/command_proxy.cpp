@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "commands.h"
 #include "connection.h"
 #include "failure.h"
 #include "output.h"

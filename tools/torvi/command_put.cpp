@@ -3,8 +3,8 @@
 #include <optional>
 
 #include "batch.h"
+#include "commands.h"
 #include "failure.h"
-#include "options.h"
 #include "output.h"
 #include "remote.h"
 #include "session.h"

@@ -6,8 +6,8 @@
 #include <optional>
 #include <set>
 
+#include "commands.h"
 #include "failure.h"
-#include "options.h"
 #include "output.h"
 #include "session.h"
 #include "signals.h"

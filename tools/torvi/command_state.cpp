@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "commands.h"
 #include "failure.h"
-#include "options.h"
 #include "output.h"
 #include "recordlist.h"
 #include "session.h"

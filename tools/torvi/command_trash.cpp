@@ -1,9 +1,9 @@
 #include <memory>
 
+#include "commands.h"
 #include "failure.h"
 #include "jobs.h"
 #include "listing.h"
-#include "options.h"
 #include "output.h"
 #include "session.h"
 #include "signals.h"

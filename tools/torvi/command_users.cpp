@@ -1,6 +1,6 @@
 #include <memory>
 
-#include "options.h"
+#include "commands.h"
 #include "output.h"
 #include "people.h"
 #include "session.h"

@@ -84,6 +84,12 @@ void resolveProxy(Connection& connection, const GlobalOptions& options, const St
         connection.proxyPassword = findProxyPassword(connection, options, stored);
 }
 
+void checkValues(const GlobalOptions& options) {
+    namedServer(options);
+    parseTeamFolders(options.teams);
+    Connection().useProxy(text(options.proxy));
+}
+
 Connection resolveConnection(const GlobalOptions& options, Needs needs) {
     std::optional<Profile> own = loadProfile();
     // The profile speaks of one server and says nothing about another.

@@ -80,6 +80,8 @@ struct StoredProxy {
 /// Merges command line, environment and what was stored; asks for the proxy's password if it is wanted.
 void resolveProxy(Connection& connection, const GlobalOptions& options, const StoredProxy& stored);
 
+/// Throws the usage failure for a value on the command line that isn't understood, whatever is stored.
+void checkValues(const GlobalOptions& options);
 /// Merges command line, environment, profile and defaults. The password waits until it is needed.
 Connection resolveConnection(const GlobalOptions& options, Needs needs);
 

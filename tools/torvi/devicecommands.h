@@ -2,7 +2,7 @@
 
 #include <WebFileManShareAPI.h>
 
-#include "options.h"
+#include "commands.h"
 #include "session.h"
 
 namespace torvi {

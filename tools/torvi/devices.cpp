@@ -1,5 +1,6 @@
 #include "devices.h"
 
+#include <CLI/CLI.hpp>
 #include <QStringList>
 
 #include "failure.h"

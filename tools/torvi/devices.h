@@ -6,6 +6,11 @@
 #include "recordpage.h"
 #include "session.h"
 
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
 namespace torvi {
 
 /// A device of a user that the server keeps a configuration for.

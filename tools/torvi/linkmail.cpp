@@ -1,6 +1,7 @@
 #include "linkmail.h"
 
 #include <WebFileManShareAPI.h>
+#include <CLI/CLI.hpp>
 
 #include "linkfailure.h"
 #include "linkrecords.h"

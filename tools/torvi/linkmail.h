@@ -1,10 +1,13 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <QStringList>
 #include <string>
 
 #include "session.h"
+
+namespace CLI {
+class App;
+}
 
 namespace torvi {
 

@@ -1,5 +1,6 @@
 #include "linkterms.h"
 
+#include <CLI/CLI.hpp>
 #include "output.h"
 
 namespace torvi {

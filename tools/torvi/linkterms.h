@@ -1,11 +1,14 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
 #include "linkend.h"
 #include "linkhost.h"
+
+namespace CLI {
+class App;
+}
 
 namespace torvi {
 

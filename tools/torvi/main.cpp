@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "commands.h"
 #include "failure.h"
-#include "options.h"
 #include "progress.h"
 #include "session.h"
 #include "signals.h"

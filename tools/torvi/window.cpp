@@ -1,5 +1,6 @@
 #include "window.h"
 
+#include <CLI/CLI.hpp>
 #include <string>
 
 namespace torvi {

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 
-#include "options.h"
+namespace CLI {
+class App;
+}
 
 namespace torvi {
 

@@ -1,4 +1,4 @@
-#include "options.h"
+#include "commands.h"
 
 #include <memory>
 
