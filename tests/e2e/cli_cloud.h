@@ -6,6 +6,7 @@
 #include "cli_support.h"
 #include "support/cloud.h"
 #include "support/cloudplace.h"
+#include "support/programs.h"
 
 /// A cloud at the ports that its clients know, a NAS that is listed there as anna's, and the command line.
 class CliCloudBase : public CloudTest<testing::TestWithParam<bool>> {
@@ -30,7 +31,7 @@ protected:
     }
 
     ProcessResult run(std::vector<std::string> arguments, const std::string& secret = "desk-secret") const {
-        return runProcess(TORVI_PATH, whole(std::move(arguments)), options(secret));
+        return runProcess(kTorvi, whole(std::move(arguments)), options(secret));
     }
     nlohmann::json json(std::vector<std::string> arguments) const {
         arguments.push_back("--json");

@@ -4,6 +4,7 @@
 #include <csignal>
 
 #include "cli_cloud.h"
+#include "support/programs.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -46,7 +47,7 @@ protected:
         Process::Options options = base();
         options.arguments = std::move(arguments);
         const std::size_t before = server->requestCount();
-        Process process(TORVI_PATH, options);
+        Process process(kTorvi, options);
         EXPECT_TRUE(server->waitForRequests(before + 1)) << process.err();
         process.sendSignal(SIGINT);
         server->release();
@@ -143,7 +144,7 @@ TEST_P(CliCloudTokens, WithoutASessionNothingIsAsked) {
     EXPECT_EQ(noToken.exitCode, 4);
     EXPECT_EQ(run({"signout"}).exitCode, 0);
     std::vector<std::string> alone = whole(signin());
-    alone.insert(alone.begin(), {"--wait", TORVI_PATH});
+    alone.insert(alone.begin(), {"--wait", kTorvi});
     EXPECT_EQ(runProcess(findProgram("setsid"), alone, options("")).exitCode, 2);
     EXPECT_EQ(cloud->requestCount(), 0) << cloud->log();
 }
@@ -152,7 +153,7 @@ TEST_P(CliCloudTokens, TheSecretIsAskedForWithoutAnEcho) {
     Process::Options asked = options("");
     asked.arguments = whole(signin());
     asked.terminal = true;
-    Process process(TORVI_PATH, asked);
+    Process process(kTorvi, asked);
     ASSERT_TRUE(process.waitFor([](const std::string& out, const std::string&) {
         return out.find("Secret of the application desk-app") != out.npos;
     }));
@@ -211,7 +212,7 @@ TEST_P(CliCloudTokens, TheSurroundingsNameCloudAndApplication) {
     named.environment["TORVI_CLIENT_ID"] = "desk-app";
     std::vector<std::string> arguments = {"cloud", "signin"};
     if (!GetParam()) arguments.push_back("--no-tls");
-    const ProcessResult result = runProcess(TORVI_PATH, arguments, named);
+    const ProcessResult result = runProcess(kTorvi, arguments, named);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(session()["clientId"], "desk-app");
 }
@@ -288,8 +289,8 @@ TEST_P(CliCloudTokens, WhereNewTokensCanNotBeWrittenTheOldOnesStay) {
     const Json before = session();
     // No file may grow, which is an error and not the end of the program.
     const ProcessResult result = runProcess(
-        findProgram("sh"),
-        {"-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh", TORVI_PATH, "cloud", "refresh"}, options(""));
+        findProgram("sh"), {"-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh", kTorvi, "cloud", "refresh"},
+        options(""));
     EXPECT_EQ(result.exitCode, 9) << result.err;
     EXPECT_EQ(session(), before);
     const std::filesystem::directory_iterator files(std::filesystem::path(kept()).parent_path());
@@ -337,10 +338,10 @@ TEST_P(CliCloudRotating, CommandsAtTheSameTimeRefreshOnceBetweenThem) {
     // The others come while the first one's new tokens are on their way, behind a look at the old one.
     const int fault = cloud->arm("stall,match=/oauth/token,skip=1,ms=1500");
     std::vector<std::unique_ptr<Process>> all;
-    all.push_back(std::make_unique<Process>(TORVI_PATH, asking));
+    all.push_back(std::make_unique<Process>(kTorvi, asking));
     while (cloud->hits(fault) == 0 && all.front()->running())
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    for (int i = 0; i < 2; ++i) all.push_back(std::make_unique<Process>(TORVI_PATH, asking));
+    for (int i = 0; i < 2; ++i) all.push_back(std::make_unique<Process>(kTorvi, asking));
     for (const auto& process : all) {
         EXPECT_EQ(process->wait(), 0) << process->err();
         EXPECT_EQ(process->out(), "1\n");
@@ -349,7 +350,7 @@ TEST_P(CliCloudRotating, CommandsAtTheSameTimeRefreshOnceBetweenThem) {
 }
 
 TEST_F(CliCloudHeld, ACtrlCDoesNotCostTheTokensOfARefresh) {
-    ASSERT_EQ(runProcess(TORVI_PATH, signin(), base()).exitCode, 0);
+    ASSERT_EQ(runProcess(kTorvi, signin(), base()).exitCode, 0);
     EXPECT_EQ(refreshToken(), "token-1");
     heldFrom = 2;
     EXPECT_EQ(interrupt({"cloud", "refresh"}), 7);

@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "support/programs.h"
 
 using testing::AllOf;
 using testing::ElementsAre;
@@ -31,7 +32,7 @@ protected:
                           const std::map<std::string, std::string>& environment) {
         Process::Options options = who.options();
         for (const auto& [name, value] : environment) options.environment[name] = value;
-        return runProcess(TORVI_PATH, who.connected(whole(std::move(arguments))), options);
+        return runProcess(kTorvi, who.connected(whole(std::move(arguments))), options);
     }
 
     Cli ben{nas, GetParam()};
@@ -201,7 +202,7 @@ TEST_P(CliDeviceRules, TheRulesAreShown) {
 TEST_P(CliDeviceRules, TheConfigurationPasswordOpensWhatOneMayNotSet) {
     const std::vector<std::string> set = {"set", "conflict-policy=1"};
     std::vector<std::string> alone = ben.connected(whole(set));
-    alone.insert(alone.begin(), {"--wait", TORVI_PATH});
+    alone.insert(alone.begin(), {"--wait", kTorvi});
     const ProcessResult refused = runProcess(findProgram("setsid"), alone, ben.options());
     EXPECT_EQ(refused.exitCode, 6);
     EXPECT_THAT(refused.err, HasSubstr("--config-password-file"));
@@ -222,7 +223,7 @@ TEST_P(CliDeviceRules, TheConfigurationPasswordIsAskedForOnATerminal) {
     Process::Options options = ben.options();
     options.arguments = ben.connected(whole({"set", "conflict-policy=1"}));
     options.terminal = true;
-    Process process(TORVI_PATH, options);
+    Process process(kTorvi, options);
     ASSERT_TRUE(process.waitFor([](const std::string& out, const std::string&) {
         return out.find("Configuration password") != out.npos;
     }));

@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "support/programs.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -105,9 +106,9 @@ TEST_P(CliKeptEdges, CommandsAtTheSameTimeLogInOnceBetweenThem) {
     // The others come while the first one's login waits for its answer.
     const int fault = nas.arm("stall,match=login,ms=1500");
     std::vector<std::unique_ptr<Process>> all;
-    all.push_back(std::make_unique<Process>(TORVI_PATH, options));
+    all.push_back(std::make_unique<Process>(kTorvi, options));
     waitForHit(fault, *all.front());
-    for (int i = 0; i < 3; ++i) all.push_back(std::make_unique<Process>(TORVI_PATH, options));
+    for (int i = 0; i < 3; ++i) all.push_back(std::make_unique<Process>(kTorvi, options));
     for (const auto& process : all) EXPECT_EQ(process->wait(), 0) << process->err();
     EXPECT_EQ(logins(), 2) << nas.log();
 }
@@ -152,7 +153,7 @@ TEST_P(CliKeptEdges, LogoutForgetsItWhereTheServerIsGone) {
 
 TEST_P(CliKeptEdges, LogoutEndsAllSessionsWhenAsked) {
     ASSERT_EQ(
-        runProcess(TORVI_PATH,
+        runProcess(kTorvi,
                    {"login", "--server", "localhost", "--port", std::to_string(nas.port()), "--user", "anna"},
                    cli.options())
             .exitCode,
@@ -164,11 +165,23 @@ TEST_P(CliKeptEdges, LogoutEndsAllSessionsWhenAsked) {
     EXPECT_TRUE(files().empty());
 }
 
-TEST_P(CliKeptEdges, ALogoutFromAServerThatIsNoServerEndsNothing) {
-    for (const char* wrong : {"nas:abc", "nas:0", "::1", "https://nas"}) {
-        const ProcessResult result = cli.runBare({"logout", "-s", wrong});
-        EXPECT_EQ(result.exitCode, 2) << wrong;
-        EXPECT_THAT(result.err, HasSubstr("is not HOST or HOST:PORT")) << wrong;
+TEST_P(CliKeptEdges, ALogoutThatIsNotUnderstoodEndsNothing) {
+    const struct {
+        std::string option, value, why;
+    } wrong[] = {
+        {"--server", "nas:abc", "is not HOST or HOST:PORT"},
+        {"--server", "nas:0", "is not HOST or HOST:PORT"},
+        {"--server", "::1", "is not HOST or HOST:PORT"},
+        {"--server", "https://nas", "is not HOST or HOST:PORT"},
+        {"--proxy", "nonsense", "is neither none nor system nor HOST:PORT"},
+        {"--proxy", "proxy:0", "is neither none nor system nor HOST:PORT"},
+        {"--team", "Plans", "is not CLIENTPATH=SERVERPATH[@NODE]"},
+        {"--team", "/home/.Torvi/Plans=vtf://", "is not CLIENTPATH=SERVERPATH[@NODE]"},
+    };
+    for (const auto& [option, value, why] : wrong) {
+        const ProcessResult result = cli.runBare({"logout", option, value});
+        EXPECT_EQ(result.exitCode, 2) << value;
+        EXPECT_THAT(result.err, HasSubstr(why)) << value;
     }
     EXPECT_TRUE(std::filesystem::exists(cli.profile()));
     EXPECT_EQ(files().size(), 1u);

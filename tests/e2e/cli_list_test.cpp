@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "support/programs.h"
 
 using testing::AllOf;
 using testing::ElementsAre;
@@ -110,7 +111,7 @@ TEST_F(CliList, EmptyMissingDeniedAndPlainFileAreToldApart) {
     Process::Options ben = cli.options();
     ben.environment["TORVI_PASSWORD"] = "hidden";
     const ProcessResult denied = runProcess(
-        TORVI_PATH,
+        kTorvi,
         {"ls", "/homes/anna", "--server", "127.0.0.1", "--user", "ben", "--port", std::to_string(nas.port())},
         ben);
     EXPECT_EQ(denied.exitCode, 6) << denied.err;

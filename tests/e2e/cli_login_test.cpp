@@ -2,6 +2,7 @@
 #include <regex>
 
 #include "cli_support.h"
+#include "support/programs.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -18,7 +19,7 @@ protected:
         Process::Options options = cli.options();
         options.arguments = cli.connected({"login"});
         options.terminal = true;
-        Process process(TORVI_PATH, options);
+        Process process(kTorvi, options);
         EXPECT_TRUE(process.waitFor([&](const std::string& out, const std::string&) {
             return out.find(prompt) != out.npos;
         })) << process.out();
@@ -32,7 +33,7 @@ protected:
     ProcessResult login(std::vector<std::string> arguments = {}) {
         arguments.insert(arguments.begin(), "login");
         arguments = cli.connected(std::move(arguments));
-        arguments.insert(arguments.begin(), {"--wait", TORVI_PATH});
+        arguments.insert(arguments.begin(), {"--wait", kTorvi});
         return runProcess(findProgram("setsid"), std::move(arguments), cli.options());
     }
 };
@@ -121,7 +122,7 @@ TEST_F(CliCode, TheCodeOpensASessionOfTheSyncServiceThatIsKept) {
 TEST_F(CliCode, TheCodeMayComeFromTheEnvironment) {
     Process::Options options = cli.options();
     options.environment["TORVI_CODE"] = "654321";
-    EXPECT_EQ(runProcess(TORVI_PATH, cli.connected({"stat", "/home"}), options).exitCode, 0);
+    EXPECT_EQ(runProcess(kTorvi, cli.connected({"stat", "/home"}), options).exitCode, 0);
 }
 
 TEST_F(CliCode, AWrongCodeIsRefusedUntilTheTriesAreUsedUp) {
@@ -179,7 +180,7 @@ TEST_F(CliQuestion, TheQuestionIsAskedOnATerminalWithoutAnEcho) {
 
 TEST_F(CliMail, AnEmergencyCodeComesByMailAndOpensTheSession) {
     std::vector<std::string> arguments = cli.connected({"login", "--mail"});
-    arguments.insert(arguments.begin(), {"--wait", TORVI_PATH});
+    arguments.insert(arguments.begin(), {"--wait", kTorvi});
     const ProcessResult asked = runProcess(findProgram("setsid"), arguments, cli.options());
     EXPECT_EQ(asked.exitCode, 4);
     EXPECT_THAT(asked.err, HasSubstr("as --code"));
@@ -192,7 +193,7 @@ TEST_F(CliMail, OnATerminalTheMailGoesOutByItself) {
     Process::Options options = cli.options();
     options.arguments = cli.connected({"login"});
     options.terminal = true;
-    Process process(TORVI_PATH, options);
+    Process process(kTorvi, options);
     ASSERT_TRUE(process.waitFor([](const std::string& out, const std::string&) {
         return out.find("Security code") != out.npos;
     })) << process.out();
@@ -204,7 +205,7 @@ TEST_F(CliCodeOrMail, OnATerminalAMailIsAskedForByALetter) {
     Process::Options options = cli.options();
     options.arguments = cli.connected({"login"});
     options.terminal = true;
-    Process process(TORVI_PATH, options);
+    Process process(kTorvi, options);
     const auto shows = [&](const char* text) {
         return process.waitFor(
             [&](const std::string& out, const std::string&) { return out.find(text) != out.npos; });

@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "support/programs.h"
 #include "support/proxy.h"
 #include "support/rawserver.h"
 
@@ -16,7 +17,7 @@ protected:
         Process::Options options = cli.options();
         options.environment["TORVI_PROXY_PASSWORD"] = password;
         arguments.insert(arguments.end(), {"--proxy", proxyAddress(), "--proxy-user", "jo"});
-        return runProcess(TORVI_PATH, cli.connected(std::move(arguments), tls()), options);
+        return runProcess(kTorvi, cli.connected(std::move(arguments), tls()), options);
     }
     /// What the proxy notes of a request that goes through it.
     std::string passage(const std::string& method) const {
@@ -65,12 +66,12 @@ TEST_P(CliProxy, TheProfileKeepsTheProxyButNotItsPassword) {
     EXPECT_THAT(cli.state().read("torvi/profile.json"), Not(HasSubstr("letmein")));
     Process::Options options = cli.options();
     options.environment["TORVI_PROXY_PASSWORD"] = "letmein";
-    const ProcessResult result = runProcess(TORVI_PATH, {"stat", "/home"}, options);
+    const ProcessResult result = runProcess(kTorvi, {"stat", "/home"}, options);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     options.environment["TORVI_PROXY_PASSWORD"] = "wrong";
-    EXPECT_EQ(runProcess(TORVI_PATH, {"stat", "/home"}, options).exitCode, 3);
+    EXPECT_EQ(runProcess(kTorvi, {"stat", "/home"}, options).exitCode, 3);
     options.environment["TORVI_PROXY_PASSWORD"] = "";
-    EXPECT_EQ(runProcess(TORVI_PATH, {"stat", "/home", "--proxy", "none"}, options).exitCode, 0);
+    EXPECT_EQ(runProcess(kTorvi, {"stat", "/home", "--proxy", "none"}, options).exitCode, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemes, CliProxy, testing::Bool(),

@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "support/programs.h"
 #include "support/proxy.h"
 #include "support/rawserver.h"
 
@@ -14,7 +15,7 @@ protected:
     ProcessResult run(std::vector<std::string> arguments, const std::string& password = "letmein") const {
         Process::Options options = cli.options();
         options.environment["TORVI_PROXY_PASSWORD"] = password;
-        return runProcess(TORVI_PATH, std::move(arguments), options);
+        return runProcess(kTorvi, std::move(arguments), options);
     }
     std::string profile() const { return cli.state().read("torvi/profile.json"); }
 

@@ -1,4 +1,5 @@
 #include "cli_support.h"
+#include "support/programs.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -36,7 +37,7 @@ TEST_F(CliSession, ACommandWithoutALoginBeforeLeavesNoSessionBehind) {
 TEST_F(CliSession, AWrongPasswordIsItsOwnExitCodeAndStoresNothing) {
     Process::Options options = cli.options();
     options.environment["TORVI_PASSWORD"] = "wrong";
-    const ProcessResult result = runProcess(TORVI_PATH, cli.connected({"login"}), options);
+    const ProcessResult result = runProcess(kTorvi, cli.connected({"login"}), options);
     EXPECT_EQ(result.exitCode, 4);
     EXPECT_THAT(result.err, HasSubstr("refused user name or password"));
     EXPECT_FALSE(std::filesystem::exists(cli.profile()));
@@ -73,7 +74,7 @@ TEST_F(CliSession, TheProfileServesLaterCommands) {
 TEST_F(CliSession, AKeptPasswordServesItsOwnServerAndNoOther) {
     ASSERT_EQ(cli.run({"login", "--save-password"}).exitCode, 0);
     EXPECT_EQ(modeOf(cli.profile()), 0600u);
-    EXPECT_EQ(runProcess(TORVI_PATH, {"stat", "/home"}, cli.withoutPassword()).exitCode, 0);
+    EXPECT_EQ(runProcess(kTorvi, {"stat", "/home"}, cli.withoutPassword()).exitCode, 0);
 
     // Another port of the same machine is another server.
     const ProcessResult other =
@@ -111,7 +112,7 @@ TEST_F(CliSession, ThePasswordIsAskedForWithoutAnEcho) {
     Process::Options options = cli.withoutPassword();
     options.arguments = cli.connected({"login"});
     options.terminal = true;
-    Process process(TORVI_PATH, options);
+    Process process(kTorvi, options);
     ASSERT_TRUE(process.waitFor(
         [](const std::string& out, const std::string&) { return out.find("Password of anna") != out.npos; }));
     process.write("secret\n");
@@ -123,7 +124,7 @@ TEST_F(CliSession, CtrlCAtThePasswordPromptCancels) {
     Process::Options options = cli.withoutPassword();
     options.arguments = cli.connected({"login"});
     options.terminal = true;
-    Process process(TORVI_PATH, options);
+    Process process(kTorvi, options);
     ASSERT_TRUE(process.waitFor(
         [](const std::string& out, const std::string&) { return out.find("Password of anna") != out.npos; }));
     process.write("\x03");
@@ -132,15 +133,15 @@ TEST_F(CliSession, CtrlCAtThePasswordPromptCancels) {
 
 TEST_F(CliSession, ThePasswordComesFromAFileOrStandardInput) {
     const std::string file = cli.work().write("password", "secret\nsecond line\n");
-    EXPECT_EQ(runProcess(TORVI_PATH, cli.connected({"stat", "/home", "--password-file", file}),
-                         cli.withoutPassword())
-                  .exitCode,
-              0);
+    EXPECT_EQ(
+        runProcess(kTorvi, cli.connected({"stat", "/home", "--password-file", file}), cli.withoutPassword())
+            .exitCode,
+        0);
     Process::Options piped = cli.withoutPassword();
     piped.input = "secret\n";
-    EXPECT_EQ(
-        runProcess(TORVI_PATH, cli.connected({"stat", "/home", "--password-file", "-"}), piped).exitCode, 0);
-    EXPECT_EQ(runProcess(TORVI_PATH, cli.connected({"stat", "/home", "--password-file", "/nowhere"}),
+    EXPECT_EQ(runProcess(kTorvi, cli.connected({"stat", "/home", "--password-file", "-"}), piped).exitCode,
+              0);
+    EXPECT_EQ(runProcess(kTorvi, cli.connected({"stat", "/home", "--password-file", "/nowhere"}),
                          cli.withoutPassword())
                   .exitCode,
               9);
@@ -148,7 +149,7 @@ TEST_F(CliSession, ThePasswordComesFromAFileOrStandardInput) {
 
 TEST_F(CliSession, VersionNeedsNoLogin) {
     const ProcessResult result = runProcess(
-        TORVI_PATH, {"version", "--server", "127.0.0.1", "--json", "--port", std::to_string(nas.port())},
+        kTorvi, {"version", "--server", "127.0.0.1", "--json", "--port", std::to_string(nas.port())},
         cli.withoutPassword());
     ASSERT_EQ(result.exitCode, 0) << result.err;
     EXPECT_FALSE(Json::parse(result.out)["version"].get<std::string>().empty());

@@ -12,6 +12,7 @@
 #include "files.h"
 #include "support/nas.h"
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/tempdir.h"
 
 /// How the command line reaches its server.
@@ -81,22 +82,22 @@ public:
     }
 
     ProcessResult run(std::vector<std::string> arguments, bool tls = false) const {
-        return runProcess(TORVI_PATH, connected(std::move(arguments), tls), options());
+        return runProcess(kTorvi, connected(std::move(arguments), tls), options());
     }
     /// With nothing added to the command line.
     ProcessResult runBare(std::vector<std::string> arguments) const {
-        return runProcess(TORVI_PATH, std::move(arguments), options());
+        return runProcess(kTorvi, std::move(arguments), options());
     }
     /// With no password anywhere, nor a terminal to ask on.
     ProcessResult runWithoutPassword(std::vector<std::string> arguments) const {
-        arguments.insert(arguments.begin(), {"--wait", TORVI_PATH});
+        arguments.insert(arguments.begin(), {"--wait", kTorvi});
         return runProcess(findProgram("setsid"), std::move(arguments), withoutPassword());
     }
     std::unique_ptr<Process> start(std::vector<std::string> arguments, bool terminal = false) const {
         Process::Options all = options();
         all.arguments = connected(std::move(arguments));
         all.terminal = terminal;
-        return std::make_unique<Process>(TORVI_PATH, std::move(all));
+        return std::make_unique<Process>(kTorvi, std::move(all));
     }
 
     /// The only partial download in the working folder, empty if there is none.

@@ -8,6 +8,7 @@
 
 #include "lib_support.h"
 #include "support/process.h"
+#include "support/sanitized.h"
 
 using namespace e2e;
 
@@ -20,9 +21,7 @@ protected:
     static constexpr std::uintmax_t kSize = std::uintmax_t{256} << 20;
 
     void SetUp() override {
-#ifdef __SANITIZE_ADDRESS__
-        GTEST_SKIP() << "the sanitizer's own memory counts as well";
-#endif
+        if (sanitized()) GTEST_SKIP() << "the sanitizer's own memory counts as well";
     }
     /// By a process with nothing in it but the library.
     void transfer(const std::string& what, const std::string& local, const std::string& remote) {

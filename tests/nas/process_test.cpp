@@ -8,6 +8,7 @@
 #include "nasnodes.h"
 #include "nastest.h"
 #include "support/nginx.h"
+#include "support/programs.h"
 
 using NasProcess = NasTest;
 
@@ -20,7 +21,7 @@ TEST_F(NasProcess, TellsItsAddressesInOneLine) {
 TEST_F(NasProcess, EndsCleanlyOnBothSignalsWhateverIsGoingOn) {
     for (const int signal : {SIGTERM, SIGINT}) {
         TempDir root;
-        Process process(TORVI_NAS_PATH, [&] {
+        Process process(kTorviNas, [&] {
             Process::Options options;
             options.arguments = {"--root",      root.string(), "--user",
                                  "anna:secret", "--fail",      "stall,match=version"};
@@ -61,7 +62,7 @@ TEST_F(NasProcess, BadCommandLineEndsWithAnError) {
         {"--root", root.string(), "--cert", "/etc/passwd"},
     };
     for (const auto& arguments : wrong) {
-        const ProcessResult result = runProcess(TORVI_NAS_PATH, arguments);
+        const ProcessResult result = runProcess(kTorviNas, arguments);
         EXPECT_GT(result.exitCode, 0);
         EXPECT_LT(result.exitCode, 128);
         EXPECT_NE("", result.err + result.out);
@@ -69,7 +70,7 @@ TEST_F(NasProcess, BadCommandLineEndsWithAnError) {
 }
 
 TEST_F(NasProcess, HelpExplainsTheOptions) {
-    const ProcessResult result = runProcess(TORVI_NAS_PATH, {"--help"});
+    const ProcessResult result = runProcess(kTorviNas, {"--help"});
     EXPECT_EQ(0, result.exitCode);
     for (const char* option :
          {"--root", "--port", "--tls-port", "--user", "--slave-id", "--team", "--fail", "--second-factor",
@@ -82,7 +83,7 @@ TEST_F(NasProcess, WithoutControlThereIsNoControl) {
     TempDir root;
     Process::Options options;
     options.arguments = {"--root", root.string()};
-    Process process(TORVI_NAS_PATH, options);
+    Process process(kTorviNas, options);
     const auto ready = process.waitForLine("torvi-nas ready ");
     ASSERT_TRUE(ready);
     const auto port = static_cast<std::uint16_t>(std::stoi(ready->substr(ready->find("0.0.1:") + 6)));
@@ -141,7 +142,7 @@ TEST_F(NasCluster, NodeTakesItsOwnPrefixWhereThereIsOne) {
 
 TEST_F(NasCluster, FrontEndRoutesByTheSlaveId) {
     if (!Nginx::installed()) GTEST_SKIP() << "no nginx";
-    std::ifstream in(NAS_CLUSTER_CONF);
+    std::ifstream in(kClusterTemplate);
     std::ostringstream configuration;
     configuration << in.rdbuf();
     Nginx front(configuration.str(), {{"MASTER", "127.0.0.1:" + std::to_string(master.port())},

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "secondstep.h"
+#include "support/programs.h"
 
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -244,7 +245,7 @@ TEST(NasSecondFactorOptions, RulesThatAreNoneEndTheProgram) {
     for (std::vector<std::string> arguments : wrong) {
         const std::string said = arguments.back();
         arguments.insert(arguments.begin(), {"--root", root.string(), "--user", "anna:secret"});
-        const ProcessResult result = runProcess(TORVI_NAS_PATH, arguments);
+        const ProcessResult result = runProcess(kTorviNas, arguments);
         EXPECT_GT(result.exitCode, 0) << said;
         EXPECT_LT(result.exitCode, 128) << said;
     }

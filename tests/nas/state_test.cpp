@@ -5,6 +5,7 @@
 
 #include "nasnodes.h"
 #include "nastest.h"
+#include "support/programs.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -298,7 +299,7 @@ TEST_F(NasState, BadListsOnTheCommandLineAreRefused) {
         TempDir root;
         std::vector<std::string> arguments = {"--root", root.string()};
         arguments.insert(arguments.end(), wrong.begin(), wrong.end());
-        const ProcessResult result = runProcess(TORVI_NAS_PATH, arguments);
+        const ProcessResult result = runProcess(kTorviNas, arguments);
         EXPECT_GT(result.exitCode, 0) << wrong[1];
         EXPECT_LT(result.exitCode, 128);
         EXPECT_THAT(result.err + result.out, HasSubstr(wrong[0])) << wrong[1];

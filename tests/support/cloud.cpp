@@ -1,5 +1,7 @@
 #include "support/cloud.h"
 
+#include "support/programs.h"
+
 Cloud::Cloud() : Cloud(Options()) {}
 
 Cloud::Cloud(Options options) : m_options(std::move(options)) {
@@ -17,7 +19,7 @@ void Cloud::start() {
     for (const std::string& app : m_options.apps) arguments.insert(arguments.end(), {"--app", app});
     for (const std::string& user : m_options.users) arguments.insert(arguments.end(), {"--user", user});
     arguments.insert(arguments.end(), m_options.arguments.begin(), m_options.arguments.end());
-    run("torvi-cloud", TORVI_CLOUD_PATH, m_options.address, m_options.tls, std::move(arguments));
+    run("torvi-cloud", kTorviCloud, m_options.address, m_options.tls, std::move(arguments));
 }
 
 std::vector<std::string> Cloud::registration(const std::string& user, const std::string& deviceName,

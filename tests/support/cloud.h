@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "support/programs.h"
 #include "support/standin.h"
 
 /// The built torvi-cloud on free ports, or on those that clients of the cloud expect.
@@ -25,7 +26,7 @@ public:
     explicit Cloud(Options options);
     ~Cloud();
 
-    static bool built() { return std::string(TORVI_CLOUD_PATH) != ""; }
+    static bool built() { return std::string(kTorviCloud) != ""; }
 
     /// The options by which a torvi-nas registers at this cloud.
     std::vector<std::string> registration(const std::string& user, const std::string& deviceName,

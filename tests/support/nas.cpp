@@ -1,5 +1,7 @@
 #include "support/nas.h"
 
+#include "support/programs.h"
+
 Nas::Nas() : Nas(Options()) {}
 
 Nas::Nas(Options options)
@@ -11,7 +13,7 @@ void Nas::start() {
     std::vector<std::string> arguments = {"--root", m_root};
     for (const std::string& user : m_options.users) arguments.insert(arguments.end(), {"--user", user});
     arguments.insert(arguments.end(), m_options.arguments.begin(), m_options.arguments.end());
-    run("torvi-nas", TORVI_NAS_PATH, m_options.address, m_options.tls, std::move(arguments));
+    run("torvi-nas", kTorviNas, m_options.address, m_options.tls, std::move(arguments));
 }
 
 Nas::~Nas() = default;

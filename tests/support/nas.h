@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "support/programs.h"
 #include "support/standin.h"
 #include "support/tempdir.h"
 
@@ -24,7 +25,7 @@ public:
     explicit Nas(Options options);
     ~Nas();
 
-    static bool built() { return std::string(TORVI_NAS_PATH) != ""; }
+    static bool built() { return std::string(kTorviNas) != ""; }
 
     /// The served folder: its subfolders are the shares, homes/<user> the homes.
     const TempDir& folder() const { return m_folder; }

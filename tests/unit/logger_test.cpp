@@ -30,6 +30,7 @@
 #include "core/loggerfile.h"
 #include "core/logtext.h"
 #include "support/tempdir.h"
+#include "support/sanitized.h"
 
 using namespace Lattice;
 using testing::AllOf;
@@ -743,12 +744,6 @@ TEST_F(LoggerTest, FinishingFromManyThreadsWhileOthersLogLosesNoLineAndNoOrder) 
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool sanitized = true;
-#else
-constexpr bool sanitized = false;
-#endif
-
 constexpr int childLines = 5 * 50;
 
 struct Ending {
@@ -845,7 +840,7 @@ class ProcessEndUnderValgrind : public testing::TestWithParam<Ending> {};
 
 TEST_P(ProcessEndUnderValgrind, LeaksNothing) {
     const QString valgrind = QStandardPaths::findExecutable("valgrind");
-    if (sanitized || valgrind.isEmpty()) {
+    if (sanitized() || valgrind.isEmpty()) {
         GTEST_SKIP() << "no valgrind, or a build that doesn't go with it";
     }
     const ChildRun run = RunChild(GetParam(), {valgrind, "--quiet", "--leak-check=full", "--error-exitcode=9",

@@ -1,0 +1,26 @@
+# Read by ctest: each suite of ${program} becomes one test. The largest go first, so that none is left alone at the end.
+if(NOT EXISTS "${program}")
+  message(FATAL_ERROR "${program} isn't built")
+endif()
+execute_process(COMMAND "${program}" --gtest_list_tests
+  OUTPUT_VARIABLE lines COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]+" lines "${lines}")
+
+function(suite_ends)
+  if(suite)
+    add_test("${suite}" "${program}" "--gtest_filter=${suite}.*")
+    set_tests_properties("${suite}" PROPERTIES TIMEOUT ${timeout} ENVIRONMENT "${environment}" COST ${tests})
+  endif()
+endfunction()
+
+set(suite "")
+foreach(line IN LISTS lines)
+  if(line MATCHES "^ ")
+    math(EXPR tests "${tests} + 1")
+  elseif(line MATCHES "^([^ ]+)\\.")
+    suite_ends()
+    set(suite ${CMAKE_MATCH_1})
+    set(tests 0)
+  endif()
+endforeach()
+suite_ends()
