@@ -7,12 +7,13 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <stdexcept>
 
 #include "connection.h"
+#include "log.h"
 
 namespace nas {
 
@@ -22,6 +23,7 @@ namespace {
 
 constexpr size_t kMostConnections = 1024;
 constexpr int kBacklog = 512;
+constexpr std::chrono::milliseconds kRest{100};
 // Epoll data below any address: 0 wakes the loop, the rest are listeners.
 constexpr uint64_t kSmallest = 4096;
 
@@ -74,25 +76,49 @@ int Relay::listen(const std::string& address, int port, SSL_CTX* tls) {
         ::getsockname(fd.get(), reinterpret_cast<sockaddr*>(&where), &length) != 0) {
         fail("cannot listen on " + address + ":" + std::to_string(port));
     }
-    epoll_event event{};
-    event.events = EPOLLIN;
-    event.data.u64 = listeners_.size() + 1;
-    if (::epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, fd.get(), &event) != 0) {
+    listeners_.push_back({std::move(fd), tls});
+    if (!watch(EPOLL_CTL_ADD, listeners_.size() - 1, EPOLLIN)) {
         fail("epoll");
     }
-    listeners_.push_back({std::move(fd), tls});
     return ntohs(where.sin_port);
 }
 
+bool Relay::watch(int how, size_t listener, uint32_t events) {
+    epoll_event event{};
+    event.events = events;
+    event.data.u64 = listener + 1;
+    return ::epoll_ctl(epoll_.get(), how, listeners_[listener].fd.get(), &event) == 0;
+}
+
+void Relay::rest(int error) {
+    logLine(std::string("no connection is taken: ") + std::strerror(error));
+    restUntil_ = Connection::Clock::now() + kRest;
+    for (size_t i = 0; i < listeners_.size(); ++i) {
+        watch(EPOLL_CTL_MOD, i, 0);
+    }
+}
+
+void Relay::goOn() {
+    restUntil_.reset();
+    for (size_t i = 0; i < listeners_.size(); ++i) {
+        watch(EPOLL_CTL_MOD, i, EPOLLIN);
+    }
+}
+
 void Relay::accept(const Listener& listener) {
-    Fd client(::accept4(listener.fd.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    // First, so that a client for whom there is none waits its turn.
+    Fd service(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    Fd client(service ? ::accept4(listener.fd.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC) : -1);
+    if (!client && errno != EAGAIN) {
+        // Descriptors have run out: others must end first.
+        return rest(errno);
+    }
     if (!client || connections_.size() >= kMostConnections) {
         return;
     }
-    Fd service(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     sockaddr_in where = addressOf("127.0.0.1", servicePort_);
     int on = 1;
-    if (!service || (listener.tls && !comeFromTls(service.get())) ||
+    if ((listener.tls && !comeFromTls(service.get())) ||
         (::connect(service.get(), reinterpret_cast<sockaddr*>(&where), sizeof where) != 0 &&
          errno != EINPROGRESS)) {
         return;
@@ -107,17 +133,18 @@ void Relay::accept(const Listener& listener) {
 }
 
 int Relay::timeoutUntilDeadline() const {
-    int timeout = -1;
-    auto now = Connection::Clock::now();
+    std::optional<Connection::Clock::time_point> earliest = restUntil_;
     for (const auto& [key, connection] : connections_) {
         if (auto deadline = connection->deadline()) {
-            // Rounded up, so that the deadline has passed when the loop wakes.
-            auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - now).count();
-            int wait = left < 0 ? 0 : left > 60000 ? 60000 : static_cast<int>(left);
-            timeout = timeout < 0 ? wait : std::min(timeout, wait);
+            earliest = earliest ? std::min(*earliest, *deadline) : deadline;
         }
     }
-    return timeout;
+    if (!earliest) {
+        return -1;
+    }
+    // Rounded up, so that the deadline has passed when the loop wakes.
+    auto left = std::chrono::ceil<std::chrono::milliseconds>(*earliest - Connection::Clock::now()).count();
+    return static_cast<int>(std::clamp<int64_t>(left, 0, 60000));
 }
 
 void Relay::run() {
@@ -127,7 +154,7 @@ void Relay::run() {
         for (int i = 0; i < count; ++i) {
             uint64_t data = events[i].data.u64;
             if (data < kSmallest) {
-                if (data > 0) {
+                if (data > 0 && !restUntil_) {
                     accept(listeners_[data - 1]);
                 }
                 continue;
@@ -143,6 +170,9 @@ void Relay::run() {
             auto deadline = it->second->deadline();
             bool over = deadline && *deadline <= now && !it->second->pump(0);
             it = over ? connections_.erase(it) : std::next(it);
+        }
+        if (restUntil_ && *restUntil_ <= now) {
+            goOn();
         }
     }
     connections_.clear();

@@ -3,8 +3,10 @@
 #include <openssl/ssl.h>
 
 #include <atomic>
+#include <chrono>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "faults.h"
@@ -36,7 +38,11 @@ private:
         SSL_CTX* tls;
     };
 
+    bool watch(int how, size_t listener, uint32_t events);
     void accept(const Listener& listener);
+    // Takes no connections for a moment, since none can be had.
+    void rest(int error);
+    void goOn();
     int timeoutUntilDeadline() const;
 
     Faults& faults_;
@@ -45,6 +51,7 @@ private:
     Fd wake_;
     std::atomic<bool> stopping_{false};
     std::vector<Listener> listeners_;
+    std::optional<std::chrono::steady_clock::time_point> restUntil_;
     std::map<Connection*, std::unique_ptr<Connection>> connections_;
 };
 
