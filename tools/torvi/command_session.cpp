@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "address.h"
+#include "commands.h"
 #include "failure.h"
 #include "keptsession.h"
-#include "options.h"
 #include "output.h"
 #include "password.h"
 #include "profile.h"
@@ -105,7 +105,8 @@ bool speaksOfAnother(const QString& named) {
 }
 
 void logout(const GlobalOptions& global, bool all) {
-    // A name that isn't understood must not lead to the server that is stored.
+    // What isn't understood must not lead to what is stored.
+    checkValues(global);
     const QString named = namedServer(global).host;
     int ended = 0;
     int lost = 0;
