@@ -67,7 +67,7 @@ case $check in
         place=127.$((128 + RANDOM % 100)).$((RANDOM % 256)).$((1 + RANDOM % 254))
         listed=()
         "$BUILD_DIR/bin/torvi-cloud" --address "$place" --port 80 --tls-port 443 --app desk-app:desk-secret \
-            --user ann:ann-refresh >"$work/cloud-ready" 2>"$work/cloud.log" &
+            --user ann:ann-refresh --user ben:ben-refresh >"$work/cloud-ready" 2>"$work/cloud.log" &
         if becomes_ready $! "$work/cloud-ready"; then
             listed=(--cloud "http://$place" --cloud-user ann --device-name Cellar)
         else
@@ -96,6 +96,12 @@ case $check in
         if [ ${#listed[@]} -gt 0 ]; then
             printf 'desk-secret\nann-refresh\n' |
                 says "cloud $place desk-app" 'device Cellar' "logged in to torvi-nas at 127.0.0.1:$port"
+            # Ben has no device, and is told so in one line.
+            code=0
+            printf 'desk-secret\nben-refresh\n' |
+                "$work/cmake/cloud" "$place" desk-app >"$work/said" 2>"$work/told" || code=$?
+            [ $code = 1 ] && [ ! -s "$work/said" ] && echo 'no address to log in at: ""' | diff - "$work/told" ||
+                fail "cloud ends with $code and says: $(cat "$work/said" "$work/told")"
         else
             echo "the cloud is left out: $(cat "$work/cloud.log")"
         fi
