@@ -708,5 +708,7 @@ TEST_F(NasChunks, ZerosBecomeHolesAndMemoryStaysFlat) {
     EXPECT_EQ(2 * sliceSize, info.st_size);
     EXPECT_LT(info.st_blocks * 512, 1 << 20);
     EXPECT_GT(peakMemory(), 0);
-    if (!sanitized()) EXPECT_LT(peakMemory(), 64 * 1024) << "KiB at the peak";
+    if (!sanitized()) {
+        EXPECT_LT(peakMemory(), 64 * 1024) << "KiB at the peak";
+    }
 }

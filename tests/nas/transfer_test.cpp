@@ -197,7 +197,9 @@ TEST_F(NasUpload, HalfAGigabyteDoesNotGrowTheServer) {
 
     const long peak = peakMemory();
     EXPECT_GT(peak, 0);
-    if (!sanitized()) EXPECT_LT(peak, 64 * 1024) << "KiB at the peak";
+    if (!sanitized()) {
+        EXPECT_LT(peak, 64 * 1024) << "KiB at the peak";
+    }
 }
 
 TEST_F(NasDownload, WholeFileComesWithItsLength) {
