@@ -1,9 +1,5 @@
-#include <sys/resource.h>
-
-#include <filesystem>
-#include <set>
-
 #include "cloudtest.h"
+#include "nas/descriptors.h"
 
 namespace {
 
@@ -13,24 +9,6 @@ protected:
         NasConnection connection(cloud.port());
         connection.send(bytes);
         return connection.readAll();
-    }
-    /// The first number of descriptors with which the server has so many more than now.
-    rlim_t limitFor(int more) const {
-        std::set<int> used;
-        const std::string folder = "/proc/" + std::to_string(cloud.pid()) + "/fd";
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
-            used.insert(std::stoi(entry.path().filename().string()));
-        int limit = 0;
-        for (int left = more; left > 0; ++limit) left -= used.count(limit) == 0 ? 1 : 0;
-        return static_cast<rlim_t>(limit);
-    }
-    rlimit limits() const {
-        rlimit now = {};
-        EXPECT_EQ(0, ::prlimit(cloud.pid(), RLIMIT_NOFILE, nullptr, &now));
-        return now;
-    }
-    void setLimits(const rlimit& limits) const {
-        EXPECT_EQ(0, ::prlimit(cloud.pid(), RLIMIT_NOFILE, &limits, nullptr));
     }
 };
 
@@ -82,13 +60,13 @@ TEST_F(CloudHttp, ARefusalBelowTheProtocolEndsTheConnection) {
 
 TEST_F(CloudHttp, WithoutDescriptorsTheNextConnectionWaits) {
     // A connection takes three: the client's, the one towards the service, and the service's own.
-    const rlimit before = limits();
-    setLimits({limitFor(3), before.rlim_max});
-    NasConnection connection(cloud.port());
-    EXPECT_TRUE(cloud.waitForLog("no connection is taken: Too many open files"));
-    connection.send(signInRequest().bytes());
-    EXPECT_EQ(200, connection.readAll().http);
-    setLimits(before);
+    {
+        const FewDescriptors few(cloud.pid(), 3);
+        NasConnection connection(cloud.port());
+        EXPECT_TRUE(cloud.waitForLog("no connection is taken: Too many open files"));
+        connection.send(signInRequest().bytes());
+        EXPECT_EQ(200, connection.readAll().http);
+    }
     EXPECT_EQ(200, run(signInRequest()).http);
 }
 
