@@ -273,7 +273,8 @@ TEST_P(CliCloudTokens, NoTokenIsInTheLog) {
     ASSERT_EQ(refreshed.exitCode, 0) << refreshed.err;
     const std::string second = session()["accessToken"];
     EXPECT_THAT(signedIn.err + refreshed.err, AllOf(Not(HasSubstr(first)), Not(HasSubstr(second))));
-    EXPECT_THAT(run({"reach", "nas-9", "-v"}).err, HasSubstr("[WFM] ZenoAPIGetCloudLinkSetting"));
+    cloud->stop();
+    EXPECT_THAT(run({"devices", "-v"}).err, HasSubstr("[WFM] ZenoAPIGetAllDeviceInfo: failed dwStatus("));
 }
 
 TEST_P(CliCloudTokens, ASignOutGoesTheWayThatTheSessionCame) {
