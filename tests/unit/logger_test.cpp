@@ -29,8 +29,8 @@
 
 #include "core/loggerfile.h"
 #include "core/logtext.h"
-#include "support/tempdir.h"
 #include "support/sanitized.h"
+#include "support/tempdir.h"
 
 using namespace Lattice;
 using testing::AllOf;

@@ -6,8 +6,8 @@
 #include <QTimer>
 #include <fstream>
 
-#include "wire/worker_support.h"
 #include "support/sanitized.h"
+#include "wire/worker_support.h"
 
 using namespace wire;
 
