@@ -1,159 +1,22 @@
-#include <algorithm>
-#include <ctime>
+#include "link_calls.h"
 
-#include "link_place.h"
+#include "link_form.h"
+#include "link_mail.h"
 
 namespace nas {
 
-std::string wholePath(const Link& link, const std::string& item) {
-    return item.find('/') == std::string::npos ? link.path + "/" + item : item;
-}
-
-LinkItem openItem(Service& service, const User& owner, const std::string& whole) {
-    const size_t slash = whole.rfind('/');
-    LinkItem found;
-    if (slash == std::string::npos || slash == 0) {
-        throw StatusError(Status::Missing, "no path: " + whole);
+Answer linkResult(const std::string& url, bool mailed, bool inTime) {
+    nlohmann::json reply = {{"status", number(Status::Ok)}, {"result", url}};
+    if (!mailed) {
+        reply["email_error"] = 1;
     }
-    if (whole.substr(0, slash) == "vtf:/") {
-        found.folder = service.tree().open(owner, whole);
-    } else {
-        found.folder = service.tree().open(owner, whole.substr(0, slash));
-        found.name = whole.substr(slash + 1);
+    if (!inTime) {
+        reply["time_error"] = 1;
     }
-    const std::optional<Entry> entry = service.tree().lookup(owner, found.folder, found.name);
-    if (!entry) {
-        throw StatusError(Status::Missing, "nothing at " + whole);
-    }
-    found.entry = *entry;
-    return found;
-}
-
-const Link* findLink(const ShareBook& book, const std::string& ssid) {
-    const auto it = std::find_if(book.links.begin(), book.links.end(),
-                                 [&](const Link& link) { return link.ssid == ssid; });
-    return it == book.links.end() ? nullptr : &*it;
+    return {reply, false, reply.dump()};
 }
 
 namespace {
-
-const Shape kMail = {"addressee", "subject", "content"};
-
-void append(Shape& shape, const Shape& more) {
-    shape.insert(shape.end(), more.begin(), more.end());
-}
-
-// "valid_duration", and the date where it is one.
-void appendDuration(Shape& shape, const Fields& form) {
-    shape.emplace_back("valid_duration");
-    if (field(form, "valid_duration") == "specific_time") {
-        shape.emplace_back("datetime");
-    }
-}
-
-void requireOneOf(const Fields& form, const std::string& key, const std::vector<std::string>& values) {
-    if (std::find(values.begin(), values.end(), field(form, key)) == values.end()) {
-        throw Refusal("form key \"" + key + "\" has the unknown value \"" + field(form, key) + "\"");
-    }
-}
-
-bool flag(const Fields& form, const std::string& key) {
-    requireOneOf(form, key, {"true", "false"});
-    return field(form, key) == "true";
-}
-
-// When the link ends: for a period so many hours from now.
-int64_t expiryOf(const Fields& form) {
-    requireOneOf(form, "valid_duration", {"forever", "specific_time", "period_of_time"});
-    const std::string& kind = field(form, "valid_duration");
-    if (kind == "forever") {
-        return Link::kNever;
-    }
-    if (kind == "period_of_time") {
-        constexpr int64_t kMostHours = 200000000;
-        const int64_t hours = numberField(form, "expire_time");
-        if (hours < 0 || hours > kMostHours) {
-            throw Refusal("form key \"expire_time\" is out of its range");
-        }
-        return std::time(nullptr) + hours * 3600;
-    }
-    struct tm parts {};
-    parts.tm_isdst = -1;
-    const char* end = ::strptime(field(form, "datetime").c_str(), "%Y/%m/%d %H:%M", &parts);
-    const int day = parts.tm_mday;
-    const time_t when = std::mktime(&parts);
-    // What no calendar has becomes another day.
-    if (!end || *end != '\0' || parts.tm_mday != day) {
-        throw Refusal("form key \"datetime\" is no date like 2026/12/31 18:00");
-    }
-    return when;
-}
-
-// 10 stands for a host as it is written, 11 for none.
-void requireHostKind(const Fields& form) {
-    if (hasField(form, "ht")) {
-        requireOneOf(form, "ht", {hasField(form, "hostname") ? "10" : "11"});
-    }
-}
-
-std::string urlOf(Service& service, const Request& request, const Fields& form, const Link& link) {
-    const bool secure = flag(form, "ssl");
-    std::string host =
-        hasField(form, "hostname") ? field(form, "hostname") : request.http.get_header_value("Host");
-    if (host.empty()) {
-        throw Refusal("form key \"hostname\" is empty");
-    }
-    // Some clients name the node themselves.
-    const size_t slash = std::min(host.find('/'), host.size());
-    const bool named = link.nas.empty() || slash < host.size();
-    const int port = secure ? service.tlsPort() : service.httpPort();
-    if (host.find(':') == std::string::npos && port != 0) {
-        host.insert(slash, ":" + std::to_string(port));
-    }
-    return (secure ? "https://" : "http://") + host + (named ? "" : "/" + link.nas) +
-           "/share.cgi?ssid=" + link.ssid;
-}
-
-std::vector<std::string> valuesOf(const Fields& form, const std::string& key) {
-    std::vector<std::string> values;
-    for (const auto& [name, value] : form) {
-        if (name == key) {
-            values.push_back(value);
-        }
-    }
-    return values;
-}
-
-// Of a team folder as a whole the form names nothing but its path.
-std::string shownName(const Link& link) {
-    return leafOf(link.files[0].empty() ? link.path : link.files[0]);
-}
-
-// What a form asks for, with everything but the ssid; throws Missing for files that aren't there.
-Link linkOf(Service& service, const User& user, const Fields& form) {
-    Link link;
-    link.owner = user.name;
-    link.nas = service.shares().nas();
-    // A new share names no folder: what isn't a whole path lies in the home.
-    link.path = hasField(form, "path") ? field(form, "path") : "/home";
-    link.files = valuesOf(form, "file_name");
-    link.name = hasField(form, "link_name") ? field(form, "link_name") : "";
-    link.code = field(form, "access_code");
-    link.expires = expiryOf(form);
-    if (link.files.empty()) {
-        throw StatusError(Status::Missing, "a link needs a file");
-    }
-    for (const std::string& file : link.files) {
-        const LinkItem item = openItem(service, user, wholePath(link, file));
-        if (item.folder.shares || !item.entry.readable()) {
-            throw StatusError(Status::Denied, file + " can't be linked");
-        }
-    }
-    if (link.name.empty()) {
-        link.name = shownName(link);
-    }
-    return link;
-}
 
 void keep(Service& service, const Request& request, const Fields& form, Link& link, bool reuse) {
     service.shares().change([&](ShareBook& book) {
@@ -172,40 +35,6 @@ void keep(Service& service, const Request& request, const Fields& form, Link& li
             book.links.push_back(link);
         }
     });
-}
-
-void requireLine(const Fields& form, const std::string& key) {
-    const std::string& text = field(form, key);
-    if (text.empty() ||
-        std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; })) {
-        throw Refusal("form key \"" + key + "\" is no line of text");
-    }
-}
-
-// What kMail holds, before anything is done for the mail's sake.
-void requireMail(const Fields& form) {
-    requireLine(form, "addressee");
-    requireLine(form, "subject");
-    if (field(form, "content").empty()) {
-        throw Refusal("form key \"content\" is empty");
-    }
-    flag(form, "include_access_code");
-}
-
-// False if no mail can go out.
-bool mail(Service& service, const Fields& form, const std::vector<Link>& links) {
-    if (!service.mailbox().open()) {
-        return false;
-    }
-    std::string text = field(form, "content") + "\r\n";
-    for (const Link& link : links) {
-        text += "\r\n" + link.name + ": " + link.url;
-    }
-    if (flag(form, "include_access_code") && hasField(form, "mail_content_pwd")) {
-        text += "\r\n\r\nAccess code: " + field(form, "mail_content_pwd");
-    }
-    service.mailbox().send({field(form, "addressee"), field(form, "subject"), text});
-    return true;
 }
 
 // Clients search this text for its keys and know each slash by the backslash before it, so that it holds
@@ -274,20 +103,6 @@ Shape oneLinkShape(const Fields& form) {
     return shape;
 }
 
-void requireTypes(const Fields& form) {
-    requireOneOf(form, "download_type", {"email_download_link", "create_download_link"});
-    if (hasField(form, "network_type")) {
-        requireOneOf(form, "network_type", {"internet", "local"});
-    }
-    const bool coded = flag(form, "access_enabled");
-    if (flag(form, "include_access_code") != coded) {
-        throw Refusal("form keys \"include_access_code\" and \"access_enabled\" differ");
-    }
-    if (hasField(form, "access_code") && coded == field(form, "access_code").empty()) {
-        throw Refusal("form keys \"access_code\" and \"access_enabled\" contradict each other");
-    }
-}
-
 // The link of a selection: the one that is there, or a new one.
 Answer getLink(Service& service, Request& request, httplib::Response& response) {
     const Fields form = readForm(request, "file_name");
@@ -310,50 +125,10 @@ Answer getLink(Service& service, Request& request, httplib::Response& response) 
     const User& user = service.authenticate(request, field(request.query, "sid"));
     Link link = linkOf(service, user, form);
     keep(service, request, form, link, !selection || field(form, "new_share") == "0");
-    if (mails && !mail(service, form, {link})) {
+    if (mails && !mailOut(service, form, {link})) {
         throw StatusError(Status::Failed, "no mail can go out");
     }
     return selection ? told(link) : toldAsText(link, response);
-}
-
-Answer result(const std::string& url, bool mailed, bool inTime) {
-    nlohmann::json reply = {{"status", number(Status::Ok)}, {"result", url}};
-    if (!mailed) {
-        reply["email_error"] = 1;
-    }
-    if (!inTime) {
-        reply["time_error"] = 1;
-    }
-    return {reply, false, reply.dump()};
-}
-
-// The links of a text "a;b", which are the user's own.
-std::vector<Link> ownLinks(Service& service, const User& user, const std::vector<std::string>& ssids) {
-    const auto book = service.shares().read();
-    std::vector<Link> links;
-    for (const std::string& ssid : ssids) {
-        const Link* link = findLink(*book, ssid);
-        if (!link || link->owner != user.name) {
-            throw StatusError(Status::Missing, user.name + " has no link " + ssid);
-        }
-        links.push_back(*link);
-    }
-    if (links.empty()) {
-        throw StatusError(Status::Missing, "no link is named");
-    }
-    return links;
-}
-
-std::vector<std::string> splitIds(const std::string& text) {
-    std::vector<std::string> ids;
-    for (size_t from = 0; from <= text.size();) {
-        const size_t to = std::min(text.find(';', from), text.size());
-        if (to > from) {
-            ids.push_back(text.substr(from, to - from));
-        }
-        from = to + 1;
-    }
-    return ids;
 }
 
 Answer mailLinks(Service& service, Request& request, const Fields& form) {
@@ -371,7 +146,7 @@ Answer mailLinks(Service& service, Request& request, const Fields& form) {
     requireCount(form, ssids.size());
     const User& user = service.authenticate(request, field(request.query, "sid"));
     const std::vector<Link> links = ownLinks(service, user, ssids);
-    return result(links[0].url, mail(service, form, links), true);
+    return linkResult(links[0].url, mailOut(service, form, links), true);
 }
 
 Answer createLink(Service& service, Request& request, const Fields& form) {
@@ -401,10 +176,10 @@ Answer createLink(Service& service, Request& request, const Fields& form) {
     const User& user = service.authenticate(request, field(request.query, "sid"));
     Link link = linkOf(service, user, form);
     if (link.over()) {
-        return result("", true, false);
+        return linkResult("", true, false);
     }
     keep(service, request, form, link, false);
-    return result(link.url, !mails || mail(service, form, {link}), true);
+    return linkResult(link.url, !mails || mailOut(service, form, {link}), true);
 }
 
 // One call both makes a link and mails others.
@@ -425,139 +200,7 @@ Answer mailLink(Service& service, Request& request, httplib::Response&) {
     requireMail(form);
     const User& user = service.authenticate(request, field(request.query, "sid"));
     const std::vector<Link> links = ownLinks(service, user, {field(form, "share_ssid")});
-    return result(links[0].url, mail(service, form, links), true);
-}
-
-Shape updateShape(const Fields& form) {
-    Shape shape = {"download_type", "option"};
-    appendDuration(shape, form);
-    append(shape, {"file_total=1", "access_code", "access_enabled"});
-    // Either of the two may come first.
-    for (const auto& [key, value] : form) {
-        if (key == "ht" || key == "hostname") {
-            shape.push_back(key);
-        }
-    }
-    append(shape, {"ssl", "include_access_code", "expire_time", "ssids"});
-    if (hasField(form, "link_name")) {
-        shape.emplace_back("link_name");
-    }
-    return shape;
-}
-
-Answer updateLinks(Service& service, Request& request, httplib::Response&) {
-    const Fields form = readForm(request);
-    requireShape(form, {updateShape(form)}, "form");
-    requireHostKind(form);
-    if (!hasField(form, "ht") && !hasField(form, "hostname")) {
-        throw Refusal("form key \"hostname\" is missing");
-    }
-    requireOneOf(form, "option", {"1", "3"});
-    // Without a host only the name changes, and the rest may be anything.
-    const bool nameOnly = !hasField(form, "hostname") && hasField(form, "ht");
-    if (!nameOnly) {
-        requireTypes(form);
-    }
-    const int64_t expires = nameOnly ? Link::kNever : expiryOf(form);
-    const User& user = service.authenticate(request, field(request.query, "sid"));
-    const std::vector<Link> links = ownLinks(service, user, splitIds(field(form, "ssids")));
-    std::string first;
-    service.shares().change([&](ShareBook& book) {
-        for (Link& link : book.links) {
-            const bool meant = std::any_of(links.begin(), links.end(),
-                                           [&](const Link& one) { return one.ssid == link.ssid; });
-            if (!meant) {
-                continue;
-            }
-            if (hasField(form, "link_name")) {
-                link.name = field(form, "link_name");
-            }
-            if (!nameOnly) {
-                link.code = field(form, "access_code");
-                link.expires = expires;
-                link.url = urlOf(service, request, form, link);
-            }
-            first = link.ssid == links[0].ssid ? link.url : first;
-        }
-    });
-    return result(first, true, true);
-}
-
-bool holds(const Link& link, const std::string& path) {
-    return std::any_of(link.files.begin(), link.files.end(), [&](const std::string& file) {
-        return (file.empty() ? link.path : wholePath(link, file)) == path;
-    });
-}
-
-Answer deleteLinks(Service& service, Request& request, httplib::Response&) {
-    const Fields& query = request.query;
-    const User& user = service.authenticate(request, field(query, "sid"));
-    std::vector<std::string> ssids;
-    if (hasField(query, "ssids")) {
-        ssids = splitIds(field(query, "ssids"));
-    } else {
-        if (field(query, "filename").empty() || field(query, "download_link").empty()) {
-            throw Refusal("query key \"filename\" or \"download_link\" is empty");
-        }
-        const auto book = service.shares().read();
-        for (const Link& link : book->links) {
-            if (link.owner == user.name && link.url == field(query, "download_link") &&
-                holds(link, field(query, "filename"))) {
-                ssids.push_back(link.ssid);
-            }
-        }
-    }
-    const std::vector<Link> links = ownLinks(service, user, ssids);
-    service.shares().change([&](ShareBook& book) {
-        const auto gone = [&](const Link& link) {
-            return std::any_of(links.begin(), links.end(),
-                               [&](const Link& one) { return one.ssid == link.ssid; });
-        };
-        book.links.erase(std::remove_if(book.links.begin(), book.links.end(), gone), book.links.end());
-    });
-    return doneWithZero(std::to_string(links.size()) + " links");
-}
-
-bool holdsFolder(Service& service, const User& user, const Link& link) {
-    try {
-        return openItem(service, user, wholePath(link, link.files[0])).entry.isFolder;
-    } catch (const StatusError&) {
-        return false;
-    }
-}
-
-Answer linkList(Service& service, Request& request, httplib::Response&) {
-    constexpr int kMostFiles = 1000;
-    const User& user = service.authenticate(request, field(request.query, "sid"));
-    const int64_t limit = numberField(request.query, "limit");
-    const int64_t start = numberField(request.query, "start");
-    if (limit < 1 || start < 0) {
-        throw Refusal("limit or start is out of its range");
-    }
-    const auto book = service.shares().read();
-    std::vector<const Link*> links;
-    for (const Link& link : book->links) {
-        if (link.owner == user.name && link.nas == service.shares().nas()) {
-            links.push_back(&link);
-        }
-    }
-    std::stable_sort(links.begin(), links.end(),
-                     [](const Link* a, const Link* b) { return a->files[0] < b->files[0]; });
-    nlohmann::json datas = nlohmann::json::array();
-    for (int64_t i = start; i < static_cast<int64_t>(links.size()) && i - start < limit; ++i) {
-        const Link& link = *links[static_cast<size_t>(i)];
-        datas.push_back({{"ssid", link.ssid},
-                         {"filename", shownName(link)},
-                         {"download_link", link.url},
-                         {"creator", link.owner},
-                         {"link_name", link.name},
-                         {"isfolder", holdsFolder(service, user, link) ? 1 : 0},
-                         {"multiple", link.files.size() > 1 ? 1 : 0}});
-    }
-    return {{{"status", number(Status::Ok)},
-             {"max_share_file", kMostFiles},
-             {"total", links.size()},
-             {"datas", std::move(datas)}}};
+    return linkResult(links[0].url, mailOut(service, form, links), true);
 }
 
 }  // namespace
@@ -568,13 +211,7 @@ void addLinkCalls(std::vector<Call>& calls) {
     addForm(calls, manager, {"func=get_share_link", "sid"}, getLink);
     addForm(calls, manager, {"func=share_file", "sid"}, shareFile);
     addForm(calls, manager, {"func=send_share_mail", "sid"}, mailLink);
-    addForm(calls, manager, {"func=update_share_link", "sid"}, updateLinks);
-    addGet(calls, manager,
-           {{"func=delete_share", "sid", "ssids", "file_total=1"},
-            {"func=delete_share", "sid", "filename", "download_link", "file_total=1"}},
-           deleteLinks, notDone);
-    addGet(calls, manager, {{"func=get_share_list", "sid", "dir=ASC", "limit", "sort=filename", "start"}},
-           linkList);
+    addLinkChangeCalls(calls);
     // Each node keeps the links of what it holds.
     for (size_t i = first; i < calls.size(); ++i) {
         calls[i].prefix = true;
