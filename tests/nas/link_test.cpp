@@ -340,6 +340,25 @@ TEST_F(NasLinks, AnUpdateChangesCodeAndName) {
     EXPECT_EQ("Letters", list(sid)["datas"][0]["link_name"].asString());
 }
 
+TEST_F(NasLinks, AnUpdateNamesItsHostOrSaysThatItHasNone) {
+    LinkForm form = {{"download_type", "create_download_link"},
+                     {"option", "1"},
+                     {"valid_duration", "forever"},
+                     {"file_total", "1"},
+                     {"access_code", ""},
+                     {"access_enabled", "false"},
+                     {"ssl", "false"},
+                     {"include_access_code", "false"},
+                     {"expire_time", ""},
+                     {"ssids", ssid()},
+                     {"link_name", "Letters"}};
+    EXPECT_EQ(400, call("update_share_link", form).http);
+    EXPECT_TRUE(nas.waitForLog("form key \"hostname\" is missing"));
+    form.insert(form.begin() + 6, {"ht", "11"});
+    EXPECT_EQ(1, call("update_share_link", form).status());
+    EXPECT_EQ("Letters", list(sid)["datas"][0]["link_name"].asString());
+}
+
 TEST_F(NasLinks, TheHostHidesNothingFromASearchForTheStatus) {
     LinkForm form = getForm({});
     form[5].second = "status.expire_time.test";
