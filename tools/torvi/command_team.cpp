@@ -85,19 +85,18 @@ void list(const GlobalOptions& global, const ListOptions& options) {
     const std::vector<TeamRecord> folders = teamFolders(
         session, what,
         {rolesOf(options), QString::fromStdString(options.user), path.isEmpty() ? path : remotePath(path)});
-    const std::optional<size_t> remembered =
-        options.remember ? std::optional<size_t>(remember(session, what)) : std::nullopt;
+    const size_t remembered = options.remember ? remember(session, what) : 0;
     if (global.json) {
         Json all = Json::array();
         for (const TeamRecord& folder : folders) all.push_back(toJson(folder));
         Json json = {{"count", folders.size()}, {"folders", all}};
-        if (remembered) json["remembered"] = *remembered;
+        if (options.remember) json["remembered"] = remembered;
         return printJson(json);
     }
     if (!folders.empty()) printFolders(folders);
     if (global.quiet) return;
     if (folders.empty()) printLine(QStringLiteral("There are none"));
-    if (remembered) printLine(QStringLiteral("The profile has %1 of them").arg(*remembered));
+    if (options.remember) printLine(QStringLiteral("The profile has %1 of them").arg(remembered));
 }
 
 void removeEvent(const Session& session, uint32_t number) {
@@ -174,7 +173,11 @@ void addTeamCommands(const Commands& commands) {
     addListCommand(below);
     addEventsCommand(below);
     addTeamReceiverCommands(below);
-    addTeamOwnerCommands(below);
+    addTeamShareCommand(below);
+    addTeamMembersCommand(below);
+    addTeamSetMemberCommand(below);
+    addTeamKickCommand(below);
+    addTeamUnshareCommand(below);
 }
 
 }  // namespace torvi

@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "jobid.h"
 #include "jobs.h"
 #include "output.h"
 #include "progress.h"
@@ -103,10 +104,6 @@ struct Task {
 void say(const GlobalOptions& global, const Json& json, const QString& text) {
     if (global.json) return printJson(json);
     if (!global.quiet) printLine(text);
-}
-
-Json pidJson(const QString& pid) {
-    return pid.isEmpty() ? Json(nullptr) : Json(utf8(pid));
 }
 
 void probe(const GlobalOptions& global) {

@@ -23,6 +23,14 @@ _WFM_SHARE_MEMBER_ACTION recordOf(const QString& what, const TeamRecord& folder,
     return record;
 }
 
+bool isAsWanted(const TeamRecord& folder, const MemberChange& change) {
+    const TeamMember* member = folder.member(change.name);
+    if (change.access == MemberAccess::None || member == nullptr)
+        return (change.access == MemberAccess::None) == (member == nullptr);
+    // The older service tells no permission.
+    return member->permission == 0 || member->permission == static_cast<int32_t>(change.access);
+}
+
 }  // namespace
 
 void runShareAction(const Session& session, const QString& what, ShareAction action, const TeamRecord& folder,
@@ -48,6 +56,15 @@ QString startMemberChanges(const Session& session, const QString& what, const Te
         pid, &word);
     check(what, dwStatus, word);
     return QString::fromWCharArray(pid);
+}
+
+bool areAsWanted(const Session& session, const QString& what, const TeamRecord& folder,
+                 const std::vector<MemberChange>& changes) {
+    for (const TeamRecord& now : sameTeamFolder(session, what, kOwn, folder.shareId)) {
+        return std::all_of(changes.begin(), changes.end(),
+                           [&](const MemberChange& change) { return isAsWanted(now, change); });
+    }
+    return false;
 }
 
 QString startUnshare(const Session& session, const QString& what, const TeamRecord& folder) {

@@ -27,6 +27,9 @@ struct MemberChange {
 /// Starts the job and gives its process id, empty if the server names none.
 QString startMemberChanges(const Session& session, const QString& what, const TeamRecord& folder,
                            const std::vector<MemberChange>& changes);
+/// Whether the server has done all of them.
+bool areAsWanted(const Session& session, const QString& what, const TeamRecord& folder,
+                 const std::vector<MemberChange>& changes);
 QString startUnshare(const Session& session, const QString& what, const TeamRecord& folder);
 
 }  // namespace torvi
