@@ -25,6 +25,12 @@ protected:
     ProcessResult stat() const { return cli.runBare({"stat", "/home"}); }
     ProcessResult statWithoutPassword() const { return cli.runWithoutPassword({"stat", "/home"}); }
     std::int64_t logins() { return nas.requestCount("login"); }
+    /// Leaves a second session, and the profile speaks of its server.
+    void loginElsewhere() {
+        const ProcessResult result = cli.runBare(
+            {"login", "--server", "localhost", "--port", std::to_string(nas.port()), "--user", "anna"});
+        ASSERT_EQ(result.exitCode, 0) << result.err;
+    }
 };
 
 class CliKeptEdges : public CliKept {};
@@ -152,12 +158,7 @@ TEST_P(CliKeptEdges, LogoutForgetsItWhereTheServerIsGone) {
 }
 
 TEST_P(CliKeptEdges, LogoutEndsAllSessionsWhenAsked) {
-    ASSERT_EQ(
-        runProcess(kTorvi,
-                   {"login", "--server", "localhost", "--port", std::to_string(nas.port()), "--user", "anna"},
-                   cli.options())
-            .exitCode,
-        0);
+    ASSERT_NO_FATAL_FAILURE(loginElsewhere());
     ASSERT_EQ(files().size(), 2u);
     const ProcessResult result = cli.runBare({"logout", "--all", "--json"});
     ASSERT_EQ(result.exitCode, 0) << result.err;
@@ -186,6 +187,70 @@ TEST_P(CliKeptEdges, ALogoutThatIsNotUnderstoodEndsNothing) {
     EXPECT_TRUE(std::filesystem::exists(cli.profile()));
     EXPECT_EQ(files().size(), 1u);
     EXPECT_EQ(nas.requestCount("logout"), 0);
+}
+
+TEST_P(CliKeptEdges, ALogoutWithoutAWayToTheServerForgetsThisSessionAlone) {
+    ASSERT_NO_FATAL_FAILURE(loginElsewhere());
+    const ProcessResult result = cli.runBare({"logout", "--json", "--proxy", "127.0.0.1:1", "--proxy-user",
+                                              "anna", "--proxy-password-file", cli.work().file("nowhere")});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_THAT(result.err, AllOf(HasSubstr("no session was ended at the server"),
+                                  HasSubstr("cannot read the password"), HasSubstr("nowhere")));
+    EXPECT_EQ(Json::parse(result.out)["sessionsLost"], 1);
+    EXPECT_EQ(Json::parse(result.out)["removed"], true);
+    EXPECT_EQ(nas.requestCount("logout"), 0);
+    ASSERT_EQ(files().size(), 1u);
+    EXPECT_THAT(content(), HasSubstr("127.0.0.1")) << "the other server's";
+    EXPECT_FALSE(std::filesystem::exists(cli.profile()));
+}
+
+TEST_P(CliKeptEdges, ALogoutOfABrokenProfileForgetsWhateverItMayBeAbout) {
+    cli.state().write("torvi/profile.json", "{\"port\": \"many\"");
+    ASSERT_EQ(::chmod(cli.profile().c_str(), 0600), 0);
+    const ProcessResult result = cli.runBare({"logout", "--json"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_THAT(result.err,
+                AllOf(HasSubstr("no session was ended at the server"), HasSubstr("is not a profile")));
+    EXPECT_EQ(Json::parse(result.out)["sessionsLost"], 1);
+    EXPECT_EQ(nas.requestCount("logout"), 0);
+    EXPECT_TRUE(files().empty());
+    EXPECT_FALSE(std::filesystem::exists(cli.profile()));
+}
+
+TEST_P(CliKeptEdges, ALogoutOfABrokenProfileLeavesWhatTheCommandLineRulesOut) {
+    ASSERT_EQ(::chmod(cli.profile().c_str(), 0644), 0);
+    const std::vector<std::string> others[] = {{"--server", "localhost"},
+                                               {"--server", "127.0.0.1:1"},
+                                               {"--port", "1"},
+                                               {"--user", "ben"},
+                                               {"--tls"}};
+    for (std::vector<std::string> arguments : others) {
+        const std::string option = arguments.front();
+        arguments.insert(arguments.begin(), {"logout", "--json"});
+        const ProcessResult result = cli.runBare(arguments);
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_EQ(Json::parse(result.out)["sessionsLost"], 0) << option;
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(files().size(), 1u) << option;
+        cli.state().write("torvi/profile.json", "{}");
+        ASSERT_EQ(::chmod(cli.profile().c_str(), 0644), 0);
+    }
+    EXPECT_EQ(cli.runBare({"logout", "--server", "127.0.0.1", "--user", "anna"}).exitCode, 0);
+    EXPECT_TRUE(files().empty());
+}
+
+TEST_P(CliKeptEdges, CtrlCWhileALogoutAsksForThePasswordOfTheProxyLeavesAll) {
+    Process::Options options = cli.withoutPassword();
+    options.arguments = {"logout", "--proxy", "127.0.0.1:1", "--proxy-user", "anna"};
+    options.terminal = true;
+    Process process(kTorvi, options);
+    ASSERT_TRUE(process.waitFor([](const std::string& out, const std::string&) {
+        return out.find("Password of anna for the proxy") != out.npos;
+    }));
+    process.write("\x03");
+    EXPECT_EQ(process.wait(), 7) << process.out();
+    EXPECT_EQ(files().size(), 1u);
+    EXPECT_TRUE(std::filesystem::exists(cli.profile()));
 }
 
 TEST_P(CliKeptEdges, HalfAFileIsNoSession) {

@@ -83,15 +83,57 @@ void login(const GlobalOptions& global, bool savePassword) {
                                                    : QStringLiteral("without the password")));
 }
 
-/// Whose sessions a logout is to end: those of the server that is named or stored, or all.
-std::vector<Connection> loggedIn(const GlobalOptions& global, bool all) {
+/// What a logout is to end.
+struct Farewell {
+    std::vector<Connection> sessions;
+    std::optional<Failure> obstacle;  ///< why their servers can't be told
+};
+
+/// Whether the command line leaves it possible that this one is meant.
+bool mayBeMeant(const GlobalOptions& global, const Connection& kept) {
+    const Address named = namedServer(global);
+    return (named.host.isEmpty() || kept.server == named.host) &&
+           kept.port == named.port.value_or(global.port.value_or(kept.port)) &&
+           kept.tls == global.tls.value_or(kept.tls) &&
+           (!global.user || kept.user == QString::fromStdString(*global.user));
+}
+
+/// Without the way there, for which a password may be wanted; nobody's if no server is named or stored.
+Connection namedConnection(const GlobalOptions& global) {
+    if (namedServer(global).host.isEmpty() && !loadProfile()) return {};
+    GlobalOptions direct = global;
+    direct.proxy = "none";
+    return resolveConnection(direct, Needs::Server);
+}
+
+Farewell farewell(const GlobalOptions& global, bool all) {
+    Farewell result;
+    Connection connection;
     try {
-        const Connection connection = resolveConnection(global, Needs::Server);
-        return all ? KeptSession::all(connection) : std::vector<Connection>{connection};
-    } catch (const Failure&) {
-        // No server, or no profile that can be read. It goes all the same.
-        return all ? KeptSession::all(Connection()) : std::vector<Connection>();
+        connection = namedConnection(global);
+    } catch (const Failure& failure) {
+        // Which session a profile that can't be read is about, nobody can say.
+        result.obstacle = failure;
+        for (const Connection& kept : KeptSession::all(connection)) {
+            if (all || mayBeMeant(global, kept)) result.sessions.push_back(kept);
+        }
+        return result;
     }
+    try {
+        if (!connection.server.isEmpty()) connection = resolveConnection(global, Needs::Server);
+    } catch (const Failure& failure) {
+        if (failure.exit() == Exit::Cancelled) throw;
+        result.obstacle = failure;
+    }
+    result.sessions = all ? KeptSession::all(connection) : std::vector<Connection>{connection};
+    return result;
+}
+
+/// Forgets it without a word to the server. False if there is none.
+bool forgetKeptSession(const Connection& connection) {
+    if (!KeptSession::exists(connection)) return false;
+    KeptSession(connection).forget();
+    return true;
 }
 
 /// Whether the profile belongs to another server than the one that is named.
@@ -110,9 +152,17 @@ void logout(const GlobalOptions& global, bool all) {
     const QString named = namedServer(global).host;
     int ended = 0;
     int lost = 0;
-    for (const Connection& connection : loggedIn(global, all)) {
-        const std::optional<bool> outcome = endKeptSession(connection);
-        if (outcome) ++(*outcome ? ended : lost);
+    const auto [sessions, obstacle] = farewell(global, all);
+    for (const Connection& connection : sessions) {
+        if (obstacle) {
+            if (forgetKeptSession(connection)) ++lost;
+        } else if (const std::optional<bool> outcome = endKeptSession(connection)) {
+            ++(*outcome ? ended : lost);
+        }
+    }
+    if (obstacle && lost > 0) {
+        const QString why = QStringLiteral("no session was ended at the server: %1").arg(obstacle->message());
+        reportFailure(Failure(obstacle->exit(), why), false);
     }
     const bool removed = !speaksOfAnother(named) && removeProfile();
     if (global.json) {
