@@ -46,7 +46,7 @@ std::string Tokens::newToken(Grants& grants, Grant grant, int64_t seconds, int64
     if (grants.size() >= kMostTokens) {
         dropFirstToEnd(grants);
     }
-    const std::string token = nas::randomHex(kTokenBytes);
+    std::string token = nas::randomHex(kTokenBytes);
     if (grant.family.empty()) {
         grant.family = token;
     }
