@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "core/onewaybody.h"
+#include "core/threadends.h"
 
 struct HttpRequestWorker::Proxy {
     _PROXY_MODE_ mode;
@@ -213,6 +214,7 @@ int HttpRequestWorker::finish(Exchange& exchange, int msec, const OneWayBody& bo
     QElapsedTimer clock;
     clock.start();
     wait_for_finished(reply, msec);
+    if (secure) Lattice::AwaitRequestThreadsAtExit();
     // Before any other event loop runs: the reply is up for deletion already.
     exchange.end();
     // A connection that breaks while Qt writes the body ends in an error without a name, depending on timing.
