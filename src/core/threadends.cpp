@@ -15,7 +15,7 @@ namespace {
 /// What the kernel keeps of the name that Qt gives such a thread.
 constexpr const char* kThreadName = "QNetworkAccessM";
 /// Those of somebody else's access manager don't end at all.
-constexpr std::chrono::milliseconds kPatience{200};
+constexpr std::chrono::milliseconds kPatience{300};
 
 bool HasRequestThread() {
     std::error_code error;

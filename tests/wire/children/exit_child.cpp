@@ -54,7 +54,7 @@ extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attribute
 
 int main(int argc, char** argv) {
     std::atexit(PrintThreadsLeft);  // the first one runs last
-    pthread_key_create(&slowEnd, [](void*) { usleep(50000); });
+    pthread_key_create(&slowEnd, [](void*) { usleep(100000); });
     QCoreApplication application(argc, argv);
     uint32_t result = 0;
     _WFM_VERSION_INFORMATION version;
